@@ -1,0 +1,41 @@
+// A bare condition: whoever waits is woken by a Set, and a Set that finds nobody
+// waiting leaves no trace.
+//
+// Owned by the CThread that waits on it. One thread waits, any thread sets.
+#pragma once
+
+#include <pthread.h>
+
+class CEventClass {
+ public:
+  CEventClass();
+  ~CEventClass();
+  CEventClass(const CEventClass&) = delete;
+  CEventClass& operator=(const CEventClass&) = delete;
+
+  // Wakes one waiting thread. Blocks while the mutex is held between Wait and Reset.
+  void Set();
+
+  // Waits for a Set. Returns true with the event's mutex held, until Reset.
+  bool Wait();
+
+  // As Wait, but looks for a reason first and after every wake-up, under the
+  // event's mutex: what happened before the wait is not lost, and a wake-up
+  // without a reason goes on waiting.
+  template <class Reason>
+  bool WaitFor(Reason reason) {
+    pthread_mutex_lock(&Mutex);
+    while (!reason()) pthread_cond_wait(&Condition, &Mutex);
+    return true;
+  }
+
+  // Ends the critical section that Wait opened.
+  void Reset();
+
+  bool IsCreated() const { return Created; }
+
+ private:
+  pthread_cond_t Condition;
+  pthread_mutex_t Mutex;
+  bool Created;  // set by the constructor, whatever the initialisation said
+};

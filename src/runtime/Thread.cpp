@@ -1,0 +1,258 @@
+#include "runtime/Thread.h"
+
+#include <cstdio>
+#include <new>
+
+#include "runtime/Pause.h"
+#include "runtime/Task.h"
+
+CThread::CThread() : Stack(new (std::nothrow) void*[kCapacity]) {
+  if (!Stack) {
+    Fault(kNoStack);
+  } else if (!Mutex.IsCreated()) {
+    std::perror("mutex creation failed");
+    Fault(kNoMutex);
+  } else if (!Wake.IsCreated()) {
+    std::perror("event creation failed");
+    Fault(kNoEvent);
+  } else {
+    Start();
+  }
+}
+
+CThread::~CThread() {
+  Stop();
+  if (Handle != 0) pthread_join(Handle, nullptr);
+}
+
+bool CThread::OnTask(void* object) {
+  auto* task = static_cast<CTask*>(object);
+  task->SetStatus(kTaskRunning);
+  const bool good = task->Run();
+  task->SetStatus(kTaskCompleted);
+  return good;
+}
+
+bool CThread::OnTask() {
+  std::printf("\nthread is alive\n");
+  return true;
+}
+
+bool CThread::Start() {
+  const CMutexGuard guard(Mutex);
+  const bool is_starting = Handle != 0 && ThreadId == 0;
+  if (Running || is_starting) return true;
+
+  if (Handle != 0) pthread_join(Handle, nullptr);  // an earlier run that has ended
+  Handle = 0;
+  ThreadId = 0;
+  Errors &= ~static_cast<unsigned>(kNoThread);
+
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  if (StackSize != 0) pthread_attr_setstacksize(&attributes, StackSize);
+  const int error = pthread_create(&Handle, &attributes, &CThread::Kernel, this);
+  pthread_attr_destroy(&attributes);
+  if (error == 0) return true;
+
+  Handle = 0;
+  RunState = kThreadFault;
+  Errors |= kNoThread;
+  std::fprintf(stderr, "error: could not create thread, pthread_create failed (%d)!\n", error);
+  return false;
+}
+
+void CThread::EndAfterPass() {
+  // A thread that was created but has not begun would set Running again.
+  while (!HasBegun()) Sleep(GetIdle());
+  const CMutexGuard guard(Mutex);
+  Running = false;
+}
+
+void CThread::Stop() {
+  EndAfterPass();
+  {
+    const CMutexGuard guard(Mutex);
+    if (Handle == 0 || RunState == kThreadDown) return;
+  }
+  Event(static_cast<void*>(nullptr));
+  while (ThreadState() != kThreadDown) Sleep(GetIdle());
+}
+
+bool CThread::Event(void* object) {
+  {
+    const CMutexGuard guard(Mutex);
+    if (Type == kIntervalDriven) {
+      // Down stays down: Stop waits for it.
+      if (RunState != kThreadDown) RunState = kThreadFault;
+      Errors |= kIllegalEvent;
+      return false;
+    }
+  }
+  if (!Push(object)) return false;
+  WakeUp();
+  return true;
+}
+
+bool CThread::Event(CTask* task) {
+  {
+    const CMutexGuard guard(Mutex);
+    task->SetThreadId(ThreadId);
+  }
+  // Queued before the thread can see the task, which may run it at once.
+  const TaskStatus_t before = task->GetStatus();
+  task->SetStatus(kTaskQueued);
+  if (Event(static_cast<void*>(task))) return true;
+  task->SetStatus(before);
+  return false;
+}
+
+bool CThread::Push(void* object) {
+  if (object == nullptr) return true;
+  const CMutexGuard guard(Mutex);
+  if (Count + 1 >= Capacity) return false;
+  Stack[static_cast<std::size_t>(Count++)] = object;
+  return true;
+}
+
+void CThread::Pop() {
+  const CMutexGuard guard(Mutex);
+  Current = Stack[static_cast<std::size_t>(--Count)];
+}
+
+bool CThread::Empty() {
+  const CMutexGuard guard(Mutex);
+  return Count == 0;
+}
+
+int CThread::GetEventsPending() {
+  const CMutexGuard guard(Mutex);
+  return Count;
+}
+
+int CThread::ThreadState() {
+  const CMutexGuard guard(Mutex);
+  return RunState;
+}
+
+void CThread::SetIdle(long idle) {
+  const CMutexGuard guard(Mutex);
+  Idle = idle;
+}
+
+void CThread::SetThreadType(ThreadType_t type, long idle) {
+  {
+    const CMutexGuard guard(Mutex);
+    Idle = idle;
+    if (Type == type) return;
+    Type = type;
+  }
+  WakeUp();
+}
+
+void CThread::SetPriority(long /*priority*/) {}
+
+bool CThread::PingThread(long timeout) {
+  long elapsed = 0;
+  while (!IsRunning()) {
+    if (timeout > 0 && elapsed > timeout) return false;
+    const unsigned int idle = GetIdle();
+    Sleep(idle);
+    elapsed += static_cast<long>(idle);
+  }
+  return true;
+}
+
+unsigned CThread::GetErrors() {
+  const CMutexGuard guard(Mutex);
+  return Errors;
+}
+
+void* CThread::Kernel(void* self) {
+  static_cast<CThread*>(self)->RunKernel();
+  return nullptr;
+}
+
+void CThread::RunKernel() {
+  {
+    const CMutexGuard guard(Mutex);
+    Running = true;
+    RunState = kThreadWaiting;
+    ThreadId = pthread_self();
+  }
+  while (true) {
+    const ThreadType_t type = GetType();
+    if (type == kEventDriven) Wake.WaitFor([this] { return HasWakeUp(); });
+    if (!KernelPass()) break;  // an event-driven thread keeps its event's mutex
+    if (type == kEventDriven) Wake.Reset();
+    if (GetType() == kIntervalDriven) Sleep(GetIdle());
+  }
+  const CMutexGuard guard(Mutex);
+  RunState = kThreadDown;
+  Running = false;
+}
+
+bool CThread::KernelPass() {
+  {
+    const CMutexGuard guard(Mutex);
+    RunState = kThreadBusy;
+  }
+  if (!IsRunning()) return EndPass(false);
+  if (Empty()) return EndPass(OnTask());
+  while (!Empty()) {
+    Pop();
+    if (!OnTask(Current)) return EndPass(false);
+  }
+  return EndPass(true);
+}
+
+bool CThread::EndPass(bool good) {
+  const CMutexGuard guard(Mutex);
+  Current = nullptr;
+  RunState = good ? kThreadWaiting : kThreadShutting;
+  return good;
+}
+
+// Every wake-up is followed by a pass, also one that came while a pass was running.
+bool CThread::HasWakeUp() {
+  const CMutexGuard guard(Mutex);
+  if (WakeUps == WakeUpsSeen) return false;
+  WakeUpsSeen = WakeUps;
+  return true;
+}
+
+// The count is taken under the thread's mutex and the event is set without it: a
+// thread that holds the event's mutex may take the thread's, never the reverse.
+void CThread::WakeUp() {
+  {
+    const CMutexGuard guard(Mutex);
+    ++WakeUps;
+  }
+  Wake.Set();
+}
+
+void CThread::Fault(ThreadError error) {
+  const CMutexGuard guard(Mutex);
+  RunState = kThreadFault;
+  Errors |= error;
+}
+
+bool CThread::IsRunning() {
+  const CMutexGuard guard(Mutex);
+  return Running;
+}
+
+bool CThread::HasBegun() {
+  const CMutexGuard guard(Mutex);
+  return Handle == 0 || ThreadId != 0;
+}
+
+ThreadType_t CThread::GetType() {
+  const CMutexGuard guard(Mutex);
+  return Type;
+}
+
+unsigned int CThread::GetIdle() {
+  const CMutexGuard guard(Mutex);
+  return Idle > 0 ? static_cast<unsigned int>(Idle) : 0;
+}
