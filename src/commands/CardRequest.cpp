@@ -43,11 +43,13 @@ std::string Expand(std::string_view reply, const Fields& fields) {
 
 // ON or OFF sets the remembered state; any other word sends what was set before.
 std::string StateText(const std::string& line, unsigned char& state) {
-  const std::string text = ValueText(line, 2);
+  std::string text = ValueText(line, 2);
   if (text == "ON") state = 0xFF;
-  if (text != "OF") return text;
-  state = 0x00;
-  return "OFF";
+  if (text == "OF") {
+    text = "OFF";
+    state = 0x00;
+  }
+  return text;
 }
 
 unsigned char RegisterOf(const CardRequest& request, const std::string& line) {

@@ -88,7 +88,7 @@ void StoreEntry(const INTERFACE_DESCRIPTOR& entry, CONFIG_DESCRIPTOR& config) {
 
 // False at the first entry with an unusable port, which is not stored.
 bool ReadInterfaces(const pugi::xml_node& node, Entries& entries, CONFIG_DESCRIPTOR& config) {
-  auto entry = entries.begin();
+  auto* entry = entries.begin();
   for (const pugi::xml_node& child : node.children()) {
     if (child.type() != pugi::node_element) continue;
     if (entry == entries.end()) break;

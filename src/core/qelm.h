@@ -31,7 +31,7 @@ class QELM {
 
   // Reads the configuration and sets the logger up; false where it is not usable.
   bool InitProgramData();
-  CONFIG_DESCRIPTOR ReadConfig();
+  static CONFIG_DESCRIPTOR ReadConfig();
 
   // Builds the three TCP interfaces and the serial link; their threads run from here.
   void InitInterfaces();

@@ -10,6 +10,7 @@
 #include <array>
 #include <ctime>
 #include <string_view>
+#include <utility>
 
 #include "runtime/Pause.h"
 #include "runtime/Shared.h"
@@ -57,9 +58,9 @@ std::string WireBytes(const QList& item, int data_mode) {
 
 }  // namespace
 
-SOCKET_INTERFACE::SOCKET_INTERFACE(const INTERFACE_DESCRIPTOR& descriptor, const LOGGER& logger,
+SOCKET_INTERFACE::SOCKET_INTERFACE(INTERFACE_DESCRIPTOR descriptor, const LOGGER& logger,
                                    QEQUEUE* in_queue, int data_mode)
-    : Descriptor(descriptor), Logger(logger), InQueue(in_queue), DataMode(data_mode) {
+    : Descriptor(std::move(descriptor)), Logger(logger), InQueue(in_queue), DataMode(data_mode) {
   SetThreadType(kIntervalDriven, 1);
   Sleep(50000);
 }

@@ -33,7 +33,7 @@ enum DataMode_t : int {
 class SOCKET_INTERFACE final : public CThread {
  public:
   // Starts the thread, opens no socket. The queue for received data stays the caller's.
-  SOCKET_INTERFACE(const INTERFACE_DESCRIPTOR& descriptor, const LOGGER& logger, QEQUEUE* in_queue,
+  SOCKET_INTERFACE(INTERFACE_DESCRIPTOR descriptor, const LOGGER& logger, QEQUEUE* in_queue,
                    int data_mode);
   ~SOCKET_INTERFACE();
 

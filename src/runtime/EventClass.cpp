@@ -1,6 +1,6 @@
 #include "runtime/EventClass.h"
 
-CEventClass::CEventClass() : Condition{}, Mutex{}, Created(true) {
+CEventClass::CEventClass() : Condition{}, Mutex{} {
   pthread_cond_init(&Condition, nullptr);
   pthread_mutex_init(&Mutex, nullptr);
 }

@@ -37,5 +37,5 @@ class CEventClass {
  private:
   pthread_cond_t Condition;
   pthread_mutex_t Mutex;
-  bool Created;  // set by the constructor, whatever the initialisation said
+  bool Created = true;  // whatever the initialisation said
 };

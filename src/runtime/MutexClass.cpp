@@ -1,8 +1,6 @@
 #include "runtime/MutexClass.h"
 
-CMutexClass::CMutexClass() : Mutex{}, Owner(0), Created(true) {
-  pthread_mutex_init(&Mutex, nullptr);
-}
+CMutexClass::CMutexClass() : Mutex{} { pthread_mutex_init(&Mutex, nullptr); }
 
 CMutexClass::~CMutexClass() {
   Lock();

@@ -26,8 +26,8 @@ class CMutexClass {
 
  private:
   pthread_mutex_t Mutex;
-  std::atomic<pthread_t> Owner;  // 0 when free; only its own thread ever finds itself here
-  bool Created;                  // set by the constructor, whatever the initialisation said
+  std::atomic<pthread_t> Owner = 0;  // 0 when free; only its own thread ever finds itself here
+  bool Created = true;               // whatever the initialisation said
 };
 
 // Holds a CMutexClass for the length of a scope.
