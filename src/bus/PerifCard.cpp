@@ -71,14 +71,14 @@ bool PERIFCARD::setCardData(unsigned char type, unsigned char address) {
     StoreShared(BlockData[static_cast<std::size_t>(b)], kind.preset);
   if (kind.io_kind == kInputCard) {
     StoreShared<unsigned char>(PollEnabled, 1);
-    AppendPoll();
+    AppendPoll(address, kind.block_count);
   }
   return &kind != &kUnidentified;
 }
 
 // A frame holds 85 polls of the card; it grows no further.
-void PERIFCARD::AppendPoll() {
-  const QList poll = MakeQList({kFramePoll, Address, static_cast<unsigned char>(BlockCount)});
+void PERIFCARD::AppendPoll(unsigned char address, int blocks) {
+  const QList poll = MakeQList({kFramePoll, address, static_cast<unsigned char>(blocks)});
   const CMutexGuard guard(PollLock);
   if (PollFrame.size() + poll.size() > kMaxPayload) return;
   PollFrame.insert(PollFrame.end(), poll.begin(), poll.end());

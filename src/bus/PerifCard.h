@@ -79,6 +79,6 @@ class PERIFCARD {
   bool StoreInput(std::size_t block, unsigned char value);
   bool CompareBlocks(std::span<const unsigned char> blocks);
   bool AverageChannels(std::span<const unsigned char> blocks);
-  void AppendPoll();
+  void AppendPoll(unsigned char address, int blocks);
   void SetName(const char* name);
 };

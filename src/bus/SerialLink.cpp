@@ -36,8 +36,8 @@ termios RawLine() {
 }  // namespace
 
 std::list<std::string> SERIAL_INTERFACE::GetUSBDevices() {
-  // Room for ttyUSB0 to ttyUSB99 and the line feed; a longer name comes in pieces
-  // that name no device.
+  // Room for ttyUSB0 to ttyUSB99 and the line feed; a longer name comes in two pieces,
+  // and neither is its path.
   std::array<char, 10> name{};
   std::list<std::string> devices;
   FILE* pipe = popen("ls /dev | grep ttyUSB", "re");

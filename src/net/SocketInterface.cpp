@@ -97,6 +97,7 @@ bool SOCKET_INTERFACE::Init() {
   }
   // Logged first: as soon as the state is seen, the thread logs that it waits.
   LogEvent("INF", "", " listening on port " + port);
+  if (ListenSocket.IsWithdrawn()) return false;  // closed by command meanwhile
   Publish<int>(Descriptor.State, kListening);
   return true;
 }
@@ -165,9 +166,10 @@ void SOCKET_INTERFACE::Receive() {
                                            : Convert_CharBuff2QList(buffer.data()));
 }
 
-// Also in the pass in which the client has gone: the item taken then is lost.
+// Also in the pass in which the client has gone: the item taken then is lost. After a
+// close by command the items wait for the next client.
 void SOCKET_INTERFACE::Transmit() {
-  if (OutQueue->IsEmpty()) return;
+  if (OutQueue->IsEmpty() || ClientSocket.IsWithdrawn()) return;
   const std::string bytes = WireBytes(OutQueue->DeQueue(), DataMode);
   if (send(ClientSocket.Number(), bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0)
     LogEvent("ERR", "socket write error on ");

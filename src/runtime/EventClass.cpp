@@ -14,9 +14,7 @@ CEventClass::~CEventClass() {
 }
 
 void CEventClass::Set() {
-  pthread_mutex_lock(&Mutex);
-  pthread_mutex_unlock(&Mutex);
-  pthread_cond_signal(&Condition);
+  SetWith([] {});
 }
 
 bool CEventClass::Wait() {

@@ -16,6 +16,15 @@ class CEventClass {
   // Wakes one waiting thread. Blocks while the mutex is held between Wait and Reset.
   void Set();
 
+  // As Set, after noting a reason for WaitFor to find, under the event's mutex.
+  template <class Note>
+  void SetWith(Note note) {
+    pthread_mutex_lock(&Mutex);
+    note();
+    pthread_mutex_unlock(&Mutex);
+    pthread_cond_signal(&Condition);
+  }
+
   // Waits for a Set. Returns true with the event's mutex held, until Reset.
   bool Wait();
 

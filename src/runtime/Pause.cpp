@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <string>
@@ -23,6 +24,7 @@ void SleepMicroseconds(int microseconds) {
 }
 
 void sleepsec(int seconds) {
+  constexpr int kNoShell = 1;
   std::array<char, 100> command{};
   const int length =
       std::snprintf(command.data(), command.size(), "sleep %s", ITOA(seconds).c_str());
@@ -30,7 +32,9 @@ void sleepsec(int seconds) {
 
   // Close-on-exec: the children of other threads must not hold this pipe.
   FILE* pipe = popen(command.data(), "re");
-  if (pipe != nullptr && pclose(pipe) == 0) return;
+  const int status = pipe == nullptr ? kNoShell : pclose(pipe);
+  // Where SIGCHLD is ignored, the child is waited for and then not found.
+  if (status == 0 || (status == -1 && errno == ECHILD)) return;
   // Without a shell the pause must hold all the same, or every retry becomes a busy loop.
   if (seconds > 0) sleep(static_cast<unsigned int>(seconds));
 }

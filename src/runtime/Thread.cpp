@@ -39,10 +39,8 @@ bool CThread::OnTask() {
 }
 
 bool CThread::Start() {
+  if (IsAlive()) return true;
   const CMutexGuard guard(Mutex);
-  const bool is_starting = Handle != 0 && ThreadId == 0;
-  if (Running || is_starting) return true;
-
   if (Handle != 0) pthread_join(Handle, nullptr);  // an earlier run that has ended
   Handle = 0;
   ThreadId = 0;
@@ -71,12 +69,10 @@ void CThread::EndAfterPass() {
 
 void CThread::Stop() {
   EndAfterPass();
-  {
-    const CMutexGuard guard(Mutex);
-    if (Handle == 0 || RunState == kThreadDown) return;
-  }
-  Event(static_cast<void*>(nullptr));
-  while (ThreadState() != kThreadDown) Sleep(GetIdle());
+  if (!IsAlive()) return;
+  // A thread whose pass has failed is on its way out and keeps the event's mutex.
+  if (ThreadState() != kThreadShutting) Event(static_cast<void*>(nullptr));
+  while (IsAlive()) Sleep(GetIdle());
 }
 
 bool CThread::Event(void* object) {
@@ -183,8 +179,10 @@ void CThread::RunKernel() {
   while (true) {
     const ThreadType_t type = GetType();
     if (type == kEventDriven) Wake.WaitFor([this] { return HasWakeUp(); });
-    if (!KernelPass()) break;  // an event-driven thread keeps its event's mutex
-    if (type == kEventDriven) Wake.Reset();
+    const bool good = KernelPass();
+    // A pass that failed keeps the event's mutex; one that Stop ended must not.
+    if (type == kEventDriven && (good || !IsRunning())) Wake.Reset();
+    if (!good) break;
     if (GetType() == kIntervalDriven) Sleep(GetIdle());
   }
   const CMutexGuard guard(Mutex);
@@ -215,20 +213,14 @@ bool CThread::EndPass(bool good) {
 
 // Every wake-up is followed by a pass, also one that came while a pass was running.
 bool CThread::HasWakeUp() {
-  const CMutexGuard guard(Mutex);
   if (WakeUps == WakeUpsSeen) return false;
   WakeUpsSeen = WakeUps;
   return true;
 }
 
-// The count is taken under the thread's mutex and the event is set without it: a
-// thread that holds the event's mutex may take the thread's, never the reverse.
+// Never called with the thread's mutex held: a pass takes it under the event's.
 void CThread::WakeUp() {
-  {
-    const CMutexGuard guard(Mutex);
-    ++WakeUps;
-  }
-  Wake.Set();
+  Wake.SetWith([this] { ++WakeUps; });
 }
 
 void CThread::Fault(ThreadError error) {
@@ -240,6 +232,12 @@ void CThread::Fault(ThreadError error) {
 bool CThread::IsRunning() {
   const CMutexGuard guard(Mutex);
   return Running;
+}
+
+// Created and not yet down.
+bool CThread::IsAlive() {
+  const CMutexGuard guard(Mutex);
+  return Handle != 0 && (ThreadId == 0 || RunState != kThreadDown);
 }
 
 bool CThread::HasBegun() {

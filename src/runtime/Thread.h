@@ -91,6 +91,7 @@ class CThread {
   bool KernelPass();
   bool EndPass(bool good);
   bool HasWakeUp();
+  bool IsAlive();
   bool HasBegun();
   void WakeUp();
   void Fault(ThreadError error);
@@ -110,7 +111,8 @@ class CThread {
   ThreadType_t Type = kEventDriven;
   std::size_t StackSize = 0;  // 0: the system's default
   unsigned Errors = 0;        // ThreadError bits
-  CMutexClass Mutex;          // guards all of the above but Wake, and the two counts
-  unsigned WakeUps = 0;       // how often the thread was woken
-  unsigned WakeUpsSeen = 0;   // how many of these a pass has followed
+  CMutexClass Mutex;          // guards all of the above but Wake
+  // Guarded by the event's mutex.
+  unsigned WakeUps = 0;      // how often the thread was woken
+  unsigned WakeUpsSeen = 0;  // how many of these a pass has followed
 };
