@@ -71,7 +71,8 @@ void CThread::Stop() {
   EndAfterPass();
   if (!IsAlive()) return;
   // A thread whose pass has failed is on its way out and keeps the event's mutex.
-  if (ThreadState() != kThreadShutting) Event(static_cast<void*>(nullptr));
+  const int state = ThreadState();
+  if (state != kThreadShutting && state != kThreadDown) Event(static_cast<void*>(nullptr));
   while (IsAlive()) Sleep(GetIdle());
 }
 
