@@ -1,0 +1,14 @@
+// Which cards are there when the program starts.
+#pragma once
+
+#include "BusAdapter.h"
+#include "Options.h"
+#include "Text.h"
+
+namespace virtualbus {
+
+// The cards of the bus file, then those named on the command line; one of each kind if neither
+// says.
+Problem PlugCards(BusAdapter& adapter, const Options& options);
+
+}  // namespace virtualbus

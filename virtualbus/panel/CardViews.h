@@ -1,0 +1,34 @@
+// How each card kind looks on the panel, and what its parts do when they are clicked or keyed.
+#pragma once
+
+#include "../BusAdapter.h"
+#include "../World.h"
+#include "History.h"
+#include "Pen.h"
+
+namespace virtualbus {
+
+constexpr int kViewWidth = 39;
+
+// What a view needs to draw one card.
+struct Shown {
+  const BusAdapter::Slot& slot;
+  uint8_t address;
+  World& world;
+  Loop& loop;
+  const History& history;
+  int item;  // the selected line, channel or key; -1 when another card is selected
+};
+
+struct CardView {
+  KindId kind;
+  int rows;   // below the card's heading
+  int items;  // 0: nothing to select
+  void (*draw)(Pen& pen, const Shown& shown);
+  void (*act)(const Shown& shown, int item);              // space bar and click; may be null
+  void (*move)(const Shown& shown, int item, int steps);  // plus, minus and wheel; may be null
+};
+
+const CardView& ViewOf(const CardKind& kind);
+
+}  // namespace virtualbus
