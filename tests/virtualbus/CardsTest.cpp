@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "BusAdapter.h"
 #include "cards/DigitalOutput.h"
@@ -23,7 +24,7 @@ class CardTest : public testing::Test {
   Bytes Ask(const Bytes& request) { return adapter_.Answer(request); }
   void Write(const Bytes& data) {
     Bytes request{0x10, 0x02, static_cast<uint8_t>(data.size())};
-    request.insert(request.end(), data.begin(), data.end());
+    std::ranges::copy(data, std::back_inserter(request));
     EXPECT_EQ(Ask(request), kAcknowledgement);
   }
   void SetRegister(uint8_t number, uint8_t value) {

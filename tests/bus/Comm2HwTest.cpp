@@ -1,0 +1,157 @@
+// One exchange with the adapter.
+#include "support/SerialTest.h"
+
+namespace {
+
+const QList kFrame = Bytes({0x10, 0x05, 0x02, 0xFF, 0xFB});
+
+class Comm2Hw : public SerialTest {
+ protected:
+  Comm2Hw() { Connect(); }
+};
+
+QList Counted(int count) {
+  QList list;
+  for (int i = 0; i < count; ++i) list.push_back(static_cast<char>(i));
+  return list;
+}
+
+QList OnWire(const QList& payload) {
+  QList wire = Bytes({static_cast<int>(payload.size())});
+  wire.insert(wire.end(), payload.begin(), payload.end());
+  return wire;
+}
+
+}  // namespace
+
+TEST_F(Comm2Hw, SendsTheLengthInFrontAndGivesBackThePayload) {
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  EXPECT_EQ(Bus.Reads(), 1);
+  EXPECT_EQ(Serial.AwaitingReply, 0);
+  EXPECT_EQ(Serial.RxCount, 3);
+}
+
+TEST_F(Comm2Hw, ZeroBytesAreData) {
+  Bus.ExpectFrame(Bytes({0x00, 0x00})).Reply(Bytes({0x21, 0x00, 0x00, 0x07}));
+  EXPECT_EQ(Serial.Comm2HW(Bytes({0x00, 0x00})), Bytes({0x21, 0x00, 0x00, 0x07}));
+}
+
+TEST_F(Comm2Hw, SendsNothingForAnEmptyFrame) { EXPECT_EQ(Text(Serial.Comm2HW({})), "LCE"); }
+
+TEST_F(Comm2Hw, DiscardsStaleInputFirst) {
+  Bus.Send(TextBytes("\x03late"));
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+}
+
+TEST_F(Comm2Hw, AnEmptyFrameDiscardsStaleInputToo) {
+  Bus.Send(TextBytes("\x03late"));
+  Serial.Comm2HW({});
+  Bus.Send(OnWire(TextBytes("mine")));
+  Serial.Comm2HW({});
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+}
+
+TEST_F(Comm2Hw, DiscardsNoMoreThan255Bytes) {
+  Bus.Send(QList(255, 'x'));
+  Bus.Send(Bytes({0x02, 'l', 'o'}));
+  Bus.ExpectFrame(kFrame);
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "lo");
+}
+
+TEST_F(Comm2Hw, AReplyMayComeInPieces) {
+  Bus.ExpectFrame(kFrame).Pieces({Bytes({0x04}), TextBytes("a"), TextBytes("bc"), TextBytes("d")});
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "abcd");
+  EXPECT_EQ(Bus.Reads(), 4);
+}
+
+TEST_F(Comm2Hw, AnIncompleteReplyIsATimeout) {
+  Bus.ExpectFrame(kFrame).Pieces({Bytes({0x04}), TextBytes("abc")});
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
+  EXPECT_EQ(Serial.AwaitingReply, 1);
+}
+
+TEST_F(Comm2Hw, AReplyOfNoBytesIsEmpty) {
+  Bus.ExpectFrame(kFrame).Pieces({Bytes({0x00})});
+  EXPECT_EQ(Serial.Comm2HW(kFrame), QList());
+}
+
+TEST_F(Comm2Hw, BytesBehindTheReplyAreNotPartOfIt) {
+  Bus.ExpectFrame(kFrame).Pieces({TextBytes("\x02OKmore")});
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+}
+
+TEST_F(Comm2Hw, WaitsFor150000Reads) {
+  Bus.ExpectFrame(kFrame);
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
+  EXPECT_EQ(Bus.Reads(), 150'000);
+}
+
+TEST_F(Comm2Hw, WaitsTwiceAsLongForACheckAndForADiscovery) {
+  for (const QList& frame : {Bytes({0x40, 0x6F, 0x9A}), Bytes({0x30})}) {
+    Bus.ExpectFrame(frame);
+    EXPECT_EQ(Text(Serial.Comm2HW(frame)), "TME");
+    EXPECT_EQ(Bus.Reads(), 300'000);
+  }
+}
+
+TEST_F(Comm2Hw, TheReadBeforeTheLastStillBringsAReply) {
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK")).AtRead(149'999);
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+}
+
+TEST_F(Comm2Hw, AReplyThatTheLastReadCompletesIsATimeout) {
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK")).AtRead(150'000);
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
+}
+
+TEST_F(Comm2Hw, AReplyThatCameTooLateIsDiscardedByTheNextExchange) {
+  Bus.ExpectFrame(kFrame);
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
+  Bus.Send(TextBytes("\x04late"));
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+}
+
+TEST_F(Comm2Hw, TheLongestPayloadHas255Bytes) {
+  Bus.ExpectFrame(Counted(255)).Reply(TextBytes("OK"));
+  EXPECT_EQ(Text(Serial.Comm2HW(Counted(255))), "OK");
+}
+
+TEST_F(Comm2Hw, ALongerPayloadIsCutTo255Bytes) {
+  for (const int size : {256, 300, 1000}) {
+    Bus.ExpectFrame(Counted(255)).Reply(TextBytes("OK"));
+    EXPECT_EQ(Text(Serial.Comm2HW(Counted(size))), "OK") << size;
+  }
+}
+
+TEST_F(Comm2Hw, KeepsAReplyThatFillsTheBuffer) {
+  Bus.ExpectFrame(kFrame).Reply(Counted(135));
+  EXPECT_EQ(Serial.Comm2HW(kFrame), Counted(135));
+}
+
+TEST_F(Comm2Hw, ALongerReplyIsReadToItsEndAndKeptUpToTheBuffersEnd) {
+  for (const int size : {136, 200, 255}) {
+    Bus.ExpectFrame(kFrame).Reply(Counted(size));
+    EXPECT_EQ(Serial.Comm2HW(kFrame), Counted(135)) << size;
+    EXPECT_EQ(Serial.RxCount, size + 1);
+  }
+}
+
+TEST_F(Comm2Hw, ALongReplyInPiecesIsBoundedToo) {
+  QList rest = Counted(255);
+  QList first = Bytes({0xFF});
+  first.splice(first.end(), rest, rest.begin(), std::next(rest.begin(), 130));
+  Bus.ExpectFrame(kFrame).Pieces({first, rest});
+  EXPECT_EQ(Serial.Comm2HW(kFrame), Counted(135));
+  EXPECT_EQ(Serial.RxCount, 256);
+}
+
+TEST_F(Comm2Hw, AFailedWriteIsLoggedAndEndsInATimeout) {
+  Serial.Fd.Close();
+  Serial.DeviceName = "/dev/pulled";
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
+  EXPECT_EQ(Log.Lines(), Texts{"[ERR] unable to  write to /dev/pulled"});
+}

@@ -1,0 +1,174 @@
+// CloseByCommand and Halt, at whatever the interface is.
+#include <sys/ioctl.h>
+
+#include <random>
+
+#include "runtime/Pause.h"
+#include "support/Helper.h"
+#include "support/ReadHook.h"
+#include "support/Sanitizers.h"
+#include "support/SocketTest.h"
+
+namespace {
+
+constexpr const char* kClosedByCommand = "[INF] connection is closed by command on IO interface";
+
+class Closing : public SocketTest {
+ protected:
+  // The port is closed now, listens after two passes and serves a client.
+  void ExpectComesBack(int passes = 2) {
+    EXPECT_EQ(State(), 4);
+    EXPECT_FALSE(Client(Port()).IsConnected());
+    for (int i = 0; i < passes; ++i) {
+      EXPECT_EQ(State(), 4);
+      Pass();
+    }
+    EXPECT_EQ(State(), 1);
+    Interface->OutQueue->DeQueue();  // a greeting that nobody waited for
+    ServedClient();
+  }
+};
+
+}  // namespace
+
+TEST_F(Closing, EndsASession) {
+  Build("IO").Init();
+  const auto client = ServedClient();
+  Interface->CloseByCommand();
+  EXPECT_TRUE(client->IsDropped());
+  EXPECT_EQ(Log.Lines().back(), kClosedByCommand);
+  EXPECT_EQ(Interface->RetryCount, 0);
+  ExpectComesBack();
+  EXPECT_FALSE(Log.Has("[INF] connection is closed by client on IO interface"));
+}
+
+TEST_F(Closing, InsideAPassLeavesWhatIsQueuedToTheNextClient) {
+  Build("IO").Init();
+  const auto client = ServedClient();
+  Interface->OutQueue->ToQueue(TextBytes("left"));
+  client->Send("x");
+  ASSERT_TRUE(WaitUntil([&] {
+    int waiting = 0;
+    ioctl(Interface->ClientSocket.Number(), FIONREAD, &waiting);
+    return waiting == 1;
+  }));
+  {
+    const ReadHook at_read([&] { Interface->CloseByCommand(); });
+    Pass();
+  }
+  EXPECT_EQ(State(), 4);
+  EXPECT_EQ(TakeTexts(*Interface->OutQueue), Texts{"left"});
+  EXPECT_EQ(Log.Lines().back(), kClosedByCommand);
+}
+
+TEST_F(Closing, WorksOnAPortThatListens) {
+  Build("IO").Init();
+  Interface->CloseByCommand();
+  ExpectComesBack();
+}
+
+TEST_F(Closing, WorksOnAPortThatIsClosed) {
+  Build("IO").Init();
+  ServedClient();
+  Interface->CloseByCommand();
+  Interface->CloseByCommand();
+  Pass();
+  Interface->CloseByCommand();
+  EXPECT_EQ(Interface->RetryCount, 0);
+  ExpectComesBack();
+}
+
+TEST_F(Closing, WorksOnAPortThatNeverListened) {
+  Build("IO").CloseByCommand();
+  ExpectComesBack();
+}
+
+TEST_F(Closing, WakesAPassThatWaitsForAClient) {
+  Build("IO").Init();
+  Helper pass([&] { Pass(); });
+  ASSERT_TRUE(WaitUntil([&] { return State() == 2 && Sleeps.Seconds().size() == 1; }));
+  EXPECT_TRUE(pass.WaitUntilBlocked());
+  Interface->CloseByCommand();
+  pass.Join();
+  EXPECT_TRUE(Log.Has("[ERR] socket accept error on IO interface"));
+  ExpectComesBack(1);  // the pass that was woken was the first
+}
+
+TEST_F(Closing, AClientAcceptedMeanwhileIsDropped) {
+  Build("IO").Init();
+  const Client client(Port());
+  Interface->Descriptor.State = 2;
+  Interface->CloseByCommand();
+  EXPECT_TRUE(client.IsDropped());
+  ExpectComesBack();
+}
+
+// The listening socket may go just as the state says that it listens.
+TEST_F(Closing, AListeningSocketThatIsGoneIsOpenedAgain) {
+  Build("IO").Init();
+  Interface->ListenSocket.Withdraw();
+  Pass();
+  EXPECT_TRUE(Log.Has("[ERR] socket accept error on IO interface"));
+  ExpectComesBack(1);
+}
+
+TEST_F(Closing, OpensNoPortWhoseNumberSomebodyElseHas) {
+  Build("IO").Init();
+  const auto client = ServedClient();
+  const int number = Interface->ClientSocket.Number();
+  Interface->CloseByCommand();
+  const int other = dup(STDERR_FILENO);
+  EXPECT_NE(other, number);
+  Pass();
+  EXPECT_FALSE(Interface->ClientSocket.IsOpen());
+  char byte = 0;
+  EXPECT_EQ(write(other, &byte, 0), 0);  // still open
+  close(other);
+}
+
+TEST_F(Closing, HaltEndsAThreadThatWaitsForAClient) {
+  BuildRunning("IO").Init();
+  ASSERT_TRUE(WaitUntil([&] { return State() == 2; }));
+  Interface->Halt();
+  EXPECT_EQ(Interface->ThreadState(), 2);
+}
+
+TEST_F(Closing, HaltEndsAThreadThatServes) {
+  BuildRunning("IO").Init();
+  const Client client(Port());
+  ASSERT_TRUE(WaitUntil([&] { return State() == 3; }));
+  Interface->Halt();
+  EXPECT_EQ(Interface->ThreadState(), 2);
+  EXPECT_TRUE(client.Receive(29).size() <= 29 && client.IsDropped());
+}
+
+TEST_F(Closing, HaltEndsAThreadThatWasNeverStarted) {
+  BuildRunning("IO").Halt();
+  EXPECT_EQ(Interface->ThreadState(), 2);
+  Interface->Halt();
+}
+
+TEST_F(Closing, AtAnyMomentNeverLeavesThePortDead) {
+  BuildRunning("IO").Init();
+  std::atomic<bool> is_over{false};
+  Helper clients([&] {
+    for (int i = 0; !is_over; ++i) {
+      const Client client(Port());
+      if (client.IsConnected() && i % 2 == 0) client.Receive(29);
+      Sleep(5'000);
+    }
+  });
+  std::mt19937 random(1);
+  const int count = kSanitized ? 100 : 200;
+  for (int i = 0; i < count; ++i) {
+    Sleep(std::uniform_int_distribution<unsigned>(0, 600'000)(random));
+    Interface->CloseByCommand();
+  }
+  is_over = true;
+  clients.Join();
+  EXPECT_EQ(Log.Count(kClosedByCommand), count);
+  EXPECT_TRUE(WaitUntil([&] {
+    const Client client(Port());
+    return client.IsConnected() && client.Receive(29).find("ready") != std::string::npos;
+  }));
+}

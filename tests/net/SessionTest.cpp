@@ -1,0 +1,217 @@
+// A session from the listening socket to the client's leaving.
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "support/Helper.h"
+#include "support/SocketTest.h"
+
+namespace {
+
+class Session : public SocketTest {};
+
+int OptionOf(int fd, int level, int option) {
+  int value = 0;
+  socklen_t length = sizeof value;
+  getsockopt(fd, level, option, &value, &length);
+  return value;
+}
+
+}  // namespace
+
+TEST_F(Session, APassThatIsNotStartedDoesNothing) {
+  Build("IO");
+  Pass();
+  EXPECT_EQ(State(), 0);
+  EXPECT_EQ(Log.Lines(), Texts());
+}
+
+TEST_F(Session, InitListens) {
+  Build("CAE");
+  EXPECT_TRUE(Interface->Init());
+  EXPECT_EQ(State(), 1);
+  EXPECT_EQ(Log.Lines(), Texts{"[INF] CAE interface listening on port " + PortText()});
+  EXPECT_NE(fcntl(Interface->ListenSocket.Number(), F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_TRUE(Client(Port()).IsConnected());
+}
+
+TEST_F(Session, APortThatIsTakenIsLoggedAndListenedOnElsewhere) {
+  Build("MON");
+  const int other = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in taken{};
+  taken.sin_family = AF_INET;
+  taken.sin_port = htons(static_cast<uint16_t>(Port()));
+  ASSERT_EQ(bind(other, reinterpret_cast<const sockaddr*>(&taken), sizeof taken), 0);
+  ASSERT_EQ(listen(other, 1), 0);
+  EXPECT_TRUE(Interface->Init());
+  EXPECT_EQ(State(), 1);
+  EXPECT_EQ(Log.Lines(), (Texts{"[ERR] couldn't bind socket forMON interface",
+                                "[INF] MON interface listening on port " + PortText()}));
+  close(other);
+}
+
+TEST_F(Session, WithoutADescriptorInitFails) {
+  Build("IO");
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_FALSE(Interface->Init());
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(State(), 0);
+}
+
+TEST_F(Session, GreetsItsClientThreeSecondsAfterListening) {
+  struct Case {
+    const char* name;
+    std::string greeting;
+  };
+  for (const Case& c :
+       {Case{"CAE", "QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r"},
+        Case{"IO", "QELM IO interface is ready\r\n\r"},
+        Case{"MON", "QELM MON interface is ready\r\n\r"}}) {
+    Build(c.name);
+    Interface->Init();
+    const Client client(Port());
+    Pass();
+    EXPECT_EQ(client.Receive(c.greeting.size()), c.greeting);
+    EXPECT_EQ(State(), 3);
+    Pass();
+    EXPECT_TRUE(client.HasNothing());
+  }
+  EXPECT_EQ(Sleeps.Seconds(), (Texts{"3", "3", "3"}));
+}
+
+TEST_F(Session, AnotherNameHasNoGreeting) {
+  Build("SPARE");
+  Interface->Init();
+  const Client client(Port());
+  Pass();
+  EXPECT_EQ(State(), 3);
+  EXPECT_TRUE(Interface->OutQueue->IsEmpty());
+  EXPECT_TRUE(client.HasNothing());
+}
+
+TEST_F(Session, LogsTheClientWithThePortsBytesSwapped) {
+  Build("IO");
+  Interface->Init();
+  const Client client(Port());
+  Pass();
+  const int port = client.LocalPort();
+  const int swapped = port % 256 * 256 + port / 256;
+  EXPECT_EQ(Log.Lines(), (Texts{"[INF] IO interface listening on port " + PortText(),
+                                "[INF] IO interface is waiting for incoming connection",
+                                "[INF] client is connected on IO interface from 127.0.0.1:" +
+                                    std::to_string(swapped)}));
+}
+
+TEST_F(Session, AClientsSocketIsPromptAndStaysWithTheDaemon) {
+  Build("IO");
+  Interface->Init();
+  const auto client = ServedClient();
+  const int fd = Interface->ClientSocket.Number();
+  EXPECT_NE(OptionOf(fd, IPPROTO_TCP, TCP_NODELAY), 0);
+  EXPECT_NE(fcntl(fd, F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST_F(Session, WhatWaitedGoesOutAheadOfTheGreeting) {
+  Build("IO");
+  Interface->Init();
+  Interface->OutQueue->ToQueue(TextBytes("left"));
+  const Client client(Port());
+  Pass();
+  EXPECT_EQ(client.Receive(5), "left\r");
+  Pass();
+  EXPECT_EQ(client.Receive(29), "QELM IO interface is ready\r\n\r");
+}
+
+TEST_F(Session, AClientThatLeavesClosesThePort) {
+  Build("IO");
+  Interface->Init();
+  ServedClient().reset();
+  ASSERT_TRUE(WaitUntil([&] {
+    if (State() == 3) Pass();
+    return State() == 4;
+  }));
+  EXPECT_EQ(Log.Lines().back(), "[INF] connection is closed by client on IO interface");
+  EXPECT_FALSE(Interface->ClientSocket.IsOpen());
+  EXPECT_FALSE(Interface->ListenSocket.IsOpen());
+  EXPECT_FALSE(Client(Port()).IsConnected());
+}
+
+TEST_F(Session, ListensAgainOnTheSecondClosedPass) {
+  Build("IO");
+  Interface->Init();
+  ServedClient().reset();
+  ASSERT_TRUE(WaitUntil([&] {
+    if (State() == 3) Pass();
+    return State() == 4;
+  }));
+  EXPECT_EQ(Interface->RetryCount, 1);  // the pass that saw the client go counts
+  Pass();
+  EXPECT_EQ(State(), 1);
+  EXPECT_EQ(Sleeps.Seconds(), (Texts{"3", "2", "2"}));
+  EXPECT_EQ(Log.Lines().back(), "[INF] IO interface listening on port " + PortText());
+  ServedClient();
+}
+
+TEST_F(Session, AClosedPortThatDoesNotOpenIsTriedOnEveryPass) {
+  Build("IO");
+  Interface->Descriptor.State = 4;
+  Interface->RetryCount = 1;
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  Pass();
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(State(), 4);
+  EXPECT_EQ(Interface->RetryCount, 2);
+  Pass();
+  EXPECT_EQ(State(), 1);
+}
+
+TEST_F(Session, ASecondClientIsNotServedAndDroppedAtTheClose) {
+  Build("IO");
+  Interface->Init();
+  auto first = ServedClient();
+  const Client second(Port());
+  ASSERT_TRUE(second.IsConnected());
+  Pass();
+  EXPECT_TRUE(second.HasNothing());
+  first.reset();
+  ASSERT_TRUE(WaitUntil([&] {
+    if (State() == 3) Pass();
+    return State() == 4;
+  }));
+  EXPECT_TRUE(second.IsDropped());
+}
+
+TEST_F(Session, LogsASignal) {
+  Build("CAE");
+  Interface->mf_SIGhandler(15);
+  Interface->mf_SIGhandler(2);
+  EXPECT_EQ(Log.Lines(),
+            (Texts{"[INF] signal 15 on CAE interface", "[INF] signal 2 on CAE interface"}));
+}
+
+TEST_F(Session, TheOddlyNamedInterfaceNeverEndsItsPass) {
+  BuildRunning("DMI");
+  EXPECT_TRUE(Log.WaitFor("[INF] On task DMI interface"));
+  Interface.reset();
+  EXPECT_EQ(Log.Lines(), Texts{"[INF] On task DMI interface"});
+}
+
+TEST_F(Session, RunsByItselfFromListeningToListeningAgain) {
+  BuildRunning("IO").Init();
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(WaitUntil([&] {
+      const Client client(Port());
+      return client.IsConnected() && client.Receive(29) == "QELM IO interface is ready\r\n\r";
+    }));
+  }
+  EXPECT_GE(Log.Count("[INF] connection is closed by client on IO interface"), 2);
+}

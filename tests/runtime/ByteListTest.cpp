@@ -1,0 +1,94 @@
+#include "runtime/ByteList.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "support/Bytes.h"
+
+TEST(ByteList, ReadsALengthPrefixedBufferWithItsZeroBytes) {
+  EXPECT_EQ(Convert_BinBuff2QList("\x03\x41\x00\x42\x43"), Bytes({0x41, 0x00, 0x42}));
+  EXPECT_EQ(Convert_BinBuff2QList("\x00\x41"), QList());
+}
+
+TEST(ByteList, ReadsTheLengthByteWithoutSign) {
+  std::array<char, 256> buffer{};
+  buffer.fill('x');
+  buffer[0] = '\xFF';
+  EXPECT_EQ(Convert_BinBuff2QList(buffer.data()), QList(255, 'x'));
+}
+
+TEST(ByteList, ReadsAZeroTerminatedText) {
+  EXPECT_EQ(Convert_CharBuff2QList("AB"), Bytes({0x41, 0x42}));
+  EXPECT_EQ(Convert_CharBuff2QList(""), QList());
+}
+
+TEST(ByteList, AnEmptyStringBecomesOneZeroByte) {
+  EXPECT_EQ(Convert_String2QList(""), Bytes({0}));
+  EXPECT_EQ(Convert_String2QList("AB"), Bytes({0x41, 0x42}));
+}
+
+TEST(ByteList, AStringEndsAtItsFirstZeroByte) {
+  EXPECT_EQ(Convert_String2QList(std::string("A\0B", 3)), Bytes({0x41}));
+  EXPECT_EQ(Convert_String2QList(std::string("\0B", 2)), Bytes({0}));
+}
+
+TEST(ByteList, Takes999Characters) {
+  const std::string text(999, 'x');
+  EXPECT_EQ(Convert_String2QList(text), QList(999, 'x'));
+  EXPECT_EQ(Convert_CharBuff2String(text.c_str()), text);
+}
+
+TEST(ByteListDeathTest, AThousandCharactersEndTheProcess) {
+  const std::string text(1000, 'x');
+  EXPECT_EXIT(Convert_String2QList(text), testing::KilledBySignal(SIGABRT),
+              "^qelm: [^\n]*999 characters\n$");
+  EXPECT_EXIT(Convert_CharBuff2String(text.c_str()), testing::KilledBySignal(SIGABRT),
+              "^qelm: [^\n]*999 characters\n$");
+}
+
+TEST(ByteList, WritesTheBytesAloneIntoABuffer) {
+  std::array<char, 4> out{'w', 'x', 'y', 'z'};
+  Convert_QList2BinBuff(Bytes({0x41, 0x00, 0x42}), out.data());
+  EXPECT_EQ(out, (std::array<char, 4>{'A', '\0', 'B', 'z'}));
+}
+
+TEST(ByteList, AListAsTextEndsAtItsFirstZeroByte) {
+  EXPECT_EQ(Convert_QList2String(Bytes({0x41, 0x00, 0x42})), "A");
+  EXPECT_EQ(Convert_QList2String(Bytes({0x41, 0xFF})), "A\xFF");
+  EXPECT_EQ(Convert_QList2String({}), "");
+}
+
+TEST(ByteList, AListAsTextStopsAt999Bytes) {
+  EXPECT_EQ(Convert_QList2String(QList(1500, 'x')), std::string(999, 'x'));
+}
+
+TEST(ByteList, ConversionsLeaveTheListAlone) {
+  const QList list = Bytes({0x41, 0x42});
+  QList passed = list;
+  Convert_QList2String(passed);
+  GetQListError(passed);
+  EXPECT_EQ(passed, list);
+}
+
+TEST(ByteList, SortsRepliesByTheirFirstByte) {
+  EXPECT_EQ(GetQListError({}), 5);
+  EXPECT_EQ(GetQListError(TextBytes("TME")), 1);
+  EXPECT_EQ(GetQListError(Bytes({0x54})), 1);
+  EXPECT_EQ(GetQListError(Bytes({0x12})), 2);
+  EXPECT_EQ(GetQListError(TextBytes("#")), 3);
+  EXPECT_EQ(GetQListError(TextBytes("$")), 3);
+  EXPECT_EQ(GetQListError(TextBytes("N")), 4);
+  EXPECT_EQ(GetQListError(TextBytes("B")), 6);
+  EXPECT_EQ(GetQListError(TextBytes("C")), 6);
+}
+
+TEST(ByteList, EveryOtherFirstByteIsAGoodReply) {
+  for (const int first : {0x00, 0x11, 0x21, 0x31, 0x41, 0x44, 0x4C, 0x51, 0xD4, 0xFF})
+    EXPECT_EQ(GetQListError(Bytes({first, 'T'})), 0) << first;
+}
+
+TEST(ByteList, MakesAListOfByteValues) {
+  EXPECT_EQ(MakeQList({0x00, 0x7F, 0xFF}), Bytes({0x00, 0x7F, 0xFF}));
+  EXPECT_EQ(MakeQList({}), QList());
+}

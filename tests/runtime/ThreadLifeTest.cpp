@@ -1,0 +1,155 @@
+// How a CThread begins and ends, and begins again.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <atomic>
+
+#include "runtime/Thread.h"
+#include "support/Helper.h"
+#include "support/Sanitizers.h"
+#include "support/Wait.h"
+
+namespace {
+
+// An interval-driven thread that ends itself once told so.
+class Worker : public CThread {
+ public:
+  Worker() { SetThreadType(kIntervalDriven, 1); }
+  ~Worker() { Stop(); }
+  bool OnTask() override {
+    ++Passes;
+    return !IsTired;
+  }
+
+  std::atomic<bool> IsTired{false};
+  std::atomic<int> Passes{0};
+};
+
+// An event-driven thread whose pass lasts until it is told.
+class Sleeper : public CThread {
+ public:
+  ~Sleeper() { Stop(); }
+  bool OnTask() override {
+    IsInPass = true;
+    WaitUntil([this] { return MayEnd.load(); });
+    return IsGood;
+  }
+
+  std::atomic<bool> IsInPass{false};
+  std::atomic<bool> MayEnd{false};
+  std::atomic<bool> IsGood{true};
+};
+
+}  // namespace
+
+TEST(ThreadLife, StopWaitsUntilTheThreadIsDown) {
+  Worker thread;
+  ASSERT_TRUE(WaitUntil([&] { return thread.Passes > 0; }));
+  thread.Stop();
+  EXPECT_EQ(thread.ThreadState(), 2);
+  EXPECT_FALSE(thread.IsRunning());
+  const int passes = thread.Passes;
+  thread.Stop();
+  EXPECT_EQ(thread.Passes, passes);
+}
+
+TEST(ThreadLife, StopBeforeTheFirstPassRunsNone) {
+  for (int i = 0; i < 200; ++i) {
+    CThread thread;
+    thread.Stop();
+    EXPECT_EQ(thread.ThreadState(), 2);
+  }
+}
+
+TEST(ThreadLife, StopEndsAnEventDrivenThread) {
+  Sleeper thread;
+  ASSERT_TRUE(thread.PingThread(0));
+  thread.Stop();
+  EXPECT_EQ(thread.ThreadState(), 2);
+  EXPECT_FALSE(thread.IsInPass);
+}
+
+// Stop finds the event's mutex held by the pass and must not find it held for ever.
+TEST(ThreadLife, StopDuringAnEventDrivenPassEndsAfterIt) {
+  for (int i = 0; i < 50; ++i) {
+    Sleeper thread;
+    ASSERT_TRUE(thread.PingThread(0));
+    ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
+    ASSERT_TRUE(WaitUntil([&] { return thread.IsInPass.load(); }));
+    Helper stopper([&] { thread.Stop(); });
+    stopper.WaitUntilBlocked();
+    thread.MayEnd = true;
+    stopper.Join();
+    EXPECT_EQ(thread.ThreadState(), 2);
+  }
+}
+
+TEST(ThreadLife, AnEmptyPassThatFailsEndsAnEventDrivenThread) {
+  Sleeper thread;
+  thread.IsGood = false;
+  thread.MayEnd = true;
+  ASSERT_TRUE(thread.PingThread(0));
+  ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
+  EXPECT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
+  EXPECT_FALSE(thread.IsRunning());
+  EXPECT_FALSE(thread.PingThread(1000));
+}
+
+TEST(ThreadLife, APassThatFailsEndsTheThread) {
+  Worker thread;
+  thread.IsTired = true;
+  ASSERT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
+  EXPECT_FALSE(thread.IsRunning());
+}
+
+TEST(ThreadLife, StartsAgainAfterItsEnd) {
+  Worker thread;
+  for (int i = 0; i < 20; ++i) {
+    thread.IsTired = true;
+    ASSERT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
+    const int passes = thread.Passes;
+    thread.IsTired = false;
+    ASSERT_TRUE(thread.Start());
+    EXPECT_TRUE(WaitUntil([&] { return thread.Passes > passes; }));
+  }
+}
+
+TEST(ThreadLife, StartOfARunningThreadChangesNothing) {
+  Worker thread;
+  EXPECT_TRUE(thread.Start());
+  EXPECT_TRUE(thread.PingThread(0));
+  EXPECT_TRUE(thread.Start());
+  EXPECT_EQ(thread.GetErrors(), 0U);
+}
+
+TEST(ThreadLife, AnEventOnAThreadThatIsDownLeavesItDown) {
+  Worker thread;
+  thread.Stop();
+  int object = 0;
+  EXPECT_FALSE(thread.Event(&object));
+  EXPECT_EQ(thread.ThreadState(), 2);
+  EXPECT_EQ(thread.GetErrors(), 0x10U);
+}
+
+// Without memory for a stack no thread is created, by no fault of the program.
+TEST(ThreadLifeDeathTest, AThreadThatCannotBeCreatedIsAFault) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer needs the memory";
+  const auto start_without_memory = [] {
+    const rlimit nothing{0, 0};
+    setrlimit(RLIMIT_AS, &nothing);
+    CThread thread;
+    _exit(thread.ThreadState() == 4 && thread.GetErrors() == 0x04 && !thread.Start() ? 0 : 1);
+  };
+  EXPECT_EXIT(start_without_memory(), testing::ExitedWithCode(0),
+              "^error: could not create thread, pthread_create failed \\(11\\)!\n");
+}
+
+// Twenty thousand in all; the sanitizers make do with a few.
+class ManyThreads : public testing::TestWithParam<int> {};
+
+TEST_P(ManyThreads, AreBuiltAndTornDownWithoutAHang) {
+  const int count = kSanitized ? 250 : 2500;
+  for (int i = 0; i < count; ++i) Worker thread;
+}
+
+INSTANTIATE_TEST_SUITE_P(ThreadLife, ManyThreads, testing::Range(0, 8));

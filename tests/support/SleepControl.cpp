@@ -1,0 +1,46 @@
+#include "support/SleepControl.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "support/Wait.h"
+
+namespace {
+
+constexpr const char* kRecordVariable = "QELM_TEST_SLEEP_RECORD";
+constexpr const char* kGateVariable = "QELM_TEST_SLEEP_GATE";
+
+}  // namespace
+
+SleepRecord::SleepRecord() { setenv(kRecordVariable, Dir.Path("record").c_str(), 1); }
+
+SleepRecord::~SleepRecord() { unsetenv(kRecordVariable); }
+
+std::vector<std::string> SleepRecord::Seconds() const {
+  std::ifstream file(Dir.Path("record"));
+  std::vector<std::string> seconds;
+  for (std::string line; std::getline(file, line);) seconds.push_back(line);
+  return seconds;
+}
+
+SleepGate::SleepGate() {
+  mkfifo(Dir.Path("gate").c_str(), 0600);
+  setenv(kGateVariable, Dir.Path("gate").c_str(), 1);
+}
+
+SleepGate::~SleepGate() { unsetenv(kGateVariable); }
+
+// A fifo opens for writing only once somebody reads, here the sleep.
+bool SleepGate::Open() {
+  int gate = -1;
+  const bool opened = WaitUntil([&] {
+    gate = open(Dir.Path("gate").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    return gate >= 0;
+  });
+  if (opened) close(gate);
+  return opened;
+}
