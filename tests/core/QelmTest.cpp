@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 
 #include "bus/PerifCard.h"
@@ -11,6 +12,7 @@
 #include "runtime/Queue.h"
 #include "runtime/Shared.h"
 #include "support/Client.h"
+#include "support/Helper.h"
 #include "support/TempLog.h"
 
 namespace {
@@ -29,6 +31,7 @@ class Qelm : public testing::Test {
   static void Configure(INTERFACE_DESCRIPTOR& descriptor, const char* name) {
     descriptor.Name = name;
     descriptor.Port = FreePort();
+    descriptor.ThreadDelay = 51;
   }
 
   int Signal = kNoSignal;
@@ -109,8 +112,13 @@ TEST_F(Qelm, IsTornDownWhileClientsAreServed) {
   const std::string cae_greeting = "QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r";
   EXPECT_EQ(io.Receive(io_greeting.size()), io_greeting);
   EXPECT_EQ(cae.Receive(cae_greeting.size()), cae_greeting);
-  io.Send("a0b0d00\r\n");
+  std::atomic<bool> is_over{false};
+  Helper typing([&] {
+    while (!is_over) io.Send("a0b0d00\r\n");
+  });
   Object.reset();
+  is_over = true;
+  typing.Join();
   EXPECT_TRUE(io.IsDropped());
   EXPECT_TRUE(cae.IsDropped());
 }
