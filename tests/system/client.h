@@ -1,0 +1,44 @@
+// A TCP client of the daemon on the loopback interface.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "place.h"
+
+class Client {
+ public:
+  Client() = default;
+  // Connects as soon as the port listens. `local_port` 0 lets the system choose.
+  explicit Client(int port, int local_port = 0, const char* host = "127.0.0.1");
+  ~Client();
+  Client(Client&& other) noexcept;
+  Client& operator=(Client&& other) noexcept;
+
+  void Send(std::string_view bytes, Place place = Place::current());
+  // The next bytes are exactly these.
+  void ExpectBytes(std::string_view expected, Place place = Place::current());
+  // Reads on until the bytes end with `ending`, and returns all of them.
+  std::string ReadUntil(std::string_view ending, Place place = Place::current());
+  // Reads on until `ending` has come; false when the connection ends before.
+  bool Sees(std::string_view ending);
+  // Waits for the first byte; false when the connection ends without one.
+  bool HasBytes();
+  // The other side ends the connection; what it still sends is passed over.
+  void ExpectClosed(Place place = Place::current());
+  // Nothing has come that was not asked for.
+  void ExpectSilence(Place place = Place::current());
+
+  void HalfClose();
+  void Close();
+  void Reset();  // closes with a reset instead of an orderly end
+
+ private:
+  bool ReadMore();
+
+  int socket_ = -1;
+  std::string unread_;
+};
+
+// True while the port refuses connections.
+bool Refuses(int port);

@@ -1,0 +1,176 @@
+#include "daemon_process.h"
+
+#include <fcntl.h>
+#include <linux/close_range.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "wait.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void SendTo(const char* path, int target) {
+  const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND, 0600);
+  dup2(fd, target);
+  close(fd);
+}
+
+void SetLimits() {
+  rlimit core{0, 0};
+  setrlimit(RLIMIT_CORE, &core);
+  rlimit files{};
+  getrlimit(RLIMIT_NOFILE, &files);
+  files.rlim_cur = files.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &files);
+}
+
+void SetEnvironment(const LaunchOptions& options) {
+  const std::string system_path = "/usr/bin:/bin";
+  setenv("PATH", (options.quick ? QUICK_FOLDER ":" + system_path : system_path).c_str(), 1);
+  setenv("LD_PRELOAD", FAIR_YIELD, 1);
+  setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+  setenv("TSAN_OPTIONS", "atexit_sleep_ms=100", 1);
+  for (const auto& [name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
+}
+
+void SetDescriptors(int extra) {
+  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+  SendTo(kStdout, STDOUT_FILENO);
+  SendTo(kStderr, STDERR_FILENO);
+  close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
+  for (int i = 0; i < extra; ++i) (void)dup(STDIN_FILENO);
+}
+
+[[noreturn]] void Become(const LaunchOptions& options) {
+  for (int number = 1; number < SIGRTMIN; ++number) signal(number, SIG_DFL);
+  SetLimits();
+  SetDescriptors(options.extra_descriptors);
+  SetEnvironment(options);
+  std::vector<char*> command{const_cast<char*>(QELM_BINARY)};
+  for (const auto& argument : options.arguments) {
+    command.push_back(const_cast<char*>(argument.c_str()));
+  }
+  command.push_back(nullptr);
+  execv(QELM_BINARY, command.data());
+  _exit(127);
+}
+
+std::vector<pid_t> ChildrenOf(pid_t parent) {
+  std::vector<pid_t> children;
+  std::error_code gone;
+  for (const auto& entry : fs::directory_iterator("/proc", gone)) {
+    const pid_t pid = std::atoi(entry.path().filename().c_str());
+    const std::string stat = pid > 0 ? ReadFile(entry.path() / "stat") : "";
+    const std::size_t name_end = stat.rfind(") ");
+    if (name_end == std::string::npos) continue;
+    if (std::atoi(stat.c_str() + name_end + 4) == parent) children.push_back(pid);
+  }
+  return children;
+}
+
+}  // namespace
+
+int DaemonProcess::Launch(const LaunchOptions& options) {
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
+  const pid_t launcher = fork();
+  if (launcher == 0) Become(options);
+  int status = -1;
+  waitpid(launcher, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool DaemonProcess::WaitForPid() {
+  return WaitUntil([this] {
+    pid_ = std::atoi(ReadFile(kPidFile).c_str());
+    siginfo_t info{};
+    return pid_ > 1 &&
+           waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+  });
+}
+
+std::optional<int> DaemonProcess::WaitForEnd() {
+  int status = 0;
+  if (!WaitUntil([&] { return waitpid(pid_, &status, WNOHANG) > 0; })) return std::nullopt;
+  pid_ = -1;
+  return status;
+}
+
+void DaemonProcess::Kill(int signal) const {
+  if (pid_ > 1) kill(pid_, signal);
+}
+
+void DaemonProcess::EndOrphans() {
+  // The children of one that ends become ours in turn.
+  for (auto ours = ChildrenOf(getpid()); !ours.empty(); ours = ChildrenOf(getpid())) {
+    for (pid_t child : ours) {
+      kill(child, SIGKILL);
+      waitpid(child, nullptr, 0);
+    }
+  }
+}
+
+bool DaemonProcess::Running() const {
+  siginfo_t info{};
+  return pid_ > 1 &&
+         waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         info.si_pid == 0;
+}
+
+std::string DaemonProcess::Proc(const std::string& name) const {
+  return ReadFile("/proc/" + std::to_string(pid_) + "/" + name);
+}
+
+std::vector<std::string> DaemonProcess::Descriptors() const { return DescriptorsOf(pid_); }
+
+bool DaemonProcess::Sanitized() const {
+  const std::string maps = Proc("maps");
+  return maps.find("/libtsan") != std::string::npos || maps.find("/libasan") != std::string::npos;
+}
+
+int DaemonProcess::Threads() const {
+  int count = 0;
+  for (const auto& task : fs::directory_iterator("/proc/" + std::to_string(pid_) + "/task")) {
+    count += task.is_directory() ? 1 : 0;
+  }
+  return count;
+}
+
+long DaemonProcess::ResidentKilobytes() const {
+  std::istringstream status(Proc("status"));
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmRSS:")) return std::atol(line.c_str() + 6);
+  }
+  return 0;
+}
+
+std::vector<pid_t> DaemonProcess::Children() const { return ChildrenOf(pid_); }
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream content;
+  content << file.rdbuf();
+  return content.str();
+}
+
+void WriteFile(const std::string& path, const std::string& content) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
+}
+
+std::vector<std::string> DescriptorsOf(pid_t pid) {
+  std::vector<std::string> targets;
+  std::error_code gone;
+  for (const auto& entry : fs::directory_iterator("/proc/" + std::to_string(pid) + "/fd", gone)) {
+    targets.push_back(fs::read_symlink(entry.path(), gone).string());
+  }
+  return targets;
+}

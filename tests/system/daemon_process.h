@@ -1,0 +1,52 @@
+// The daemon as a process: its launch, its end, and what /proc tells of it.
+// The test program is a subreaper, so that the detached daemon becomes its
+// child and its exit status can be read.
+#pragma once
+
+#include <sys/types.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct LaunchOptions {
+  bool quick = true;                     // shortened fixed waits
+  int extra_descriptors = 0;             // open ones that the daemon inherits
+  std::vector<std::string> arguments{};  // of the command line
+  std::map<std::string, std::string> environment{};
+};
+
+class DaemonProcess {
+ public:
+  // Starts the program and returns the exit status of the process that detaches from it.
+  int Launch(const LaunchOptions& options);
+  // Waits for the pid file, and for the process it names to be our child.
+  bool WaitForPid();
+  // Waits for the end; the wait status as waitpid gives it.
+  std::optional<int> WaitForEnd();
+  void Kill(int signal) const;
+  // Ends the processes that the daemon left behind in mid-wait.
+  static void EndOrphans();
+
+  pid_t Pid() const { return pid_; }
+  bool Running() const;
+
+  std::string Proc(const std::string& name) const;  // content of /proc/<pid>/<name>
+  std::vector<std::string> Descriptors() const;     // what each open one points at
+  bool Sanitized() const;  // threads and memory of the sanitizer come on top
+  int Threads() const;
+  long ResidentKilobytes() const;
+  std::vector<pid_t> Children() const;
+
+ private:
+  pid_t pid_ = -1;
+};
+
+inline constexpr char kPidFile[] = "/run/qelm/qelm.pid";
+inline constexpr char kStdout[] = "/run/test/stdout";
+inline constexpr char kStderr[] = "/run/test/stderr";
+
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& content);
+std::vector<std::string> DescriptorsOf(pid_t pid);

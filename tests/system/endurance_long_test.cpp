@@ -1,0 +1,20 @@
+// The long runs, by name: each takes minutes.
+#include <filesystem>
+
+#include "endurance.h"
+
+TEST_F(Endurance, FiveHundredStartsBringEveryThreadUp) {
+  adapter.Plug();
+  for (int start = 0; start < 500 && !HasFailure(); ++start) {
+    std::filesystem::remove(kLogFile);
+    StartDaemon({.environment = {{"QUICK_SLEEP_DIVISOR", "1000"}}});
+    for (const char* name : {"CAE", "IO", "MON"}) {
+      ExpectLog("INF", std::string(name) + " interface is waiting for incoming connection");
+    }
+    ExpectLog("INF", "try to catch hardware on /dev/ttyUSB0");
+    StopDaemon();
+    DaemonProcess::EndOrphans();
+  }
+}
+
+TEST_F(Endurance, ThousandSessionsOnEachPortLeaveNothingBehind) { UseAndResetSessions(1000); }
