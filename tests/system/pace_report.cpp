@@ -9,7 +9,7 @@
 #include <functional>
 #include <vector>
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

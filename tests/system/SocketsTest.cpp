@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "place.h"
+#include "Place.h"
 
 using Bytes = std::vector<std::uint8_t>;
 

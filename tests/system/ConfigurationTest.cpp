@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

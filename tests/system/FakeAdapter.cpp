@@ -1,4 +1,4 @@
-#include "fake_adapter.h"
+#include "FakeAdapter.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "wait.h"
+#include "Wait.h"
 
 namespace {
 

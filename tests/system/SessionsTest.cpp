@@ -1,7 +1,7 @@
 // How sessions end, and that the port comes back whatever ended them.
 #include <cstdlib>
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Queues, polling and input reports, as the adapter and the IO client see them.
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

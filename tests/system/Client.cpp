@@ -1,4 +1,4 @@
-#include "client.h"
+#include "Client.h"
 
 #include <arpa/inet.h>
 #include <poll.h>
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "wait.h"
+#include "Wait.h"
 
 namespace {
 

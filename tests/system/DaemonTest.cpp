@@ -1,4 +1,4 @@
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 #include <signal.h>
 #include <sys/wait.h>

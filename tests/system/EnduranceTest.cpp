@@ -1,7 +1,7 @@
 // Floods and repetitions, in the small size that every test run can bear.
 #include <random>
 
-#include "endurance.h"
+#include "Endurance.h"
 
 TEST_F(Endurance, TwentySessionsOnEachPortLeaveNothingBehind) { UseAndResetSessions(20); }
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "client.h"
-#include "daemon_process.h"
-#include "fake_adapter.h"
-#include "place.h"
-#include "wait.h"
+#include "Client.h"
+#include "DaemonProcess.h"
+#include "FakeAdapter.h"
+#include "Place.h"
+#include "Wait.h"
 
 enum Port { kCae = 5001, kIo = 5002, kMon = 5003 };
 

@@ -1,4 +1,4 @@
-#include "endurance.h"
+#include "Endurance.h"
 
 #include <algorithm>
 

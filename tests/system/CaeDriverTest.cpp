@@ -1,5 +1,5 @@
 // CAE commands that act on the daemon and on the bus as a whole.
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

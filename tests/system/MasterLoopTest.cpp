@@ -1,7 +1,7 @@
 // What goes where: reports, IO lines, the monitor's copies, CAE lines.
 #include <signal.h>
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

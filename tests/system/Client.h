@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "place.h"
+#include "Place.h"
 
 class Client {
  public:

@@ -1,5 +1,5 @@
 // CAE commands that reach into one card: request on the bus, and all three answers.
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The two long answers of CAE, byte by byte.
 #include <iterator>
 
-#include "daemon_test.h"
-#include "help_text.h"
+#include "DaemonTest.h"
+#include "HelpText.h"
 
 namespace {
 

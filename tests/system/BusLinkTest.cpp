@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

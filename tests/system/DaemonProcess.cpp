@@ -1,4 +1,4 @@
-#include "daemon_process.h"
+#include "DaemonProcess.h"
 
 #include <fcntl.h>
 #include <linux/close_range.h>
@@ -13,7 +13,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "wait.h"
+#include "Wait.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Replies of the adapter that are late, cut, odd or too long.
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 

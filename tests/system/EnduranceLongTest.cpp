@@ -1,7 +1,7 @@
 // The long runs, by name: each takes minutes.
 #include <filesystem>
 
-#include "endurance.h"
+#include "Endurance.h"
 
 TEST_F(Endurance, FiveHundredStartsBringEveryThreadUp) {
   adapter.Plug();

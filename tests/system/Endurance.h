@@ -2,7 +2,7 @@
 // daemon holds before and after.
 #pragma once
 
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 class Endurance : public DaemonTest {
  protected:

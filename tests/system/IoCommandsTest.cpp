@@ -1,5 +1,5 @@
 // IO commands: from the typed line to the frame on the bus, or the error on CAE.
-#include "daemon_test.h"
+#include "DaemonTest.h"
 
 namespace {
 
