@@ -6,11 +6,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <fstream>
 #include <utility>
 
-#include "Wait.h"
-
 namespace {
+
+// Shorter than the patience of a test, longer than any greeting takes.
+constexpr std::chrono::seconds kGreetingPatience{10};
 
 sockaddr_in Address(const char* host, int port) {
   sockaddr_in address{};
@@ -64,10 +67,9 @@ void Client::Send(std::string_view bytes, Place place) {
   }
 }
 
-bool Client::ReadMore() {
+bool Client::ReadMore(std::chrono::milliseconds bound) {
   pollfd end{socket_, POLLIN, 0};
-  const auto bound = std::chrono::milliseconds(kPatience).count();
-  if (poll(&end, 1, static_cast<int>(bound)) <= 0) return false;
+  if (poll(&end, 1, static_cast<int>(bound.count())) <= 0) return false;
   char buffer[4096];
   const ssize_t count = read(socket_, buffer, sizeof buffer);
   if (count <= 0) return false;
@@ -108,7 +110,7 @@ bool Client::Sees(std::string_view ending) {
   return true;
 }
 
-bool Client::HasBytes() { return !unread_.empty() || ReadMore(); }
+bool Client::IsServed() { return !unread_.empty() || ReadMore(kGreetingPatience); }
 
 void Client::ExpectClosed(Place place) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
@@ -139,4 +141,18 @@ bool Refuses(int port) {
   const int fd = TryConnect("127.0.0.1", port, 0);
   if (fd >= 0) close(fd);
   return fd < 0;
+}
+
+bool AllIsRead(int port) {
+  std::ifstream table("/proc/net/tcp");
+  for (std::string line; std::getline(table, line);) {
+    unsigned local = 0, remote = 0, state = 0, unsent = 0, unread = 0;
+    const int fields = std::sscanf(line.c_str(), "%*d: %*x:%x %*x:%x %x %x:%x", &local, &remote,
+                                   &state, &unsent, &unread);
+    constexpr unsigned kEstablished = 1;
+    if (fields != 5 || state != kEstablished) continue;
+    const auto wanted = static_cast<unsigned>(port);
+    if ((remote == wanted && unsent > 0) || (local == wanted && unread > 0)) return false;
+  }
+  return true;
 }

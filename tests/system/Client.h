@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Place.h"
+#include "Wait.h"
 
 class Client {
  public:
@@ -22,8 +23,10 @@ class Client {
   std::string ReadUntil(std::string_view ending, Place place = Place::current());
   // Reads on until `ending` has come; false when the connection ends before.
   bool Sees(std::string_view ending);
-  // Waits for the first byte; false when the connection ends without one.
-  bool HasBytes();
+  // Waits for the first byte; false when the connection ends without one, or when
+  // nobody is there: a client that connects in the very moment in which the port is
+  // closed can be left with a connection that has no other side.
+  bool IsServed();
   // The other side ends the connection; what it still sends is passed over.
   void ExpectClosed(Place place = Place::current());
   // Nothing has come that was not asked for.
@@ -34,7 +37,7 @@ class Client {
   void Reset();  // closes with a reset instead of an orderly end
 
  private:
-  bool ReadMore();
+  bool ReadMore(std::chrono::milliseconds bound = kPatience);
 
   int socket_ = -1;
   std::string unread_;
@@ -42,3 +45,6 @@ class Client {
 
 // True while the port refuses connections.
 bool Refuses(int port);
+
+// True when the daemon has read all that clients sent to the port.
+bool AllIsRead(int port);

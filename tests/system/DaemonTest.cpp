@@ -130,7 +130,7 @@ Client DaemonTest::Dial(Port port) {
   Client client;
   WaitUntil([&] {
     client = Client(port);
-    return client.HasBytes();
+    return client.IsServed();
   });
   return client;
 }

@@ -15,9 +15,16 @@ class Sessions : public DaemonTest {
     const char* greeting = port == kIo    ? "QELM IO interface is ready\r\n\r"
                            : port == kMon ? "QELM MON interface is ready\r\n\r"
                                           : "(Type HELP for help)\r\n>\r\n\r";
-    if (!WaitUntil([&] { return Client(port).Sees(greeting); })) {
+    if (!WaitUntil([&] { return Dial(port).Sees(greeting); })) {
       FAIL_AT(place) << "no greeting on port " << port;
     }
+  }
+
+  // Sends more than the buffers of a client that does not read can hold, and waits
+  // until all is read: what follows is an item of its own.
+  static void Flood(Client& io, Place place = Place::current()) {
+    for (int item = 0; item < 6000; ++item) io.Send(std::string(255, '.'));
+    if (!WaitUntil([] { return AllIsRead(kIo); })) FAIL_AT(place) << "IO is not read";
   }
 
   static milliseconds Since(steady_clock::time_point begin) {
@@ -178,7 +185,7 @@ TEST_F(Sessions, ClientThatStopsReadingHoldsNobodyElseUp) {
   StartOnBus();
   Client mon = Connect(kMon);
   Client io = Connect(kIo);
-  for (int item = 0; item < 6000; ++item) io.Send(std::string(255, '.'));
+  Flood(io);
   io.Send("a5b0d01.");
   adapter.ExpectFrame({0x10, 5, 2, 0x01, 0xFF});
   ExpectAnswer();
@@ -195,7 +202,7 @@ TEST_F(Sessions, DaemonEndsWhileAClientDoesNotRead) {
   StartOnBus();
   Client mon = Connect(kMon);
   Client io = Connect(kIo);
-  for (int item = 0; item < 6000; ++item) io.Send(std::string(255, '.'));
+  Flood(io);
   io.Send("a5b0d01.");
   adapter.ExpectFrame({0x10, 5, 2, 0x01, 0xFF});
   StopDaemon();
