@@ -25,7 +25,7 @@ void FrameHistory::Add(const Bytes& frame) {
 
 std::optional<uint64_t> FrameHistory::Find(uint64_t from, const FramePattern& pattern) const {
   for (uint64_t number = std::max(from, first_); number < End(); ++number) {
-    if (Begins(frames_[number - first_], pattern)) return number;
+    if (Begins(frames_[static_cast<size_t>(number - first_)], pattern)) return number;
   }
   return std::nullopt;
 }

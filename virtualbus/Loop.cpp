@@ -40,7 +40,7 @@ void Loop::Wait() {
     const auto wait =
         std::max(timers_.begin()->first.first - Clock::now(), Clock::duration::zero());
     const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(wait).count();
-    timeout = {ns / 1'000'000'000, ns % 1'000'000'000};
+    timeout = {ns / 1'000'000'000, static_cast<long>(ns % 1'000'000'000)};
   }
   if (ppoll(polled.data(), polled.size(), timers_.empty() ? nullptr : &timeout, nullptr) <= 0)
     return;

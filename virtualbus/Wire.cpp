@@ -56,8 +56,8 @@ Problem Wire::OpenPty() {
 }
 
 void Wire::SetBaud(long baud) {
-  byte_time_ = baud == 0 ? std::chrono::nanoseconds(0)
-                         : std::chrono::nanoseconds(kBitsPerByte * 1'000'000'000 / baud);
+  constexpr std::chrono::nanoseconds kByteAtOneBaud = std::chrono::seconds(kBitsPerByte);
+  byte_time_ = baud == 0 ? std::chrono::nanoseconds(0) : kByteAtOneBaud / baud;
 }
 
 void Wire::SetConnected(bool connected) {
