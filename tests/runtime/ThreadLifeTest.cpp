@@ -133,7 +133,7 @@ TEST(ThreadLife, AnEventOnAThreadThatIsDownLeavesItDown) {
 
 // Without memory for a stack no thread is created, by no fault of the program.
 TEST(ThreadLifeDeathTest, AThreadThatCannotBeCreatedIsAFault) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer needs the memory";
+  if (kSanitized || kEmulated) GTEST_SKIP() << "memory is for the sanitizer or emulator to limit";
   const auto start_without_memory = [] {
     const rlimit nothing{0, 0};
     setrlimit(RLIMIT_AS, &nothing);

@@ -4,6 +4,8 @@
 
 #include <climits>
 
+#include "support/LastLine.h"
+
 TEST(Values, ReadsUpperCaseHexDigits) {
   EXPECT_EQ(HexCharToByte('0'), 0);
   EXPECT_EQ(HexCharToByte('9'), 9);
@@ -33,7 +35,7 @@ TEST(Values, ReadsOneOrTwoHexDigitsOfAText) {
 
 TEST(ValuesDeathTest, FiveHexDigitsEndTheProcess) {
   EXPECT_EXIT(Convert_HexStr2Byte("7A999"), testing::KilledBySignal(SIGABRT),
-              "^qelm: [^\n]*4 characters\n$");
+              LastLine("4 characters"));
 }
 
 TEST(Values, ReadsDecimalNumbersUpToTheFirstOtherCharacter) {

@@ -19,6 +19,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The daemon built beside these tests, or one for another machine, which an emulator runs.
+std::string Binary() {
+  const char* other = std::getenv("QELM_UNDER_TEST");
+  return other != nullptr ? other : QELM_BINARY;
+}
+
 void SendTo(const char* path, int target) {
   const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND, 0600);
   dup2(fd, target);
@@ -37,7 +43,7 @@ void SetLimits() {
 void SetEnvironment(const LaunchOptions& options) {
   const std::string system_path = "/usr/bin:/bin";
   setenv("PATH", (options.quick ? QUICK_FOLDER ":" + system_path : system_path).c_str(), 1);
-  setenv("LD_PRELOAD", FAIR_YIELD, 1);
+  setenv("LD_PRELOAD", (fs::path(Binary()).parent_path() / "libfair_yield.so").c_str(), 1);
   setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
   setenv("TSAN_OPTIONS", "atexit_sleep_ms=100", 1);
   for (const auto& [name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
@@ -56,12 +62,13 @@ void SetDescriptors(int extra) {
   SetLimits();
   SetDescriptors(options.extra_descriptors);
   SetEnvironment(options);
-  std::vector<char*> command{const_cast<char*>(QELM_BINARY)};
+  std::string binary = Binary();
+  std::vector<char*> command{binary.data()};
   for (const auto& argument : options.arguments) {
     command.push_back(const_cast<char*>(argument.c_str()));
   }
   command.push_back(nullptr);
-  execv(QELM_BINARY, command.data());
+  execv(binary.c_str(), command.data());
   _exit(127);
 }
 
@@ -132,9 +139,11 @@ std::string DaemonProcess::Proc(const std::string& name) const {
 
 std::vector<std::string> DaemonProcess::Descriptors() const { return DescriptorsOf(pid_); }
 
-bool DaemonProcess::Sanitized() const {
+bool DaemonProcess::Instrumented() const {
   const std::string maps = Proc("maps");
-  return maps.find("/libtsan") != std::string::npos || maps.find("/libasan") != std::string::npos;
+  for (const char* sign : {"/libtsan", "/libasan", "/qemu-", "/valgrind/"})
+    if (maps.find(sign) != std::string::npos) return true;
+  return false;
 }
 
 int DaemonProcess::Threads() const {

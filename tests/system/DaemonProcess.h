@@ -34,7 +34,7 @@ class DaemonProcess {
 
   std::string Proc(const std::string& name) const;  // content of /proc/<pid>/<name>
   std::vector<std::string> Descriptors() const;     // what each open one points at
-  bool Sanitized() const;  // threads and memory of the sanitizer come on top
+  bool Instrumented() const;  // threads and memory of a sanitizer or an emulator come on top
   int Threads() const;
   long ResidentKilobytes() const;
   std::vector<pid_t> Children() const;

@@ -42,7 +42,7 @@ void Endurance::UseAndResetSessions(int count) {
   for (int number = 2; number <= count; ++number) session(number);
   EXPECT_TRUE(WaitUntil([&] { return HoldsSevenDescriptors(); })) << daemon.Descriptors().size();
   EXPECT_EQ(daemon.Threads(), threads);
-  if (!daemon.Sanitized()) {
+  if (!daemon.Instrumented()) {
     EXPECT_LE(daemon.ResidentKilobytes(), memory + kAllowedGrowthKilobytes);
   }
   adapter.ForgetFrames();

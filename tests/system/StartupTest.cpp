@@ -61,6 +61,7 @@ TEST_F(Startup, PidFileHoldsTheDecimalPidAndNothingElse) {
   ASSERT_EQ(daemon.Launch({}), 0);
   ASSERT_TRUE(daemon.WaitForPid());
   EXPECT_EQ(ReadFile(kPidFile), std::to_string(daemon.Pid()));
+  ExpectLog("INF", "qelm is started");  // signals are caught from here on
   StopDaemon();
   EXPECT_NE(ReadFile(kPidFile), "");
 }
@@ -101,7 +102,7 @@ TEST_F(Startup, FiveStartsInARowBringEveryThreadUp) {
     fs::remove(kLogFile);
     StartDaemon();
     AwaitFirstLines();
-    if (!daemon.Sanitized()) {
+    if (!daemon.Instrumented()) {
       EXPECT_EQ(daemon.Threads(), 5);
     }
     StopDaemon();
