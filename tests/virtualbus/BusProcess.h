@@ -52,6 +52,7 @@ class Program {
   bool IsRunning();
   int WaitForExit();  // its status, -1 for a signal
   void Signal(int number) const;
+  pid_t Pid() const { return pid_; }
   std::string Output() const { return TempFolder::Read(out_); }
   std::string Errors() const { return TempFolder::Read(err_); }
 
