@@ -1,0 +1,59 @@
+// A virtual bus of the bench's own: sixteen cards, a device for one program to open,
+// and the moments at which something happened on it.
+//
+// The bus prints an event as a line, one datagram each, and the kernel writes beside it
+// when it was sent: so nothing of the bench's own waking is in any figure.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Client.h"
+#include "Clock.h"
+#include "Process.h"
+
+inline constexpr int kCards = 16;
+inline constexpr int kOutputs = 6;  // output cards at 0 to 5, input cards behind them
+inline constexpr int kInputs = kCards - kOutputs;
+
+// A line of 460800 baud, ten bits a byte.
+inline constexpr double kByteMicroseconds = 1e7 / 460800;
+
+std::string Hex(int value, int digits);
+
+struct BusSetup {
+  std::string device;  // the link to it
+  bool wired = false;  // each byte takes its time
+  int outputs = kOutputs;
+  bool tells_events = true;
+};
+
+class Bus {
+ public:
+  explicit Bus(const BusSetup& setup);
+  ~Bus();
+  Bus(const Bus&) = delete;
+  Bus& operator=(const Bus&) = delete;
+
+  // An order, and what it tells.
+  std::string Order(const std::string& line);
+  long Frames();
+
+  // When a line that holds the text was printed.
+  Time AwaitEvent(const std::string& text);
+  void ForgetEvents();
+
+  // When the adapter had all of a write to a digital output: six bytes on the line.
+  Time AwaitCommand(int address, int value);
+
+  Process process;
+  const bool wired;
+  const int first_input;  // address of the first input card
+
+ private:
+  std::optional<Time> ReadEvent(const std::string& text, bool waits);
+
+  int events_ = -1;
+  std::optional<Client> control_;
+};

@@ -1,0 +1,93 @@
+#include "Growth.h"
+
+#include <cstdio>
+#include <fstream>
+
+#include "Measurer.h"
+#include "Qelm.h"
+#include "Results.h"
+
+namespace {
+
+constexpr int kSamples = 300;
+constexpr int kRepeats = 5;
+
+double Percentile(std::vector<double> values, double percent) {
+  Results results;
+  results.Add("", "", "", std::move(values));
+  return results.Percentile("", "", percent);
+}
+
+// A line of numbers, on the screen and in the file.
+class Table {
+ public:
+  Table(const std::string& path, const std::string& head) : file_(path) {
+    std::printf("\n%s\n", head.c_str());
+    file_ << "# " << head << '\n';
+  }
+  void Add(const std::vector<double>& numbers) {
+    std::string line;
+    for (const double number : numbers) {
+      char text[32];
+      std::snprintf(text, sizeof text, "%12.1f", number);
+      line += text;
+    }
+    std::printf("%s\n", line.c_str());
+    file_ << line << std::endl;
+  }
+
+ private:
+  std::ofstream file_;
+};
+
+void GrowCards(const std::string& folder) {
+  Qelm qelm({.device = "/dev/ttyUSB0", .wired = true, .outputs = 0});
+  qelm.ConnectConsole();
+  Measurer measurer(qelm);
+  Table table(folder + "/cards.dat",
+              "polled cards  latency [us]  p99 [us]  exchanges/s  processor [%]");
+  for (const int cards : {1, 4, 10, 16}) {
+    qelm.Poll(cards);
+    const auto latencies = measurer.InputLatencies(kSamples);
+    const Activity busy = measurer.Watch(std::chrono::seconds(2));
+    table.Add({static_cast<double>(cards), Percentile(latencies, 50), Percentile(latencies, 99),
+               busy.exchanges, busy.percent});
+  }
+}
+
+void GrowClients(const std::string& folder) {
+  Qelm qelm({.device = "/dev/ttyUSB0", .wired = true});
+  Measurer measurer(qelm);
+  Table table(folder + "/clients.dat",
+              "clients  command latency [us]  p99 [us]  processor [%]  wake-ups/s");
+  for (const int clients : {1, 2, 3}) {
+    if (clients == 2) qelm.ConnectConsole();
+    if (clients == 3) qelm.ConnectMonitor();
+    const auto latencies = measurer.CommandLatencies(kSamples, milliseconds(1));
+    const Activity idle = measurer.Watch(std::chrono::seconds(2));
+    table.Add({static_cast<double>(clients), Percentile(latencies, 50), Percentile(latencies, 99),
+               idle.percent, idle.wakeups});
+  }
+}
+
+void GrowQueue(const std::string& folder) {
+  Qelm qelm({.device = "/dev/ttyUSB0", .tells_events = false});
+  Measurer measurer(qelm);
+  Table table(folder + "/queue.dat",
+              "queued commands  all of them [ms]  each [us]  resident [KiB]");
+  for (const int count : {1, 10, 100, 1000, 10'000}) {
+    std::vector<double> times;
+    for (int i = 0; i < kRepeats; ++i) times.push_back(measurer.QueueSeconds(1, count));
+    const double seconds = Percentile(times, 50);
+    table.Add({static_cast<double>(count), seconds * 1e3, seconds * 1e6 / count,
+               static_cast<double>(qelm.process.ResidentKilobytes())});
+  }
+}
+
+}  // namespace
+
+void MeasureGrowth(const std::string& folder) {
+  GrowCards(folder);
+  GrowClients(folder);
+  GrowQueue(folder);
+}

@@ -1,0 +1,6 @@
+// How cost grows: a table for people, and a file a curve for the plots.
+#pragma once
+
+#include <string>
+
+void MeasureGrowth(const std::string& folder);
