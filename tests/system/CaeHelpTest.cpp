@@ -1,8 +1,8 @@
 // The two long answers of CAE, byte by byte.
 #include <iterator>
 
+#include "../support/HelpText.h"
 #include "DaemonTest.h"
-#include "HelpText.h"
 
 namespace {
 
