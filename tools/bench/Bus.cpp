@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <string_view>
 #include <utility>
 
 namespace {
@@ -27,11 +26,12 @@ std::vector<std::string> Command(const BusSetup& setup, const std::string& contr
   return words;
 }
 
-timespec StampOf(msghdr& message) {
+Time StampOf(msghdr& message) {
   timespec stamp{};
   for (cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr; part = CMSG_NXTHDR(&message, part))
     if (part->cmsg_type == SCM_TIMESTAMPNS) std::memcpy(&stamp, CMSG_DATA(part), sizeof stamp);
-  return stamp;
+  return Time(std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(stamp.tv_sec) +
+                                                          std::chrono::nanoseconds(stamp.tv_nsec)));
 }
 
 }  // namespace
@@ -75,12 +75,13 @@ long Bus::Frames() {
 }
 
 Time Bus::AwaitEvent(const std::string& text) {
-  while (true)
-    if (const auto when = ReadEvent(text, true)) return *when;
+  while (const auto event = NextEvent(kPatience))
+    if (event->text.find(text) != std::string::npos) return event->when;
+  throw std::runtime_error("the bus did not tell of " + text);
 }
 
-void Bus::ForgetEvents() {
-  while (ReadEvent("", false)) {
+void Bus::ForgetEvents(milliseconds quiet) {
+  while (NextEvent(quiet)) {
   }
 }
 
@@ -90,13 +91,9 @@ Time Bus::AwaitCommand(int address, int value) {
   return came + std::chrono::nanoseconds(std::lround(kWriteBytes * kByteMicroseconds * 1000));
 }
 
-std::optional<Time> Bus::ReadEvent(const std::string& text, bool waits) {
-  const int patience = static_cast<int>(milliseconds(kPatience).count());
+std::optional<Bus::Event> Bus::NextEvent(milliseconds patience) {
   pollfd readable{events_, POLLIN, 0};
-  if (poll(&readable, 1, waits ? patience : 0) != 1) {
-    if (waits) throw std::runtime_error("the bus did not tell of " + text);
-    return std::nullopt;
-  }
+  if (poll(&readable, 1, static_cast<int>(patience.count())) != 1) return std::nullopt;
   std::array<char, 4096> line;
   std::array<char, 256> stamps;
   iovec place{line.data(), line.size()};
@@ -107,9 +104,5 @@ std::optional<Time> Bus::ReadEvent(const std::string& text, bool waits) {
   message.msg_controllen = stamps.size();
   const ssize_t size = recvmsg(events_, &message, 0);
   if (size < 0) throw std::runtime_error("the bus has gone");
-  const timespec stamp = StampOf(message);
-  const std::string_view event(line.data(), static_cast<std::size_t>(size));
-  if (event.find(text) == std::string_view::npos) return std::nullopt;
-  return Time(std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(stamp.tv_sec) +
-                                                          std::chrono::nanoseconds(stamp.tv_nsec)));
+  return Event{std::string(line.data(), static_cast<std::size_t>(size)), StampOf(message)};
 }

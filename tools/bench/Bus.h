@@ -42,7 +42,9 @@ class Bus {
 
   // When a line that holds the text was printed.
   Time AwaitEvent(const std::string& text);
-  void ForgetEvents();
+  // Until there was none for so long. Where its reader is slow, the bus keeps lines back
+  // and loses others: what is to be awaited must find the way free.
+  void ForgetEvents(milliseconds quiet);
 
   // When the adapter had all of a write to a digital output: six bytes on the line.
   Time AwaitCommand(int address, int value);
@@ -52,7 +54,11 @@ class Bus {
   const int first_input;  // address of the first input card
 
  private:
-  std::optional<Time> ReadEvent(const std::string& text, bool waits);
+  struct Event {
+    std::string text;
+    Time when;
+  };
+  std::optional<Event> NextEvent(milliseconds patience);
 
   int events_ = -1;
   std::optional<Client> control_;

@@ -12,7 +12,7 @@ using Time = Clock::time_point;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-inline constexpr std::chrono::seconds kPatience{15};
+inline constexpr milliseconds kPatience{15'000};
 
 inline double Microseconds(Clock::duration time) {
   return std::chrono::duration<double, std::micro>(time).count();

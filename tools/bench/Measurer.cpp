@@ -7,6 +7,7 @@ namespace {
 // Long enough for any point of a round of whoever polls.
 constexpr microseconds kChangeWithin{6'000};
 constexpr milliseconds kRateTime{300};
+constexpr milliseconds kQuiet{50};  // the bus tries again to print after 20
 constexpr int kValues = 255;
 
 }  // namespace
@@ -46,14 +47,16 @@ double Measurer::CommandRate(int cards, int batch) {
   while (Clock::now() - began < kRateTime) {
     if (batch > 1 && system_.QueuesCommands()) {
       QueueSeconds(cards, batch);
-      system_.bus.ForgetEvents();
+      system_.bus.ForgetEvents(milliseconds(0));
       done += batch;
     } else {
       SendOne(cards);
       ++done;
     }
   }
-  return done / Seconds(Clock::now() - began);
+  const double seconds = Seconds(Clock::now() - began);
+  system_.bus.ForgetEvents(kQuiet);
+  return done / seconds;
 }
 
 double Measurer::QueueSeconds(int cards, int count) {

@@ -11,6 +11,10 @@ std::vector<std::string> Floor(const std::string& port, const std::string& devic
   return {BUILD_FOLDER "/bench-floor", port, device};
 }
 
+std::vector<std::string> Pacing(const std::string& port, const std::string& device) {
+  return {BUILD_FOLDER "/bench-pacing", port, device};
+}
+
 std::vector<std::string> Socat(const std::string& port, const std::string& device) {
   return {"socat", "TCP-LISTEN:" + port + ",bind=127.0.0.1,reuseaddr,nodelay",
           "OPEN:" + device + ",rawer,b460800"};
@@ -41,6 +45,7 @@ std::string Bytes(std::initializer_list<int> bytes) { return {bytes.begin(), byt
 
 const std::vector<ProxyKind>& ProxyKinds() {
   static const std::vector<ProxyKind> kinds{{"floor", Floor},
+                                            {"pacing alone", Pacing},
                                             {"socat", Socat},
                                             {"ser2net, tuned", Ser2netTuned},
                                             {"ser2net, as shipped", Ser2netShipped}};
