@@ -97,8 +97,9 @@ bool SOCKET_INTERFACE::Init() {
   }
   // Logged first: as soon as the state is seen, the thread logs that it waits.
   LogEvent("INF", "", " listening on port " + port);
-  if (ListenSocket.IsWithdrawn()) return false;  // closed by command meanwhile
   Publish<int>(Descriptor.State, kListening);
+  // Closed by command meanwhile.
+  if (ListenSocket.IsWithdrawn()) PublishIf<int>(Descriptor.State, kListening, kClosed);
   return true;
 }
 
@@ -196,10 +197,12 @@ void SOCKET_INTERFACE::Reopen() {
 void SOCKET_INTERFACE::CloseByCommand() {
   // Zero before the state is seen: the thread counts its closed passes from here.
   StoreShared(RetryCount, 0);
-  Publish<int>(Descriptor.State, kClosed);
   LogEvent("INF", "connection is closed by command on ");
-  ClientSocket.Withdraw();
+  // Before the state: a port that opens in this moment looks behind its own.
   ListenSocket.Withdraw();
+  Publish<int>(Descriptor.State, kClosed);
+  // Behind it: the end of the client is no end of its own.
+  ClientSocket.Withdraw();
 }
 
 void SOCKET_INTERFACE::mf_SIGhandler(int signal) {

@@ -1,15 +1,27 @@
 #include "runtime/Pause.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <string>
 
 #include "runtime/Fatal.h"
 #include "runtime/Values.h"
+
+namespace {
+
+// The shell could not run its command. Killed, or gone where SIGCHLD is ignored, it had
+// begun.
+bool HasFailed(int wait_status) {
+  constexpr int kKilled = 128;  // the shell tells the end of its child so, and above
+  if (wait_status == -1 || !WIFEXITED(wait_status)) return false;
+  return WEXITSTATUS(wait_status) > 0 && WEXITSTATUS(wait_status) < kKilled;
+}
+
+}  // namespace
 
 void Sleep(unsigned int units) {
   constexpr unsigned int kUnitsPerSecond = 10'000'000;
@@ -24,7 +36,6 @@ void SleepMicroseconds(int microseconds) {
 }
 
 void sleepsec(int seconds) {
-  constexpr int kNoShell = 1;
   std::array<char, 100> command{};
   const int length =
       std::snprintf(command.data(), command.size(), "sleep %s", ITOA(seconds).c_str());
@@ -32,9 +43,7 @@ void sleepsec(int seconds) {
 
   // Close-on-exec: the children of other threads must not hold this pipe.
   FILE* pipe = popen(command.data(), "re");
-  const int status = pipe == nullptr ? kNoShell : pclose(pipe);
-  // Where SIGCHLD is ignored, the child is waited for and then not found.
-  if (status == 0 || (status == -1 && errno == ECHILD)) return;
+  if (pipe != nullptr && !HasFailed(pclose(pipe))) return;
   // Without a shell the pause must hold all the same, or every retry becomes a busy loop.
   if (seconds > 0) sleep(static_cast<unsigned int>(seconds));
 }

@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <utility>
+
 void SHARED_FD::Adopt(int fd) {
   const CMutexGuard guard(Mutex);
   Fd = fd;
@@ -11,10 +13,8 @@ void SHARED_FD::Adopt(int fd) {
 }
 
 void SHARED_FD::Close() {
-  const CMutexGuard guard(Mutex);
-  if (Fd >= 0) close(Fd);
-  Fd = -1;
-  Withdrawn = false;
+  const int fd = Release();
+  if (fd >= 0) close(fd);  // a device may take its time over it
 }
 
 bool SHARED_FD::IsWithdrawn() {
@@ -31,4 +31,10 @@ void SHARED_FD::Withdraw() {
   if (nothing < 0) return;  // no descriptor left: shut down is all it can be
   dup3(nothing, Fd, O_CLOEXEC);
   close(nothing);
+}
+
+int SHARED_FD::Release() {
+  const CMutexGuard guard(Mutex);
+  Withdrawn = false;
+  return std::exchange(Fd, -1);
 }

@@ -25,6 +25,8 @@ class SHARED_FD {
   void Withdraw();
 
  private:
+  int Release();  // from here on nobody else knows the number
+
   CMutexClass Mutex;  // guards the two below against Withdraw
   int Fd = -1;        // written by the owner only
   bool Withdrawn = false;

@@ -39,8 +39,8 @@ bool CThread::OnTask() {
 }
 
 bool CThread::Start() {
-  if (IsAlive()) return true;
   const CMutexGuard guard(Mutex);
+  if (Lives()) return true;
   if (Handle != 0) pthread_join(Handle, nullptr);  // an earlier run that has ended
   Handle = 0;
   ThreadId = 0;
@@ -235,11 +235,13 @@ bool CThread::IsRunning() {
   return Running;
 }
 
-// Created and not yet down.
 bool CThread::IsAlive() {
   const CMutexGuard guard(Mutex);
-  return Handle != 0 && (ThreadId == 0 || RunState != kThreadDown);
+  return Lives();
 }
+
+// Created and not yet down; the mutex is held.
+bool CThread::Lives() const { return Handle != 0 && (ThreadId == 0 || RunState != kThreadDown); }
 
 bool CThread::HasBegun() {
   const CMutexGuard guard(Mutex);

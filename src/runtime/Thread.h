@@ -92,6 +92,7 @@ class CThread {
   bool EndPass(bool good);
   bool HasWakeUp();
   bool IsAlive();
+  bool Lives() const;
   bool HasBegun();
   void WakeUp();
   void Fault(ThreadError error);

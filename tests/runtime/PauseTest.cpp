@@ -5,8 +5,11 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 #include "support/SleepControl.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -18,6 +21,23 @@ microseconds Length(Pause pause) {
   pause();
   return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
 }
+
+// Puts a `sleep` that does this into the path while it lives.
+class SleepThat {
+ public:
+  explicit SleepThat(const std::string& script) {
+    std::ofstream(Dir.Path("sleep")) << "#!/bin/sh\n" << script << '\n';
+    std::filesystem::permissions(Dir.Path("sleep"), std::filesystem::perms::owner_all);
+    setenv("PATH", (Dir.Path("") + ":" + Path).c_str(), 1);
+  }
+  ~SleepThat() { setenv("PATH", Path.c_str(), 1); }
+  SleepThat(const SleepThat&) = delete;
+  SleepThat& operator=(const SleepThat&) = delete;
+
+ private:
+  const TempDir Dir;
+  const std::string Path = std::getenv("PATH");
+};
 
 }  // namespace
 
@@ -53,6 +73,16 @@ TEST(Pause, WholeSecondsLastAlsoWhereNoSleepAnswers) {
   const microseconds length = Length([] { sleepsec(1); });
   setenv("PATH", path.c_str(), 1);
   EXPECT_GE(length, microseconds(1'000'000));
+}
+
+TEST(Pause, WholeSecondsLastAlsoWhereSleepFails) {
+  const SleepThat fails("exit 1");
+  EXPECT_GE(Length([] { sleepsec(1); }), microseconds(1'000'000));
+}
+
+TEST(Pause, AKilledSleepIsNotMadeUpFor) {
+  const SleepThat is_killed("kill -9 $$");
+  EXPECT_LT(Length([] { sleepsec(30); }), microseconds(30'000'000));
 }
 
 // The child is not there to be waited for, but it has slept.

@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 
 #include <atomic>
+#include <barrier>
 
 #include "runtime/Thread.h"
 #include "support/Helper.h"
@@ -153,3 +154,22 @@ TEST_P(ManyThreads, AreBuiltAndTornDownWithoutAHang) {
 }
 
 INSTANTIATE_TEST_SUITE_P(ThreadLife, ManyThreads, testing::Range(0, 8));
+
+// The second one would wait for ever for the end of the thread that the first has made.
+TEST(ThreadLife, TwoStartsAtOnceMakeOneThread) {
+  Worker thread;
+  for (int i = 0; i < 500; ++i) {
+    thread.IsTired = true;
+    ASSERT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
+    thread.IsTired = false;
+    std::barrier both(2);
+    Helper other([&] {
+      both.arrive_and_wait();
+      thread.Start();
+    });
+    both.arrive_and_wait();
+    EXPECT_TRUE(thread.Start());
+    other.Join();
+    ASSERT_TRUE(thread.PingThread(0));
+  }
+}
