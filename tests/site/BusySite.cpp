@@ -22,7 +22,8 @@ constexpr long kTextEvery = 2 * kWritesPerSecond;
 constexpr long kLinesPerCardRequest = 30;
 
 double MillisecondsSince(std::chrono::steady_clock::time_point begin) {
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin)
+      .count();
 }
 
 double Percentile(const std::vector<double>& sorted, std::size_t percent) {

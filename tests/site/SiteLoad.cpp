@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kTick{100};
 constexpr int kDigitalInputs = 7;  // at 0 to 6
-constexpr int kAnalogueCard = 9;  // behind two cards of keys
+constexpr int kAnalogueCard = 9;   // behind two cards of keys
 constexpr int kLastValue = 0x3F;   // what a key card can hold
 constexpr long kWriteValues = 255;
 

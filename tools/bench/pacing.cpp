@@ -82,7 +82,8 @@ void ServeDevice(int device, Boxes& boxes) {
   if (frame.empty()) return;
   WriteAll(device, frame);
   std::string reply;
-  for (int reads = 1; reply.empty() || reply.size() <= static_cast<unsigned char>(reply[0]); ++reads) {
+  for (int reads = 1; reply.empty() || reply.size() <= static_cast<unsigned char>(reply[0]);
+       ++reads) {
     reply += ReadSome(device);
     if (reads % kReadsPerYield == 0) sched_yield();
   }
