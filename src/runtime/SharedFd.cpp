@@ -14,7 +14,11 @@ void SHARED_FD::Adopt(int fd) {
 
 void SHARED_FD::Close() {
   const int fd = Release();
-  if (fd >= 0) close(fd);  // a device may take its time over it
+  if (fd < 0) return;
+  // A child of another thread holds the number until it begins its program; a port must be
+  // free before that.
+  shutdown(fd, SHUT_RDWR);
+  close(fd);  // without the mutex: a device may take its time over it
 }
 
 bool SHARED_FD::IsWithdrawn() {

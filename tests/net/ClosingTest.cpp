@@ -126,6 +126,17 @@ TEST_F(Closing, OpensNoPortWhoseNumberSomebodyElseHas) {
   close(other);
 }
 
+// A child of another thread holds it until its program begins.
+TEST_F(Closing, FreesAPortWhoseSocketSomebodyElseStillHolds) {
+  Build("IO").Init();
+  ServedClient().reset();
+  const int other = dup(Interface->ListenSocket.Number());
+  Pass();
+  ExpectComesBack(1);
+  EXPECT_FALSE(Log.Has("[ERR] couldn't bind socket forIO interface"));
+  close(other);
+}
+
 TEST_F(Closing, HaltEndsAThreadThatWaitsForAClient) {
   BuildRunning("IO").Init();
   ASSERT_TRUE(WaitUntil([&] { return State() == 2; }));
