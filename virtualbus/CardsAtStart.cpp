@@ -1,6 +1,6 @@
 #include "CardsAtStart.h"
 
-#include "BusFile.h"
+#include "bus/BusFile.h"
 
 namespace virtualbus {
 

@@ -1,9 +1,9 @@
 // Which cards are there when the program starts.
 #pragma once
 
-#include "BusAdapter.h"
 #include "Options.h"
-#include "Text.h"
+#include "base/Text.h"
+#include "bus/BusAdapter.h"
 
 namespace virtualbus {
 

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "CardKinds.h"
+#include "cards/CardKinds.h"
 
 namespace virtualbus {
 

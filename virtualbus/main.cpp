@@ -3,14 +3,14 @@
 #include <iostream>
 
 #include "CardsAtStart.h"
-#include "Control.h"
 #include "Options.h"
-#include "Plain.h"
-#include "PollFilter.h"
-#include "Recorder.h"
-#include "Replayer.h"
-#include "Signals.h"
-#include "VirtualBus.h"
+#include "base/Signals.h"
+#include "bus/Replayer.h"
+#include "bus/VirtualBus.h"
+#include "control/Control.h"
+#include "journal/Plain.h"
+#include "journal/PollFilter.h"
+#include "journal/Recorder.h"
 #include "panel/Panel.h"
 
 using namespace virtualbus;

@@ -1,4 +1,4 @@
-#include "BusAdapter.h"
+#include "bus/BusAdapter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "BusFile.h"
+#include "bus/BusFile.h"
 
 #include <gtest/gtest.h>
 

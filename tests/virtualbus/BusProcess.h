@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "Text.h"
+#include "base/Text.h"
 
 namespace virtualbus {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "BusAdapter.h"
+#include "bus/BusAdapter.h"
 #include "cards/DigitalOutput.h"
 #include "cards/Ir.h"
 #include "cards/Lcd.h"

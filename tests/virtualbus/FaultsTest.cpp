@@ -1,4 +1,4 @@
-#include "Faults.h"
+#include "line/Faults.h"
 
 #include <gtest/gtest.h>
 

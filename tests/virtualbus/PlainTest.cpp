@@ -1,4 +1,4 @@
-#include "Plain.h"
+#include "journal/Plain.h"
 
 #include <unistd.h>
 
@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "BusProcess.h"
-#include "PollFilter.h"
+#include "journal/PollFilter.h"
 
 namespace virtualbus {
 namespace {

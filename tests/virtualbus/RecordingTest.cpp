@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "BusProcess.h"
-#include "Replayer.h"
+#include "bus/Replayer.h"
 
 namespace virtualbus {
 namespace {

@@ -1,4 +1,4 @@
-#include "AnalogueInput.h"
+#include "cards/AnalogueInput.h"
 
 namespace virtualbus {
 

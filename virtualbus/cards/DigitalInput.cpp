@@ -1,4 +1,4 @@
-#include "DigitalInput.h"
+#include "cards/DigitalInput.h"
 
 namespace virtualbus {
 

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "../Card.h"
+#include "cards/Card.h"
 
 namespace virtualbus {
 

@@ -1,4 +1,4 @@
-#include "DigitalOutput.h"
+#include "cards/DigitalOutput.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "Ir.h"
+#include "cards/Ir.h"
 
 namespace virtualbus {
 

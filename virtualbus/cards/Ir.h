@@ -3,7 +3,7 @@
 
 #include <deque>
 
-#include "../Card.h"
+#include "cards/Card.h"
 
 namespace virtualbus {
 

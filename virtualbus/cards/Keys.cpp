@@ -1,4 +1,4 @@
-#include "Keys.h"
+#include "cards/Keys.h"
 
 namespace virtualbus {
 

@@ -1,4 +1,4 @@
-#include "Lcd.h"
+#include "cards/Lcd.h"
 
 #include <algorithm>
 

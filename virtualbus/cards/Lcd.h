@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "../Card.h"
+#include "cards/Card.h"
 
 namespace virtualbus {
 

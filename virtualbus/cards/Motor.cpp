@@ -1,4 +1,4 @@
-#include "Motor.h"
+#include "cards/Motor.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "../Card.h"
+#include "cards/Card.h"
 
 namespace virtualbus {
 

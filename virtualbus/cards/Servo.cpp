@@ -1,4 +1,4 @@
-#include "Servo.h"
+#include "cards/Servo.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "../Card.h"
+#include "cards/Card.h"
 
 namespace virtualbus {
 

@@ -1,16 +1,16 @@
-#include "CardViews.h"
+#include "panel/CardViews.h"
 
 #include <algorithm>
 #include <cstdlib>
 
-#include "../cards/AnalogueInput.h"
-#include "../cards/DigitalInput.h"
-#include "../cards/DigitalOutput.h"
-#include "../cards/Ir.h"
-#include "../cards/Keys.h"
-#include "../cards/Lcd.h"
-#include "../cards/Motor.h"
-#include "../cards/Servo.h"
+#include "cards/AnalogueInput.h"
+#include "cards/DigitalInput.h"
+#include "cards/DigitalOutput.h"
+#include "cards/Ir.h"
+#include "cards/Keys.h"
+#include "cards/Lcd.h"
+#include "cards/Motor.h"
+#include "cards/Servo.h"
 
 namespace virtualbus {
 

@@ -1,10 +1,10 @@
 // How each card kind looks on the panel, and what its parts do when they are clicked or keyed.
 #pragma once
 
-#include "../BusAdapter.h"
-#include "../World.h"
-#include "History.h"
-#include "Pen.h"
+#include "bus/BusAdapter.h"
+#include "bus/World.h"
+#include "panel/History.h"
+#include "panel/Pen.h"
 
 namespace virtualbus {
 

@@ -1,4 +1,4 @@
-#include "History.h"
+#include "panel/History.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "../cards/AnalogueInput.h"
+#include "cards/AnalogueInput.h"
 
 namespace virtualbus {
 

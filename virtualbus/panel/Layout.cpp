@@ -1,4 +1,4 @@
-#include "Layout.h"
+#include "panel/Layout.h"
 
 #include <algorithm>
 

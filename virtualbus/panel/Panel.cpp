@@ -1,4 +1,4 @@
-#include "Panel.h"
+#include "panel/Panel.h"
 
 #include <curses.h>
 #include <termios.h>

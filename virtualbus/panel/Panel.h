@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "../Journal.h"
-#include "../VirtualBus.h"
-#include "CardViews.h"
-#include "History.h"
-#include "Layout.h"
-#include "Terminal.h"
+#include "bus/VirtualBus.h"
+#include "journal/Journal.h"
+#include "panel/CardViews.h"
+#include "panel/History.h"
+#include "panel/Layout.h"
+#include "panel/Terminal.h"
 
 namespace virtualbus {
 

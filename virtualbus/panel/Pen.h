@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Terminal.h"
+#include "panel/Terminal.h"
 
 namespace virtualbus {
 

@@ -1,4 +1,4 @@
-#include "Terminal.h"
+#include "panel/Terminal.h"
 
 #include <curses.h>
 #include <langinfo.h>

@@ -1,0 +1,35 @@
+// The rooms of the program in the order in which they are built; each knows only those before it.
+#pragma once
+
+#include "base/Loop.h"
+#include "bus/BusAdapter.h"
+#include "bus/World.h"
+#include "journal/Journal.h"
+#include "line/Cable.h"
+#include "line/Exchange.h"
+#include "line/Faults.h"
+#include "line/Wire.h"
+
+namespace virtualbus {
+
+struct VirtualBus {
+  explicit VirtualBus(uint32_t seed) : faults(seed) {}
+
+  // The pseudo terminal is there from now on; nobody finds it before the cable is plugged.
+  Problem Open() {
+    exchange.SetAnswerer([this](const Bytes& request) { return adapter.Answer(request); });
+    return wire.Open([this](const Bytes& frame) { exchange.OnFrame(frame); },
+                     [this](std::string note) { journal.Note(std::move(note)); });
+  }
+
+  Loop loop;
+  Journal journal;
+  BusAdapter adapter;
+  Faults faults;
+  Wire wire{loop};
+  Cable cable{wire, journal};
+  Exchange exchange{wire, faults, journal};
+  World world{loop, adapter, journal};
+};
+
+}  // namespace virtualbus

@@ -1,0 +1,31 @@
+// The events as lines of text on a descriptor, for when there is no terminal to draw on.
+// A reader that is too slow loses lines; it never holds up the bus.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+
+#include "base/Loop.h"
+#include "journal/Journal.h"
+
+namespace virtualbus {
+
+class Plain {
+ public:
+  Plain(Loop& loop, int fd) : loop_(loop), fd_(fd) {}
+
+  void Print(const Entry& entry);
+
+ private:
+  void WriteWaiting();
+  void WriteLine(const std::string& line);
+
+  Loop& loop_;
+  int fd_;
+  std::deque<std::string> waiting_;
+  size_t dropped_ = 0;
+  Loop::TimerId retry_ = 0;
+};
+
+}  // namespace virtualbus
