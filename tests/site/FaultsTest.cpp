@@ -41,7 +41,7 @@ std::string Hex(int byte) {
 }
 
 // REAL_PACE=1: as in the field, without shortened waits. Each case then prints its row
-// of docs/faults.md.
+// of docs/design/faults.md.
 bool AtRealPace() { return std::getenv("REAL_PACE") != nullptr; }
 
 LaunchOptions Pace() {
