@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <span>
 
 #include "runtime/Pause.h"
@@ -16,14 +18,57 @@ namespace {
 constexpr int kReadBudget = 150'000;
 constexpr int kLongReadBudget = 300'000;
 
-// Empty reads before the processor is offered to the other threads: a board with
-// one core gets nothing else done while an answer is awaited.
-constexpr int kReadsPerYield = 16;
+// A board with one core gets nothing else done while a reply is awaited, so the
+// processor is offered after this many empty reads, then at four times as many, while
+// a prompt reply may come. Few times: beside busy programs each offer can cost 8 ms.
+constexpr int kFirstOffer = 16;
+constexpr int kLastOffer = 1024;
+
+// A thread that reads without end keeps the kernel from carrying the reply on a busy
+// machine. So it reads for this long at the most, then sleeps as long as it has read:
+// in a shorter stretch it gets less of a busy processor than its share, after a longer
+// one it sleeps when its turn comes.
+constexpr std::chrono::microseconds kStretch{1000};
+constexpr int kReadsPerLook = 64;  // between two looks at the clock
 
 constexpr std::size_t kReadSize = 255;
 
 // Polls that wait while the link is down would be worth nothing once it is up.
 constexpr std::size_t kMaxWaitingPolls = 64;
+
+// What the calling thread has had of the processor. On a busy machine the time on the
+// wall would count the others' turns too.
+std::chrono::microseconds ProcessorTime() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+}
+
+// Leaves the processor to others now and then while a reply is awaited.
+class GiveWay {
+ public:
+  void AfterEmptyRead() {
+    ++EmptyReads;
+    if (EmptyReads == NextOffer && NextOffer <= kLastOffer) {
+      sched_yield();
+      NextOffer *= 4;
+    }
+    if (EmptyReads % kReadsPerLook == 0) SleepAfterStretch();
+  }
+
+ private:
+  void SleepAfterStretch() {
+    const auto now = ProcessorTime();
+    if (now - StretchBegin < kStretch) return;
+    SleepMicroseconds(static_cast<int>((now - StretchBegin).count()));
+    StretchBegin = now;
+  }
+
+  int EmptyReads = 0;
+  int NextOffer = kFirstOffer;
+  std::chrono::microseconds StretchBegin = ProcessorTime();
+};
 
 }  // namespace
 
@@ -102,14 +147,14 @@ void SERIAL_INTERFACE::SendFrame(const QList& frame) {
 // True when a whole reply came before the last read of the budget.
 bool SERIAL_INTERFACE::AwaitReply(int budget) {
   std::array<unsigned char, kReadSize> chunk{};
-  int empty_reads = 0;
+  GiveWay give_way;
   int attempts = 0;
   do {
     const ssize_t count = read(Fd.Number(), chunk.data(), chunk.size());
     if (count > 0)
       StoreReceived(chunk.data(), static_cast<std::size_t>(count));
-    else if (++empty_reads % kReadsPerYield == 0)
-      sched_yield();
+    else
+      give_way.AfterEmptyRead();
     ++attempts;
   } while (attempts < budget && AwaitingReply != 0);
   return AwaitingReply == 0 && attempts < budget;

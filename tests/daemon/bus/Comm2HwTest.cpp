@@ -1,4 +1,8 @@
 // One exchange with the adapter.
+#include <ctime>
+#include <numeric>
+
+#include "support/GiveWayRecord.h"
 #include "support/SerialTest.h"
 
 namespace {
@@ -20,6 +24,13 @@ QList OnWire(const QList& payload) {
   QList wire = Bytes({static_cast<int>(payload.size())});
   wire.insert(wire.end(), payload.begin(), payload.end());
   return wire;
+}
+
+// What this thread has had of the processor.
+double ProcessorMicroseconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
 }  // namespace
@@ -95,6 +106,36 @@ TEST_F(Comm2Hw, WaitsTwiceAsLongForACheckAndForADiscovery) {
     EXPECT_EQ(Text(Serial.Comm2HW(frame)), "TME");
     EXPECT_EQ(Bus.Reads(), 300'000);
   }
+}
+
+TEST_F(Comm2Hw, OffersTheProcessorEarlyAndSeldom) {
+  const GiveWayRecord record(Bus);
+  Bus.ExpectFrame(kFrame);
+  Serial.Comm2HW(kFrame);
+  EXPECT_EQ(record.YieldReads, (std::vector<long>{16, 64, 256, 1024}));
+}
+
+TEST_F(Comm2Hw, SleepsAsLongAsItReadsAMillisecondAtATime) {
+  const GiveWayRecord record(Bus);
+  Bus.ExpectFrame(kFrame);
+  const double begin = ProcessorMicroseconds();
+  Serial.Comm2HW(kFrame);
+  const double read_for = ProcessorMicroseconds() - begin;
+
+  const auto& sleeps = record.Microseconds;
+  const double slept = std::accumulate(sleeps.begin(), sleeps.end(), 0.0);
+  EXPECT_GT(slept, 0.9 * read_for);
+  EXPECT_LE(slept, read_for);
+  EXPECT_GT(static_cast<double>(sleeps.size()), 0.3 * read_for / 1000);
+  EXPECT_LE(static_cast<double>(sleeps.size()), read_for / 1000);
+}
+
+TEST_F(Comm2Hw, APromptReplyCostsNeitherAnOfferNorASleep) {
+  const GiveWayRecord record(Bus);
+  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK")).AtRead(16);
+  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  EXPECT_EQ(record.YieldReads, std::vector<long>());
+  EXPECT_EQ(record.Microseconds, std::vector<unsigned>());
 }
 
 TEST_F(Comm2Hw, TheReadBeforeTheLastStillBringsAReply) {

@@ -1,0 +1,25 @@
+// Writes down where the code under test leaves the processor to others while it waits
+// for a reply. It neither yields nor sleeps meanwhile, so that no test depends on what
+// else the machine does. One at a time.
+#pragma once
+
+#include <vector>
+
+#include "support/MockBus.h"
+
+class GiveWayRecord {
+ public:
+  explicit GiveWayRecord(const MockBus& bus);
+  ~GiveWayRecord();
+  GiveWayRecord(const GiveWayRecord&) = delete;
+  GiveWayRecord& operator=(const GiveWayRecord&) = delete;
+
+  std::vector<long> YieldReads;        // how many reads came before each yield
+  std::vector<unsigned> Microseconds;  // of each sleep
+
+  void Yield() { YieldReads.push_back(Bus.Reads()); }
+  void Sleep(unsigned microseconds) { Microseconds.push_back(microseconds); }
+
+ private:
+  const MockBus& Bus;
+};
