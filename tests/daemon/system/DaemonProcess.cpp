@@ -43,8 +43,6 @@ void SetLimits() {
 void SetEnvironment(const LaunchOptions& options) {
   const std::string system_path = "/usr/bin:/bin";
   setenv("PATH", (options.quick ? QUICK_FOLDER ":" + system_path : system_path).c_str(), 1);
-  setenv("LD_PRELOAD", (fs::path(Binary()).parent_path() / "libfair_yield.so").c_str(), 1);
-  setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
   setenv("TSAN_OPTIONS", "atexit_sleep_ms=100", 1);
   for (const auto& [name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
 }
