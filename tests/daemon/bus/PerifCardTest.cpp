@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "support/Bytes.h"
-#include "support/Helper.h"
+#include "kit/Helper.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The rounds: which frame goes when, the polls, and the link that is lost.
 #include "support/SerialTest.h"
-#include "support/SleepControl.h"
+#include "kit/SleepControl.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The administration commands that act on the daemon and on the bus as a whole.
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/QelmTest.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Where the master loop leads what it finds in the queues.
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/QelmTest.h"
 
 namespace {

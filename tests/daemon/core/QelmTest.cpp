@@ -12,7 +12,7 @@
 #include "runtime/Queue.h"
 #include "runtime/Shared.h"
 #include "support/Client.h"
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/TempLog.h"
 
 namespace {

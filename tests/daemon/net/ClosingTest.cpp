@@ -4,7 +4,7 @@
 #include <random>
 
 #include "runtime/Pause.h"
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/ReadHook.h"
 #include "support/Sanitizers.h"
 #include "support/SocketTest.h"

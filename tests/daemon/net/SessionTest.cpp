@@ -6,7 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/SocketTest.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 
 TEST(EventClass, IsCreated) { EXPECT_TRUE(CEventClass().IsCreated()); }
 

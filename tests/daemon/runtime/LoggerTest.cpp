@@ -5,7 +5,7 @@
 #include <ctime>
 #include <filesystem>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/LastLine.h"
 #include "support/TempLog.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 
 namespace {
 

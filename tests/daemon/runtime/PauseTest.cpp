@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "support/SleepControl.h"
-#include "support/TempDir.h"
+#include "kit/SleepControl.h"
+#include "kit/TempDir.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/Bytes.h"
-#include "support/Helper.h"
+#include "kit/Helper.h"
 
 TEST(Queue, ANewOneIsEmptyAndGivesAnEmptyList) {
   QEQUEUE queue;

@@ -10,7 +10,7 @@
 #include <array>
 #include <cerrno>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <barrier>
 
 #include "runtime/Thread.h"
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/Sanitizers.h"
 #include "support/Wait.h"
 

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <vector>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 #include "support/Wait.h"
 
 namespace {

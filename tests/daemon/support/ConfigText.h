@@ -5,7 +5,7 @@
 #include <string>
 
 #include "config/ConfigFile.h"
-#include "support/TempDir.h"
+#include "kit/TempDir.h"
 
 // The whole text of the file.
 inline CONFIG_DESCRIPTOR ReadText(const std::string& text) {

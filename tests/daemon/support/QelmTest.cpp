@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "support/Helper.h"
+#include "kit/Helper.h"
 
 QelmTest::QelmTest() : Qelm(LOGGER(), &Signal) {
   Qelm.Logger = Log.Logger();

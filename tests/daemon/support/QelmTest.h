@@ -13,7 +13,7 @@
 #include "net/SocketInterface.h"
 #include "runtime/Shared.h"
 #include "support/Bytes.h"
-#include "support/SleepControl.h"
+#include "kit/SleepControl.h"
 #include "support/TempLog.h"
 
 using Texts = std::vector<std::string>;

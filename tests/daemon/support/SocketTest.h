@@ -11,7 +11,7 @@
 #include "runtime/Shared.h"
 #include "support/Bytes.h"
 #include "support/Client.h"
-#include "support/SleepControl.h"
+#include "kit/SleepControl.h"
 #include "support/TempLog.h"
 
 using Texts = std::vector<std::string>;

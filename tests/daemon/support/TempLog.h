@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "runtime/Logger.h"
-#include "support/TempDir.h"
+#include "kit/TempDir.h"
 #include "support/Wait.h"
 
 class TempLog {

@@ -13,7 +13,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "Wait.h"
+#include "kit/Wait.h"
 
 namespace {
 

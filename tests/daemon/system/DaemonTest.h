@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "Client.h"
+#include "kit/Client.h"
 #include "DaemonProcess.h"
 #include "FakeAdapter.h"
-#include "Place.h"
-#include "Wait.h"
+#include "kit/Place.h"
+#include "kit/Wait.h"
 
 enum Port { kCae = 5001, kIo = 5002, kMon = 5003 };
 

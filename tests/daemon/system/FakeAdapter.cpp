@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "Wait.h"
+#include "kit/Wait.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "Place.h"
+#include "kit/Place.h"
 
 using Bytes = std::vector<std::uint8_t>;
 

@@ -1,4 +1,4 @@
-#include "Client.h"
+#include "kit/Client.h"
 
 #include <arpa/inet.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "support/SleepControl.h"
+#include "kit/SleepControl.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

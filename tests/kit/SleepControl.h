@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TempDir.h"
+#include "kit/TempDir.h"
 
 // Writes down the argument of every sleep while it lives.
 class SleepRecord {

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "Place.h"
-#include "Wait.h"
+#include "kit/Place.h"
+#include "kit/Wait.h"
 
 class Client {
  public:
