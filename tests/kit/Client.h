@@ -1,20 +1,20 @@
-// A TCP client of the daemon on the loopback interface.
+// A TCP client in the words of the tests. What does not go as expected is a failure where
+// the test called, and throws nothing.
 #pragma once
 
 #include <string>
 #include <string_view>
 
 #include "kit/Place.h"
-#include "kit/Wait.h"
+#include "kit/Stream.h"
 
-class Client {
+class Client : public Stream {
  public:
   Client() = default;
   // Connects as soon as the port listens. `local_port` 0 lets the system choose.
   explicit Client(int port, int local_port = 0, const char* host = "127.0.0.1");
-  ~Client();
-  Client(Client&& other) noexcept;
-  Client& operator=(Client&& other) noexcept;
+  // Connects, or is not open.
+  static Client Try(int port) { return Client(Stream::ToPort(port)); }
 
   void Send(std::string_view bytes, Place place = Place::current());
   // The next bytes are exactly these.
@@ -32,19 +32,6 @@ class Client {
   // Nothing has come that was not asked for.
   void ExpectSilence(Place place = Place::current());
 
-  void HalfClose();
-  void Close();
-  void Reset();  // closes with a reset instead of an orderly end
-
  private:
-  bool ReadMore(std::chrono::milliseconds bound = kPatience);
-
-  int socket_ = -1;
-  std::string unread_;
+  explicit Client(Stream&& stream) : Stream(std::move(stream)) {}
 };
-
-// True while the port refuses connections.
-bool Refuses(int port);
-
-// True when the daemon has read all that clients sent to the port.
-bool AllIsRead(int port);

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "support/Wait.h"
+#include "kit/Wait.h"
 
 namespace {
 
@@ -16,20 +16,22 @@ constexpr const char* kGateVariable = "QELM_TEST_SLEEP_GATE";
 
 }  // namespace
 
-SleepRecord::SleepRecord() { setenv(kRecordVariable, Dir.Path("record").c_str(), 1); }
+std::string WithShortSleep(const std::string& path) { return SHORT_SLEEP_FOLDER ":" + path; }
+
+SleepRecord::SleepRecord() { setenv(kRecordVariable, dir_.Path("record").c_str(), 1); }
 
 SleepRecord::~SleepRecord() { unsetenv(kRecordVariable); }
 
 std::vector<std::string> SleepRecord::Seconds() const {
-  std::ifstream file(Dir.Path("record"));
+  std::ifstream file(dir_.Path("record"));
   std::vector<std::string> seconds;
   for (std::string line; std::getline(file, line);) seconds.push_back(line);
   return seconds;
 }
 
 SleepGate::SleepGate() {
-  mkfifo(Dir.Path("gate").c_str(), 0600);
-  setenv(kGateVariable, Dir.Path("gate").c_str(), 1);
+  mkfifo(dir_.Path("gate").c_str(), 0600);
+  setenv(kGateVariable, dir_.Path("gate").c_str(), 1);
 }
 
 SleepGate::~SleepGate() { unsetenv(kGateVariable); }
@@ -38,7 +40,7 @@ SleepGate::~SleepGate() { unsetenv(kGateVariable); }
 bool SleepGate::Open() {
   int gate = -1;
   const bool opened = WaitUntil([&] {
-    gate = open(Dir.Path("gate").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    gate = open(dir_.Path("gate").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     return gate >= 0;
   });
   if (opened) close(gate);

@@ -1,11 +1,14 @@
-// What becomes of the `sleep` that the code under test runs from PATH: the tests'
-// own program stands ahead of the system's and shortens every pause five hundred times.
+// What becomes of the `sleep` that the code under test runs from PATH: the tests' own
+// program (sleep.cpp) stands ahead of the system's and shortens every pause.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "kit/TempDir.h"
+
+// The PATH with that program ahead.
+std::string WithShortSleep(const std::string& path);
 
 // Writes down the argument of every sleep while it lives.
 class SleepRecord {
@@ -18,7 +21,7 @@ class SleepRecord {
   std::vector<std::string> Seconds() const;
 
  private:
-  TempDir Dir;
+  TempDir dir_;
 };
 
 // Makes every sleep last until the test ends it: what has to happen during a pause
@@ -34,5 +37,5 @@ class SleepGate {
   bool Open();
 
  private:
-  TempDir Dir;
+  TempDir dir_;
 };

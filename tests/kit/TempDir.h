@@ -4,19 +4,31 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <system_error>
+
+#include "kit/Files.h"
 
 class TempDir {
  public:
-  TempDir() {
-    std::string name = std::filesystem::temp_directory_path() / "qelm-test-XXXXXX";
-    Folder = mkdtemp(name.data());
+  TempDir() : folder_(std::filesystem::temp_directory_path() / "qelm-test-XXXXXX") {
+    if (mkdtemp(folder_.data()) == nullptr)
+      throw std::system_error(errno, std::generic_category(), folder_);
   }
-  ~TempDir() { std::filesystem::remove_all(Folder); }
+  ~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
   TempDir(const TempDir&) = delete;
   TempDir& operator=(const TempDir&) = delete;
 
-  std::string Path(const std::string& name) const { return Folder + "/" + name; }
+  std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+
+  // Writes a file, and gives its path.
+  std::string Write(const std::string& name, const std::string& text) const {
+    WriteFile(Path(name), text);
+    return Path(name);
+  }
 
  private:
-  std::string Folder;
+  std::string folder_;
 };

@@ -34,12 +34,6 @@ constexpr Fault kFaults[] = {
 
 constexpr int kWrites = 20;
 
-std::string Hex(int byte) {
-  char text[3];
-  std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(byte) & 0xFFU);
-  return text;
-}
-
 // REAL_PACE=1: as in the field, without shortened waits. Each case then prints its row
 // of docs/design/faults.md.
 bool AtRealPace() { return std::getenv("REAL_PACE") != nullptr; }

@@ -13,12 +13,6 @@ constexpr int kAnalogueCard = 9;   // behind two cards of keys
 constexpr int kLastValue = 0x3F;   // what a key card can hold
 constexpr long kWriteValues = 255;
 
-std::string Hex(long byte) {
-  char text[3];
-  std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(byte) & 0xFFU);
-  return text;
-}
-
 const char* KindOf(int address) {
   if (address < kDigitalInputs) return "digital-input";
   return address == kAnalogueCard ? "analogue-input" : "keys";

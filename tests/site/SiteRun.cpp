@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "SiteLoad.h"
+#include "kit/Proc.h"
 
 namespace {
 
@@ -23,9 +24,8 @@ class SiteRun : public SiteLoad {
   }
 
   void PrintMemory(const char* when) {
-    const std::string of_bus = ReadFile("/proc/" + std::to_string(bus->Pid()) + "/status");
     std::printf("resident at the %s: qelm %ld KiB, qelm-bus %ld KiB\n", when,
-                daemon.ResidentKilobytes(), std::atol(&of_bus[of_bus.find("VmRSS:") + 6]));
+                daemon.ResidentKilobytes(), ResidentKilobytesOf(bus->Pid()));
     std::fflush(stdout);
   }
 

@@ -47,6 +47,6 @@ class SiteTest : public DaemonTest {
   std::unique_ptr<virtualbus::Program> bus;
 
  private:
-  virtualbus::TempFolder folder_;
+  TempDir folder_;
   std::unique_ptr<virtualbus::Script> script_;
 };

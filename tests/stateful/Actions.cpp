@@ -16,12 +16,6 @@ std::string OneOf(Random& random, const std::array<const char*, N>& choices) {
   return choices[Below(random, N)];
 }
 
-std::string Hex(std::size_t byte) {
-  char text[3];
-  std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(byte) & 0xFFU);
-  return text;
-}
-
 std::string Nothing(Random&) { return ""; }
 
 // A command to an output card, and where its value stands in the data of its frame.

@@ -35,12 +35,6 @@ std::vector<int> DataBytes(const std::string& hex) {
   return bytes;
 }
 
-std::string Hex(int byte) {
-  char text[3];
-  std::snprintf(text, sizeof text, "%02X", static_cast<unsigned>(byte) & 0xFFU);
-  return text;
-}
-
 }  // namespace
 
 std::vector<std::string> Words(const std::string& text) {
@@ -65,7 +59,7 @@ void Stateful::Begin() {
   owed_on_cae_ = false;
   WriteConfig({.percent = "100", .poll = "TRUE"});
   StartBus(options);
-  StartDaemonOnBus(std::size(kCards), {.environment = {{"QUICK_SLEEP_DIVISOR", "1000"}}});
+  StartDaemonOnBus(std::size(kCards), {.environment = {{"QELM_TEST_SLEEP_DIVISOR", "1000"}}});
   cae_up_ = true;
   IoConnect("");
   MonConnect("");

@@ -1,4 +1,4 @@
-// stateful_run [--seed N] [--actions N] [--script FILE] [--shrink SECONDS]
+// stateful_tests [--seed N] [--actions N] [--script FILE] [--shrink SECONDS]
 // Runs random actions, or those of a file. A run that fails is cut down to a short
 // script, which is printed and can be given back.
 #include <algorithm>

@@ -20,7 +20,7 @@ class BusFile : public testing::Test {
   }
   Bytes Ask(const Bytes& request) { return adapter_.Answer(request); }
 
-  TempFolder folder_;
+  TempDir folder_;
   std::string path_;
   BusAdapter adapter_;
 };

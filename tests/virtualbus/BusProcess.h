@@ -1,50 +1,23 @@
 // A running qelm-bus with a host's end of its line and a script's end of its control socket.
-// Every wait is for a condition and has a bound of ten seconds.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "base/Text.h"
+#include "kit/Files.h"
+#include "kit/Stream.h"
+#include "kit/TempDir.h"
 
 namespace virtualbus {
-
-constexpr std::chrono::seconds kBound{10};
-
-// Looks again and again until the condition holds; false when it never did.
-template <typename Condition>
-bool WaitUntil(Condition condition) {
-  const auto end = std::chrono::steady_clock::now() + kBound;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > end) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-  return true;
-}
-
-// A directory of its own, gone afterwards.
-class TempFolder {
- public:
-  TempFolder();
-  ~TempFolder();
-  std::string Path(const std::string& name) const { return (folder_ / name).string(); }
-  std::string Write(const std::string& name, const std::string& text) const;  // gives the path
-  static std::string Read(const std::string& path);
-
- private:
-  std::filesystem::path folder_;
-};
 
 // A program started with its output in files.
 class Program {
  public:
-  Program(const TempFolder& folder, std::vector<std::string> arguments);
+  Program(const TempDir& folder, std::vector<std::string> arguments);
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
@@ -53,8 +26,8 @@ class Program {
   int WaitForExit();  // its status, -1 for a signal
   void Signal(int number) const;
   pid_t Pid() const { return pid_; }
-  std::string Output() const { return TempFolder::Read(out_); }
-  std::string Errors() const { return TempFolder::Read(err_); }
+  std::string Output() const { return ReadFile(out_); }
+  std::string Errors() const { return ReadFile(err_); }
 
  private:
   std::string out_;
@@ -66,36 +39,29 @@ class Program {
 // The host's end of the line.
 class Host {
  public:
-  explicit Host(const std::string& device);
-  ~Host();
-  Host(const Host&) = delete;
-  Host& operator=(const Host&) = delete;
+  explicit Host(const std::string& device) : line_(Stream::ToDevice(device)) {}
 
-  void SendRaw(const Bytes& bytes) const;
-  void Send(const Bytes& payload) const;  // with its length byte in front
-  Bytes Receive(size_t count) const;      // that many bytes as they come
-  Bytes ReceiveReply() const;             // one frame, without its length byte
-  Bytes Ask(const Bytes& payload) const;
+  void SendRaw(const Bytes& bytes);
+  void Send(const Bytes& payload);  // with its length byte in front
+  Bytes Receive(size_t count);      // that many bytes as they come
+  Bytes ReceiveReply();             // one frame, without its length byte
+  Bytes Ask(const Bytes& payload);
 
  private:
-  int fd_;
+  Stream line_;
 };
 
 // The script's end of the control socket.
 class Script {
  public:
-  explicit Script(const std::string& path);
-  ~Script();
-  Script(const Script&) = delete;
-  Script& operator=(const Script&) = delete;
+  explicit Script(const std::string& path) : socket_(Stream::ToPath(path)) {}
 
-  void Send(const std::string& text) const;
+  void Send(const std::string& text) { socket_.Send(text); }
   std::string Answer();                       // up to and with the "ok" or "error" line
   std::string Tell(const std::string& line);  // without the last line feed
 
  private:
-  int fd_;
-  std::string received_;
+  Stream socket_;
 };
 
 class BusTest : public testing::Test {
@@ -106,7 +72,7 @@ class BusTest : public testing::Test {
   std::string Tell(const std::string& line) { return script_->Tell(line); }
   void ExpectOutput(const std::string& text) const;  // sooner or later
 
-  TempFolder folder_;
+  TempDir folder_;
   std::unique_ptr<Program> bus_;
   std::unique_ptr<Host> host_;
   std::unique_ptr<Script> script_;

@@ -44,7 +44,7 @@ TEST_F(Link, GoesOnInterruptAndHangUpToo) {
 TEST_F(Link, AFileInItsPlaceIsLeftAlone) {
   const std::string path = folder_.Write("taken", "mine");
   EXPECT_EQ(Refusal({"--link", path}), "qelm-bus: " + path + " exists and is not ours\n");
-  EXPECT_EQ(TempFolder::Read(path), "mine");
+  EXPECT_EQ(ReadFile(path), "mine");
 }
 
 TEST_F(Link, AnotherLinkInItsPlaceIsLeftAlone) {
@@ -85,7 +85,7 @@ TEST_F(Link, ACableIsNotPluggedOverAnothersLink) {
   EXPECT_EQ(Tell("cable pull"), "ok");
   const std::string path = folder_.Write("ttyUSB0", "mine");
   EXPECT_EQ(Tell("cable plug"), "error: " + path + " exists and is not ours");
-  EXPECT_EQ(TempFolder::Read(path), "mine");
+  EXPECT_EQ(ReadFile(path), "mine");
   std::filesystem::remove(path);
   EXPECT_EQ(Tell("cable plug"), "ok");
 }

@@ -32,7 +32,7 @@ TEST(Options, WhatMakesNoSenseIsOneLineAndStatusTwo) {
       {{"--do", "wait frame 10"}, "\"wait frame 10\": nothing to wait for yet"},
   };
   for (const BadStart& bad : bad_starts) {
-    const TempFolder folder;
+    const TempDir folder;
     Program program(folder, bad.arguments);
     EXPECT_EQ(program.WaitForExit(), 2) << bad.says;
     EXPECT_EQ(program.Errors(), "qelm-bus: " + bad.says + "\n");
@@ -40,7 +40,7 @@ TEST(Options, WhatMakesNoSenseIsOneLineAndStatusTwo) {
 }
 
 TEST(Options, HelpNamesEveryOptionAndKind) {
-  const TempFolder folder;
+  const TempDir folder;
   Program program(folder, {"--help"});
   EXPECT_EQ(program.WaitForExit(), 0);
   const std::string help = program.Output();

@@ -92,7 +92,7 @@ TEST(Plain, AReaderThatStopsLosesLinesAndHoldsUpNothing) {
                      static_cast<size_t>(read(ends[0], buffer.data(), buffer.size())));
     if (read_back.ends_with(" lines dropped\n")) loop.Stop();
   });
-  loop.After(kBound, [&] { loop.Stop(); });
+  loop.After(kPatience, [&] { loop.Stop(); });
   loop.Run();
   const auto lines = std::count(read_back.begin(), read_back.end(), '\n') - 1;
   EXPECT_NE(read_back.find("# " + std::to_string(10000 - lines) + " lines dropped"),

@@ -72,7 +72,7 @@ TEST_F(Replay, ARecordingIsALinePerFrameWithItsTime) {
   host_->Send({0x30});
   Tell("quit");
   bus_->WaitForExit();
-  std::istringstream recording(TempFolder::Read(file));
+  std::istringstream recording(ReadFile(file));
   std::string lines;
   double before = 0.0;
   for (std::string line; std::getline(recording, line);) {
@@ -92,7 +92,7 @@ TEST_F(Replay, ARecordingIsNeverWrittenOver) {
   Program program(folder_, {"--record", file});
   EXPECT_EQ(program.WaitForExit(), 2);
   EXPECT_EQ(program.Errors(), "qelm-bus: cannot record to " + file + ": File exists\n");
-  EXPECT_EQ(TempFolder::Read(file), "mine");
+  EXPECT_EQ(ReadFile(file), "mine");
 }
 
 class Replaying : public testing::Test {
@@ -107,7 +107,7 @@ class Replaying : public testing::Test {
     return reply ? Hex(*reply) : "silence";
   }
 
-  TempFolder folder_;
+  TempDir folder_;
   Replayer replayer_;
   const Time start_ = Clock::now();
 };

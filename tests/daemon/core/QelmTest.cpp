@@ -11,8 +11,9 @@
 #include "net/SocketInterface.h"
 #include "runtime/Queue.h"
 #include "runtime/Shared.h"
-#include "support/Client.h"
+#include "kit/Client.h"
 #include "kit/Helper.h"
+#include "kit/Ports.h"
 #include "support/TempLog.h"
 
 namespace {
@@ -106,21 +107,19 @@ TEST_F(Qelm, IsTornDownAsItsThreadsBegin) {
 
 TEST_F(Qelm, IsTornDownWhileClientsAreServed) {
   Object->InitInterfaces();
-  const Client cae(Object->Config.CaeDescriptor.Port);
-  const Client io(Object->Config.IoDescriptor.Port);
-  const std::string io_greeting = "QELM IO interface is ready\r\n\r";
-  const std::string cae_greeting = "QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r";
-  EXPECT_EQ(io.Receive(io_greeting.size()), io_greeting);
-  EXPECT_EQ(cae.Receive(cae_greeting.size()), cae_greeting);
+  Client cae(Object->Config.CaeDescriptor.Port);
+  Client io(Object->Config.IoDescriptor.Port);
+  io.ExpectBytes("QELM IO interface is ready\r\n\r");
+  cae.ExpectBytes("QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r");
   std::atomic<bool> is_over{false};
   Helper typing([&] {
-    while (!is_over) io.Send("a0b0d00\r\n");
+    while (!is_over) io.TrySend("a0b0d00\r\n");
   });
   Object.reset();
   is_over = true;
   typing.Join();
-  EXPECT_TRUE(io.IsDropped());
-  EXPECT_TRUE(cae.IsDropped());
+  io.ExpectClosed();
+  cae.ExpectClosed();
 }
 
 TEST_F(Qelm, AnswersOnCaeWithItsSeparator) {

@@ -18,7 +18,7 @@ class Closing : public SocketTest {
   // The port is closed now, listens after two passes and serves a client.
   void ExpectComesBack(int passes = 2) {
     EXPECT_EQ(State(), 4);
-    EXPECT_FALSE(Client(Port()).IsConnected());
+    EXPECT_TRUE(Refuses(Port()));
     for (int i = 0; i < passes; ++i) {
       EXPECT_EQ(State(), 4);
       Pass();
@@ -33,9 +33,9 @@ class Closing : public SocketTest {
 
 TEST_F(Closing, EndsASession) {
   Build("IO").Init();
-  const auto client = ServedClient();
+  Client client = ServedClient();
   Interface->CloseByCommand();
-  EXPECT_TRUE(client->IsDropped());
+  client.ExpectClosed();
   EXPECT_EQ(Log.Lines().back(), kClosedByCommand);
   EXPECT_EQ(Interface->RetryCount, 0);
   ExpectComesBack();
@@ -44,9 +44,9 @@ TEST_F(Closing, EndsASession) {
 
 TEST_F(Closing, InsideAPassLeavesWhatIsQueuedToTheNextClient) {
   Build("IO").Init();
-  const auto client = ServedClient();
+  Client client = ServedClient();
   Interface->OutQueue->ToQueue(TextBytes("left"));
-  client->Send("x");
+  client.Send("x");
   ASSERT_TRUE(WaitUntil([&] {
     int waiting = 0;
     ioctl(Interface->ClientSocket.Number(), FIONREAD, &waiting);
@@ -96,10 +96,10 @@ TEST_F(Closing, WakesAPassThatWaitsForAClient) {
 
 TEST_F(Closing, AClientAcceptedMeanwhileIsDropped) {
   Build("IO").Init();
-  const Client client(Port());
+  Client client(Port());
   Interface->Descriptor.State = 2;
   Interface->CloseByCommand();
-  EXPECT_TRUE(client.IsDropped());
+  client.ExpectClosed();
   ExpectComesBack();
 }
 
@@ -114,7 +114,7 @@ TEST_F(Closing, AListeningSocketThatIsGoneIsOpenedAgain) {
 
 TEST_F(Closing, OpensNoPortWhoseNumberSomebodyElseHas) {
   Build("IO").Init();
-  const auto client = ServedClient();
+  Client client = ServedClient();
   const int number = Interface->ClientSocket.Number();
   Interface->CloseByCommand();
   const int other = dup(STDERR_FILENO);
@@ -129,7 +129,7 @@ TEST_F(Closing, OpensNoPortWhoseNumberSomebodyElseHas) {
 // A child of another thread holds it until its program begins.
 TEST_F(Closing, FreesAPortWhoseSocketSomebodyElseStillHolds) {
   Build("IO").Init();
-  ServedClient().reset();
+  ServedClient().Close();
   const int other = dup(Interface->ListenSocket.Number());
   Pass();
   ExpectComesBack(1);
@@ -146,11 +146,11 @@ TEST_F(Closing, HaltEndsAThreadThatWaitsForAClient) {
 
 TEST_F(Closing, HaltEndsAThreadThatServes) {
   BuildRunning("IO").Init();
-  const Client client(Port());
+  Client client(Port());
   ASSERT_TRUE(WaitUntil([&] { return State() == 3; }));
   Interface->Halt();
   EXPECT_EQ(Interface->ThreadState(), 2);
-  EXPECT_TRUE(client.Receive(29).size() <= 29 && client.IsDropped());
+  client.ExpectClosed();
 }
 
 TEST_F(Closing, HaltEndsAThreadThatWasNeverStarted) {
@@ -164,8 +164,8 @@ TEST_F(Closing, AtAnyMomentNeverLeavesThePortDead) {
   std::atomic<bool> is_over{false};
   Helper clients([&] {
     for (int i = 0; !is_over; ++i) {
-      const Client client(Port());
-      if (client.IsConnected() && i % 2 == 0) client.Receive(29);
+      Client client = Client::Try(Port());
+      if (client.IsOpen() && i % 2 == 0) client.IsServed();
       Sleep(5'000);
     }
   });
@@ -179,7 +179,7 @@ TEST_F(Closing, AtAnyMomentNeverLeavesThePortDead) {
   clients.Join();
   EXPECT_EQ(Log.Count(kClosedByCommand), count);
   EXPECT_TRUE(WaitUntil([&] {
-    const Client client(Port());
-    return client.IsConnected() && client.Receive(29).find("ready") != std::string::npos;
+    Client client = Client::Try(Port());
+    return client.IsOpen() && client.IsServed() && client.Sees(kGreeting);
   }));
 }

@@ -35,7 +35,7 @@ TEST_F(Session, InitListens) {
   EXPECT_EQ(State(), 1);
   EXPECT_EQ(Log.Lines(), Texts{"[INF] CAE interface listening on port " + PortText()});
   EXPECT_NE(fcntl(Interface->ListenSocket.Number(), F_GETFD) & FD_CLOEXEC, 0);
-  EXPECT_TRUE(Client(Port()).IsConnected());
+  EXPECT_FALSE(Refuses(Port()));
 }
 
 TEST_F(Session, APortThatIsTakenIsLoggedAndListenedOnElsewhere) {
@@ -75,12 +75,12 @@ TEST_F(Session, GreetsItsClientThreeSecondsAfterListening) {
         Case{"MON", "QELM MON interface is ready\r\n\r"}}) {
     Build(c.name);
     Interface->Init();
-    const Client client(Port());
+    Client client(Port());
     Pass();
-    EXPECT_EQ(client.Receive(c.greeting.size()), c.greeting);
+    client.ExpectBytes(c.greeting);
     EXPECT_EQ(State(), 3);
     Pass();
-    EXPECT_TRUE(client.HasNothing());
+    client.ExpectSilence();
   }
   EXPECT_EQ(Sleeps.Seconds(), (Texts{"3", "3", "3"}));
 }
@@ -88,17 +88,17 @@ TEST_F(Session, GreetsItsClientThreeSecondsAfterListening) {
 TEST_F(Session, AnotherNameHasNoGreeting) {
   Build("SPARE");
   Interface->Init();
-  const Client client(Port());
+  Client client(Port());
   Pass();
   EXPECT_EQ(State(), 3);
   EXPECT_TRUE(Interface->OutQueue->IsEmpty());
-  EXPECT_TRUE(client.HasNothing());
+  client.ExpectSilence();
 }
 
 TEST_F(Session, LogsTheClientWithThePortsBytesSwapped) {
   Build("IO");
   Interface->Init();
-  const Client client(Port());
+  Client client(Port());
   Pass();
   const int port = client.LocalPort();
   const int swapped = port % 256 * 256 + port / 256;
@@ -111,7 +111,7 @@ TEST_F(Session, LogsTheClientWithThePortsBytesSwapped) {
 TEST_F(Session, AClientsSocketIsPromptAndStaysWithTheDaemon) {
   Build("IO");
   Interface->Init();
-  const auto client = ServedClient();
+  Client client = ServedClient();
   const int fd = Interface->ClientSocket.Number();
   EXPECT_NE(OptionOf(fd, IPPROTO_TCP, TCP_NODELAY), 0);
   EXPECT_NE(fcntl(fd, F_GETFD) & FD_CLOEXEC, 0);
@@ -121,17 +121,17 @@ TEST_F(Session, WhatWaitedGoesOutAheadOfTheGreeting) {
   Build("IO");
   Interface->Init();
   Interface->OutQueue->ToQueue(TextBytes("left"));
-  const Client client(Port());
+  Client client(Port());
   Pass();
-  EXPECT_EQ(client.Receive(5), "left\r");
+  client.ExpectBytes("left\r");
   Pass();
-  EXPECT_EQ(client.Receive(29), "QELM IO interface is ready\r\n\r");
+  client.ExpectBytes(kGreeting);
 }
 
 TEST_F(Session, AClientThatLeavesClosesThePort) {
   Build("IO");
   Interface->Init();
-  ServedClient().reset();
+  ServedClient().Close();
   ASSERT_TRUE(WaitUntil([&] {
     if (State() == 3) Pass();
     return State() == 4;
@@ -139,13 +139,13 @@ TEST_F(Session, AClientThatLeavesClosesThePort) {
   EXPECT_EQ(Log.Lines().back(), "[INF] connection is closed by client on IO interface");
   EXPECT_FALSE(Interface->ClientSocket.IsOpen());
   EXPECT_FALSE(Interface->ListenSocket.IsOpen());
-  EXPECT_FALSE(Client(Port()).IsConnected());
+  EXPECT_TRUE(Refuses(Port()));
 }
 
 TEST_F(Session, ListensAgainOnTheSecondClosedPass) {
   Build("IO");
   Interface->Init();
-  ServedClient().reset();
+  ServedClient().Close();
   ASSERT_TRUE(WaitUntil([&] {
     if (State() == 3) Pass();
     return State() == 4;
@@ -177,17 +177,16 @@ TEST_F(Session, AClosedPortThatDoesNotOpenIsTriedOnEveryPass) {
 TEST_F(Session, ASecondClientIsNotServedAndDroppedAtTheClose) {
   Build("IO");
   Interface->Init();
-  auto first = ServedClient();
-  const Client second(Port());
-  ASSERT_TRUE(second.IsConnected());
+  Client first = ServedClient();
+  Client second(Port());
   Pass();
-  EXPECT_TRUE(second.HasNothing());
-  first.reset();
+  second.ExpectSilence();
+  first.Close();
   ASSERT_TRUE(WaitUntil([&] {
     if (State() == 3) Pass();
     return State() == 4;
   }));
-  EXPECT_TRUE(second.IsDropped());
+  second.ExpectClosed();
 }
 
 TEST_F(Session, LogsASignal) {
@@ -209,8 +208,8 @@ TEST_F(Session, RunsByItselfFromListeningToListeningAgain) {
   BuildRunning("IO").Init();
   for (int i = 0; i < 3; ++i) {
     ASSERT_TRUE(WaitUntil([&] {
-      const Client client(Port());
-      return client.IsConnected() && client.Receive(29) == "QELM IO interface is ready\r\n\r";
+      Client client = Client::Try(Port());
+      return client.IsOpen() && client.IsServed() && client.Sees(kGreeting);
     }));
   }
   EXPECT_GE(Log.Count("[INF] connection is closed by client on IO interface"), 2);

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/Thread.h"
-#include "support/Wait.h"
+#include "kit/Wait.h"
 
 namespace {
 

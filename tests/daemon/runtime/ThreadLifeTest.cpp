@@ -8,7 +8,7 @@
 #include "runtime/Thread.h"
 #include "kit/Helper.h"
 #include "support/Sanitizers.h"
-#include "support/Wait.h"
+#include "kit/Wait.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "kit/Helper.h"
-#include "support/Wait.h"
+#include "kit/Wait.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 // Reads a configuration that the test writes down.
 #pragma once
 
-#include <fstream>
 #include <string>
 
 #include "config/ConfigFile.h"
@@ -10,8 +9,7 @@
 // The whole text of the file.
 inline CONFIG_DESCRIPTOR ReadText(const std::string& text) {
   const TempDir dir;
-  std::ofstream(dir.Path("conf.xml")) << text;
-  return ReadConfigFile(dir.Path("conf.xml").c_str());
+  return ReadConfigFile(dir.Write("conf.xml", text).c_str());
 }
 
 // The elements inside the document element.

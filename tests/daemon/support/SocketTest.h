@@ -7,14 +7,18 @@
 #include <string>
 #include <vector>
 
+#include "kit/Client.h"
+#include "kit/Ports.h"
+#include "kit/SleepControl.h"
 #include "net/SocketInterface.h"
 #include "runtime/Shared.h"
 #include "support/Bytes.h"
-#include "support/Client.h"
-#include "kit/SleepControl.h"
 #include "support/TempLog.h"
 
 using Texts = std::vector<std::string>;
+
+// Of the interface that is called IO.
+inline constexpr char kGreeting[] = "QELM IO interface is ready\r\n\r";
 
 class SocketTest : public testing::Test {
  protected:
@@ -40,12 +44,11 @@ class SocketTest : public testing::Test {
   std::string PortText() const { return std::to_string(Port()); }
 
   // A client that has been accepted and has read its greeting.
-  std::unique_ptr<Client> ServedClient() {
-    auto client = std::make_unique<Client>(Port());
-    EXPECT_TRUE(client->IsConnected());
+  Client ServedClient() {
+    Client client(Port());
     Pass();
     EXPECT_EQ(State(), 3);
-    EXPECT_EQ(client->Receive(29), "QELM IO interface is ready\r\n\r");
+    client.ExpectBytes(kGreeting);
     return client;
   }
 

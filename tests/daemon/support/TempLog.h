@@ -8,7 +8,7 @@
 
 #include "runtime/Logger.h"
 #include "kit/TempDir.h"
-#include "support/Wait.h"
+#include "kit/Wait.h"
 
 class TempLog {
  public:

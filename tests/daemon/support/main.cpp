@@ -12,11 +12,14 @@
 #include <cstring>
 #include <string>
 
+#include "kit/SleepControl.h"
+
 namespace {
 
 void PutToolsAheadOnPath() {
   const char* path = std::getenv("PATH");
-  setenv("PATH", (std::string(TOOLS_FOLDER) + ":" + (path != nullptr ? path : "")).c_str(), 1);
+  const std::string with_ls = std::string(TOOLS_FOLDER) + ":" + (path != nullptr ? path : "");
+  setenv("PATH", WithShortSleep(with_ls).c_str(), 1);
 }
 
 // Ports that nobody else can take, and that nobody outside can reach.

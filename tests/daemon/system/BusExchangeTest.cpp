@@ -178,7 +178,7 @@ TEST_F(BusExchange, WithoutAutoDiscoverALinkIsOpenedWithoutAsking) {
 TEST_F(BusExchange, PollsOfAClosedLinkPileUpTo64) {
   WriteConfig({.poll = "TRUE"});
   PlugCard(3, kDigitalInput);
-  StartOnBus({.environment = {{"QUICK_SLEEP_DIVISOR", "1000"}}});
+  StartOnBus({.environment = {{"QELM_TEST_SLEEP_DIVISOR", "1000"}}});
   adapter.Pull();
   ExpectLog("ERR", "ttyUSB devices couldn't be found", 80);
   Command("DISABLEPOLL", "CIA: GLOBAL POLLING IS DISABLED\r\n\r");

@@ -10,14 +10,13 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
+#include "kit/Files.h"
+#include "kit/Proc.h"
+#include "kit/SleepControl.h"
 #include "kit/Wait.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // The daemon built beside these tests, or one for another machine, which an emulator runs.
 std::string Binary() {
@@ -42,7 +41,9 @@ void SetLimits() {
 
 void SetEnvironment(const LaunchOptions& options) {
   const std::string system_path = "/usr/bin:/bin";
-  setenv("PATH", (options.quick ? QUICK_FOLDER ":" + system_path : system_path).c_str(), 1);
+  setenv("PATH", (options.quick ? WithShortSleep(system_path) : system_path).c_str(), 1);
+  setenv("QELM_TEST_SLEEP_DIVISOR", "20", 1);
+  setenv("QELM_TEST_SLEEP_ANSWER", "400", 1);
   setenv("TSAN_OPTIONS", "atexit_sleep_ms=100", 1);
   for (const auto& [name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
 }
@@ -68,19 +69,6 @@ void SetDescriptors(int extra) {
   command.push_back(nullptr);
   execv(binary.c_str(), command.data());
   _exit(127);
-}
-
-std::vector<pid_t> ChildrenOf(pid_t parent) {
-  std::vector<pid_t> children;
-  std::error_code gone;
-  for (const auto& entry : fs::directory_iterator("/proc", gone)) {
-    const pid_t pid = std::atoi(entry.path().filename().c_str());
-    const std::string stat = pid > 0 ? ReadFile(entry.path() / "stat") : "";
-    const std::size_t name_end = stat.rfind(") ");
-    if (name_end == std::string::npos) continue;
-    if (std::atoi(stat.c_str() + name_end + 4) == parent) children.push_back(pid);
-  }
-  return children;
 }
 
 }  // namespace
@@ -132,7 +120,7 @@ bool DaemonProcess::Running() const {
 }
 
 std::string DaemonProcess::Proc(const std::string& name) const {
-  return ReadFile("/proc/" + std::to_string(pid_) + "/" + name);
+  return ReadFile(ProcPath(pid_, name));
 }
 
 std::vector<std::string> DaemonProcess::Descriptors() const { return DescriptorsOf(pid_); }
@@ -144,40 +132,8 @@ bool DaemonProcess::Instrumented() const {
   return false;
 }
 
-int DaemonProcess::Threads() const {
-  int count = 0;
-  for (const auto& task : fs::directory_iterator("/proc/" + std::to_string(pid_) + "/task")) {
-    count += task.is_directory() ? 1 : 0;
-  }
-  return count;
-}
+int DaemonProcess::Threads() const { return ThreadsOf(pid_); }
 
-long DaemonProcess::ResidentKilobytes() const {
-  std::istringstream status(Proc("status"));
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmRSS:")) return std::atol(line.c_str() + 6);
-  }
-  return 0;
-}
+long DaemonProcess::ResidentKilobytes() const { return ResidentKilobytesOf(pid_); }
 
 std::vector<pid_t> DaemonProcess::Children() const { return ChildrenOf(pid_); }
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  content << file.rdbuf();
-  return content.str();
-}
-
-void WriteFile(const std::string& path, const std::string& content) {
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
-}
-
-std::vector<std::string> DescriptorsOf(pid_t pid) {
-  std::vector<std::string> targets;
-  std::error_code gone;
-  for (const auto& entry : fs::directory_iterator("/proc/" + std::to_string(pid) + "/fd", gone)) {
-    targets.push_back(fs::read_symlink(entry.path(), gone).string());
-  }
-  return targets;
-}

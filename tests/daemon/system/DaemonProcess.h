@@ -1,4 +1,4 @@
-// The daemon as a process: its launch, its end, and what /proc tells of it.
+// The daemon as a process: its launch, its end, and what /proc says of it.
 // The test program is a subreaper, so that the detached daemon becomes its
 // child and its exit status can be read.
 #pragma once
@@ -46,7 +46,3 @@ class DaemonProcess {
 inline constexpr char kPidFile[] = "/run/qelm/qelm.pid";
 inline constexpr char kStdout[] = "/run/test/stdout";
 inline constexpr char kStderr[] = "/run/test/stderr";
-
-std::string ReadFile(const std::string& path);
-void WriteFile(const std::string& path, const std::string& content);
-std::vector<std::string> DescriptorsOf(pid_t pid);

@@ -17,8 +17,6 @@ std::string Entry(const std::string& name, Port port, const std::string& input,
          output + "\" Port=\"" + std::to_string(port) + "\"/>\n";
 }
 
-std::string Digit(int address) { return std::string(1, "0123456789ABCDEF"[address]); }
-
 }  // namespace
 
 DaemonTest::DaemonTest() { WriteConfig({}); }
@@ -66,7 +64,7 @@ void DaemonTest::WriteConfig(const ConfigFile& config) {
 
 void DaemonTest::PlugCard(int address, std::uint8_t type) {
   adapter.PlugCard(address, type);
-  plugged_ += Digit(address);
+  plugged_ += Hex(address, 1);
 }
 
 void DaemonTest::StartDaemon(const LaunchOptions& options, Place place) {

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "kit/Client.h"
 #include "DaemonProcess.h"
 #include "FakeAdapter.h"
-#include "kit/Place.h"
-#include "kit/Wait.h"
+#include "kit/Client.h"
+#include "kit/Files.h"
+#include "kit/Ports.h"
 
 enum Port { kCae = 5001, kIo = 5002, kMon = 5003 };
 

@@ -27,7 +27,7 @@ void Endurance::UseAndReset(Port port, const char* name, int session) {
 void Endurance::UseAndResetSessions(int count) {
   WriteConfig({.poll = "TRUE"});
   PlugCard(3, kDigitalInput);
-  StartOnBus({.environment = {{"QUICK_SLEEP_DIVISOR", "1000"}}});
+  StartOnBus({.environment = {{"QELM_TEST_SLEEP_DIVISOR", "1000"}}});
   cae.Reset();
   ExpectLog("INF", "connection is closed by client on CAE interface");
   const auto session = [this](int number) {

@@ -7,7 +7,7 @@ TEST_F(Endurance, FiveHundredStartsBringEveryThreadUp) {
   adapter.Plug();
   for (int start = 0; start < 500 && !HasFailure(); ++start) {
     std::filesystem::remove(kLogFile);
-    StartDaemon({.environment = {{"QUICK_SLEEP_DIVISOR", "1000"}}});
+    StartDaemon({.environment = {{"QELM_TEST_SLEEP_DIVISOR", "1000"}}});
     for (const char* name : {"CAE", "IO", "MON"}) {
       ExpectLog("INF", std::string(name) + " interface is waiting for incoming connection");
     }

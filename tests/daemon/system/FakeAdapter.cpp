@@ -19,16 +19,6 @@ bool BeginsWith(const Bytes& frame, const Bytes& prefix) {
   return frame.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), frame.begin());
 }
 
-std::string Hex(const Bytes& bytes) {
-  std::string text;
-  char digits[4];
-  for (std::uint8_t byte : bytes) {
-    std::snprintf(digits, sizeof digits, "%02X ", unsigned{byte});
-    text += digits;
-  }
-  return text.empty() ? "nothing" : text;
-}
-
 }  // namespace
 
 Reply Silence() { return {}; }

@@ -13,9 +13,8 @@
 #include <thread>
 #include <vector>
 
+#include "kit/Bytes.h"
 #include "kit/Place.h"
-
-using Bytes = std::vector<std::uint8_t>;
 
 enum CardKind : std::uint8_t {
   kEmpty = 0x00,

@@ -119,8 +119,7 @@ TEST_F(MasterLoop, IoLinesKeepTheirOrder) {
   std::vector<Bytes> frames;
   // As many as fit one read, should the daemon find them all at once.
   for (std::uint8_t value = 0; value < 28; ++value) {
-    const std::string digits = {"0123456789ABCDEF"[value / 16], "0123456789ABCDEF"[value % 16]};
-    io.Send("a2b0d" + digits + "\r\n");
+    io.Send("a2b0d" + Hex(value) + "\r\n");
     frames.push_back({0x10, 2, 2, value, 0xFF});
   }
   adapter.ExpectFrames(frames);

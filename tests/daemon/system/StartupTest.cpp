@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "DaemonTest.h"
+#include "kit/Proc.h"
 
 namespace {
 
@@ -49,11 +50,11 @@ TEST_F(Startup, LaunchReturnsAndTheDaemonRunsInASessionOfItsOwn) {
 TEST_F(Startup, FolderAndStandardDescriptorsStayAsTheyWere) {
   StartDaemon();
   ExpectLog("INF", "qelm is started");
-  const std::string proc = "/proc/" + std::to_string(daemon.Pid());
-  EXPECT_EQ(fs::read_symlink(proc + "/cwd"), fs::current_path());
-  EXPECT_EQ(fs::read_symlink(proc + "/fd/0"), "/dev/null");
-  EXPECT_EQ(fs::read_symlink(proc + "/fd/1"), kStdout);
-  EXPECT_EQ(fs::read_symlink(proc + "/fd/2"), kStderr);
+  const std::string proc = ProcPath(daemon.Pid());
+  EXPECT_EQ(fs::read_symlink(proc + "cwd"), fs::current_path());
+  EXPECT_EQ(fs::read_symlink(proc + "fd/0"), "/dev/null");
+  EXPECT_EQ(fs::read_symlink(proc + "fd/1"), kStdout);
+  EXPECT_EQ(fs::read_symlink(proc + "fd/2"), kStderr);
 }
 
 TEST_F(Startup, PidFileHoldsTheDecimalPidAndNothingElse) {
@@ -174,7 +175,7 @@ TEST_F(Startup, EveryDescriptorIsClosedInTheChildren) {
   const auto three_waits = [&] {
     children = daemon.Children();
     std::erase_if(children, [](pid_t child) {
-      return ReadFile("/proc/" + std::to_string(child) + "/comm") == "qelm\n";
+      return ReadFile(ProcPath(child, "comm")) == "qelm\n";
     });
     return children.size() >= 3;
   };
