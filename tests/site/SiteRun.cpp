@@ -15,11 +15,11 @@ class SiteRun : public SiteLoad {
  protected:
   // Each write must come to the adapter, in order, also those that noise takes there.
   void WatchWrites(virtualbus::Script& script) {
-    for (long write = 0; !over_ || write < writes; ++write) {
-      while (write >= writes && !over_) std::this_thread::sleep_for(kPause);
+    for (long write = 0; !over || write < writes; ++write) {
+      while (write >= writes && !over) std::this_thread::sleep_for(kPause);
       if (write >= writes) return;
       if (script.Tell("wait frame 10 0A 02 " + ValueOf(write) + " within 9s") != "ok")
-        ++unseen_writes_;
+        ++unseen_writes;
     }
   }
 
@@ -29,8 +29,8 @@ class SiteRun : public SiteLoad {
     std::fflush(stdout);
   }
 
-  std::atomic<bool> over_ = false;
-  long unseen_writes_ = 0;
+  std::atomic<bool> over = false;
+  long unseen_writes = 0;
 };
 
 }  // namespace
@@ -45,17 +45,17 @@ TEST_F(SiteRun, LosesNothing) {
     std::jthread watcher([&] { WatchWrites(script); });
     RunLoad(std::stod(Argument(1, "20")), [](long) {});
     Bus("noise 0%");
-    over_ = true;
+    over = true;
     EndLoad();
   }
   PrintMemory("end");
   std::printf("%s", Bus("status").c_str());
   PrintReports();
   std::printf("outputs: %ld writes, %ld never came to the adapter, %d lost on the line there\n",
-              writes.load(), unseen_writes_, WritesLostOnTheLine("A"));
+              writes.load(), unseen_writes, WritesLostOnTheLine("A"));
   std::printf("link: %d exchanges timed out, opened again %d times\n", ExchangeTimeouts(),
               CountLogged("[INF] hardware found on /dev/ttyUSB0 version: v1.2") - 1);
   ExpectGoodReports();
-  EXPECT_EQ(unseen_writes_, 0);
+  EXPECT_EQ(unseen_writes, 0);
   EXPECT_LE(WritesLostOnTheLine("A"), ExchangeTimeouts());
 }

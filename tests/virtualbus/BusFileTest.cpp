@@ -10,19 +10,21 @@ namespace {
 class BusFile : public testing::Test {
  protected:
   Problem Read(const std::string& text) {
-    path_ = folder_.Write("bus.xml", text);
-    return ReadBusFile(path_, adapter_);
+    path_ = folder.Write("bus.xml", text);
+    return ReadBusFile(path_, adapter);
   }
   void ExpectProblem(const std::string& text, int line, const std::string& what) {
-    adapter_ = BusAdapter();
+    adapter = BusAdapter();
     const Problem problem = Read(text);
     EXPECT_EQ(problem, path_ + ":" + std::to_string(line) + ": " + what);
   }
-  Bytes Ask(const Bytes& request) { return adapter_.Answer(request); }
+  Bytes Ask(const Bytes& request) { return adapter.Answer(request); }
 
-  TempDir folder_;
+  TempDir folder;
+  BusAdapter adapter;
+
+ private:
   std::string path_;
-  BusAdapter adapter_;
 };
 
 TEST_F(BusFile, PlugsItsCards) {
@@ -46,8 +48,8 @@ TEST_F(BusFile, GivesStartValues) {
             "");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x03, 0x40, 0x80}));
   EXPECT_EQ(Ask({0x20, 0x0F, 0x06}), (Bytes{0x21, 0x0F, 0x00, 0x20, 0x30, 0x40, 0x50, 0x60}));
-  EXPECT_EQ(adapter_.Present(0x0)->Show()[0], "Positions 01 02 03 04 05 06");
-  EXPECT_EQ(adapter_.Present(0xE)->Show()[0], "Row0 \"Good morning        \"");
+  EXPECT_EQ(adapter.Present(0x0)->Show()[0], "Positions 01 02 03 04 05 06");
+  EXPECT_EQ(adapter.Present(0xE)->Show()[0], "Row0 \"Good morning        \"");
 }
 
 TEST_F(BusFile, ACardBootsWithWhatIsStored) {
@@ -58,7 +60,7 @@ TEST_F(BusFile, ACardBootsWithWhatIsStored) {
 </QELMBus>)"),
             "");
   EXPECT_EQ(Ask({0x50, 0x04, 0x40, 0x02}), (Bytes{0x51, 0x04, 0x02, 0x02}));
-  EXPECT_EQ(adapter_.Present(0xE)->Show()[0], "Row0 \"                    \"");
+  EXPECT_EQ(adapter.Present(0xE)->Show()[0], "Row0 \"                    \"");
   EXPECT_EQ(Ask({0x50, 0x0F, 0x40, 0x01}), (Bytes{0x51, 0x0F, 0x01, 0x3F}));
   EXPECT_EQ(Ask({0x50, 0x0F, 0x01, 0xAB}), (Bytes{0x51, 0x0F, 0xAB, 0x00}));
   EXPECT_EQ(Ask({0x50, 0x0F, 0x40, 0x01}), (Bytes{0x51, 0x0F, 0x01, 0x02}));
@@ -100,16 +102,16 @@ TEST_F(BusFile, AFaultIsNamedWithItsLine) {
 }
 
 TEST_F(BusFile, WhatCannotBeReadIsNamed) {
-  EXPECT_EQ(ReadBusFile(folder_.Path("none"), adapter_), folder_.Path("none") + ": cannot be read");
-  EXPECT_EQ(ReadBusFile(folder_.Path(""), adapter_), folder_.Path("") + ": is empty or a folder");
+  EXPECT_EQ(ReadBusFile(folder.Path("none"), adapter), folder.Path("none") + ": cannot be read");
+  EXPECT_EQ(ReadBusFile(folder.Path(""), adapter), folder.Path("") + ": is empty or a folder");
 }
 
 TEST_F(BusFile, AFaultEndsTheStart) {
-  const std::string path = folder_.Write("bus.xml", "<QELMBus>\n<Card/></QELMBus>");
-  Program program(folder_, {"--bus", path, "--link", folder_.Path("link")});
+  const std::string path = folder.Write("bus.xml", "<QELMBus>\n<Card/></QELMBus>");
+  Program program(folder, {"--bus", path, "--link", folder.Path("link")});
   EXPECT_EQ(program.WaitForExit(), 2);
   EXPECT_EQ(program.Errors(), "qelm-bus: " + path + ":2: Address \"\" is not one digit, 0 to F\n");
-  EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(folder_.Path("link"))));
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(folder.Path("link"))));
 }
 
 }  // namespace

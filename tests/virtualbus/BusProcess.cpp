@@ -85,20 +85,20 @@ std::string Script::Tell(const std::string& line) {
 }
 
 void BusTest::Start(std::vector<std::string> arguments) {
-  const std::string link = folder_.Path("ttyUSB0");
-  const std::string control = folder_.Path("control");
+  const std::string link = folder.Path("ttyUSB0");
+  const std::string control = folder.Path("control");
   arguments.insert(arguments.begin(), {"--link", link, "--control", control});
-  bus_ = std::make_unique<Program>(folder_, arguments);
-  ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(link) || !bus_->IsRunning(); }));
-  ASSERT_TRUE(bus_->IsRunning()) << bus_->Errors();
-  host_ = std::make_unique<Host>(link);
-  script_ = std::make_unique<Script>(control);
+  bus = std::make_unique<Program>(folder, arguments);
+  ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(link) || !bus->IsRunning(); }));
+  ASSERT_TRUE(bus->IsRunning()) << bus->Errors();
+  host = std::make_unique<Host>(link);
+  script = std::make_unique<Script>(control);
 }
 
 void BusTest::ExpectOutput(const std::string& text) const {
-  EXPECT_TRUE(WaitUntil([&] { return bus_->Output().find(text) != std::string::npos; }))
+  EXPECT_TRUE(WaitUntil([&] { return bus->Output().find(text) != std::string::npos; }))
       << text << "\nis not in\n"
-      << bus_->Output();
+      << bus->Output();
 }
 
 }  // namespace virtualbus

@@ -68,14 +68,14 @@ class BusTest : public testing::Test {
  protected:
   // Starts it with a link and a control socket, and waits until both can be used.
   void Start(std::vector<std::string> arguments = {});
-  Bytes Ask(const Bytes& payload) const { return host_->Ask(payload); }
-  std::string Tell(const std::string& line) { return script_->Tell(line); }
+  Bytes Ask(const Bytes& payload) const { return host->Ask(payload); }
+  std::string Tell(const std::string& line) { return script->Tell(line); }
   void ExpectOutput(const std::string& text) const;  // sooner or later
 
-  TempDir folder_;
-  std::unique_ptr<Program> bus_;
-  std::unique_ptr<Host> host_;
-  std::unique_ptr<Script> script_;
+  TempDir folder;
+  std::unique_ptr<Program> bus;
+  std::unique_ptr<Host> host;
+  std::unique_ptr<Script> script;
 };
 
 }  // namespace virtualbus

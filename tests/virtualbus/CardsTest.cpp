@@ -19,9 +19,9 @@ const Bytes kAcknowledgement{0x06};
 // One card at address 2.
 class CardTest : public testing::Test {
  protected:
-  explicit CardTest(const char* kind) { adapter_.Insert(2, *FindKind(kind)); }
+  explicit CardTest(const char* kind) { adapter.Insert(2, *FindKind(kind)); }
 
-  Bytes Ask(const Bytes& request) { return adapter_.Answer(request); }
+  Bytes Ask(const Bytes& request) { return adapter.Answer(request); }
   void Write(const Bytes& data) {
     Bytes request{0x10, 0x02, static_cast<uint8_t>(data.size())};
     std::ranges::copy(data, std::back_inserter(request));
@@ -37,7 +37,7 @@ class CardTest : public testing::Test {
     EXPECT_EQ(Ask({0x50, 0x02, 0x40, number}), (Bytes{0x51, 0x02, number, value}));
   }
   void Reboot() { Trigger(0xAB); }
-  Card& TheCard() { return *adapter_.Present(2); }
+  Card& TheCard() { return *adapter.Present(2); }
   template <typename Kind>
   Kind& As() {
     return static_cast<Kind&>(TheCard());
@@ -47,7 +47,7 @@ class CardTest : public testing::Test {
     EXPECT_TRUE(std::ranges::find(lines, line) != lines.end()) << line;
   }
 
-  BusAdapter adapter_;
+  BusAdapter adapter;
 };
 
 struct DigitalOutputCard : CardTest {

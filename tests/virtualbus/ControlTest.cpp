@@ -108,21 +108,21 @@ TEST_F(Control, AWaitIsAnsweredByAFrameThatCame) {
 
 TEST_F(Control, AWaitIsAnsweredByAFrameYetToCome) {
   Start();
-  script_->Send("wait frame 10 05 02 .. FB\nshow 5\n");
+  script->Send("wait frame 10 05 02 .. FB\nshow 5\n");
   EXPECT_EQ(Ask({0x10, 0x05, 0x02, 0xFF, 0xFA}), Bytes{0x06});
   EXPECT_EQ(Ask({0x10, 0x05, 0x02, 0xFE, 0xFB}), Bytes{0x06});
-  EXPECT_EQ(script_->Answer(), "ok");
-  EXPECT_EQ(script_->Answer(), "card 5 digital-output\n  Lines FE FB\nok")
+  EXPECT_EQ(script->Answer(), "ok");
+  EXPECT_EQ(script->Answer(), "card 5 digital-output\n  Lines FE FB\nok")
       << "who waited sees what the frame did";
 }
 
 TEST_F(Control, ScriptsDoNotDisturbEachOther) {
   Start();
-  Script waiting(folder_.Path("control"));
+  Script waiting(folder.Path("control"));
   waiting.Send("wait frame 99\n");
   EXPECT_EQ(Tell("set 3 0 01"), "ok");
   {
-    Script gone(folder_.Path("control"));
+    Script gone(folder.Path("control"));
     gone.Send("wait frame 99\nset 3 0 FF\n");
   }
   EXPECT_EQ(Ask({0x99}), Bytes{0x4E});
@@ -135,7 +135,7 @@ TEST_F(Control, StatusCounts) {
   Ask({0x30});
   Ask({0x99});
   EXPECT_EQ(Tell("drop next 1"), "ok");
-  host_->Send({0x30});
+  host->Send({0x30});
   EXPECT_EQ(Tell("wait frame 30"), "ok") << "the one that was answered";
   EXPECT_EQ(Tell("wait frame 30"), "ok") << "the one that was lost";
   EXPECT_EQ(Tell("split 2"), "ok");
@@ -157,7 +157,7 @@ TEST_F(Control, HelpHasALineForEveryCommand) {
 TEST_F(Control, QuitEndsTheProgram) {
   Start();
   EXPECT_EQ(Tell("quit"), "ok");
-  EXPECT_EQ(bus_->WaitForExit(), 0);
+  EXPECT_EQ(bus->WaitForExit(), 0);
 }
 
 TEST_F(Control, BlankLinesAreOkAndBlanksDoNotMatter) {
@@ -169,7 +169,7 @@ TEST_F(Control, BlankLinesAreOkAndBlanksDoNotMatter) {
 
 TEST_F(Control, ALineWithoutEndIsGivenUp) {
   Start();
-  Script endless(folder_.Path("control"));
+  Script endless(folder.Path("control"));
   endless.Send(std::string(5000, 'x'));
   EXPECT_EQ(endless.Answer(), "error: the line is too long");
   EXPECT_EQ(Tell("mark"), "ok");

@@ -12,8 +12,8 @@ const Bytes kPollReply{0x21, 0x03, 0x00, 0x00};
 class LineFaults : public BusTest {
  protected:
   void Plug() { Start({"--card", "3=digital-input", "--card", "5=digital-output"}); }
-  void Poll() { host_->Send({0x20, 0x03, 0x02}); }
-  void Write() { host_->Send({0x10, 0x05, 0x02, 0x00, 0x00}); }
+  void Poll() { host->Send({0x20, 0x03, 0x02}); }
+  void Write() { host->Send({0x10, 0x05, 0x02, 0x00, 0x00}); }
   // What stands between here and there is not answered: the next reply is to a frame of its own.
   void ExpectNothingWaiting() { EXPECT_EQ(Ask({0x99}), Bytes{0x4E}); }
 };
@@ -40,7 +40,7 @@ TEST_F(LineFaults, AMutedLineHearsNothingForAWhile) {
     Poll();
     return Tell("status").find("replies 2") != std::string::npos;
   }));
-  EXPECT_EQ(host_->ReceiveReply(), kPollReply);
+  EXPECT_EQ(host->ReceiveReply(), kPollReply);
 }
 
 TEST_F(LineFaults, LateRepliesComeWholeAfterTheirDelay) {
@@ -52,7 +52,7 @@ TEST_F(LineFaults, LateRepliesComeWholeAfterTheirDelay) {
   Poll();
   EXPECT_EQ(Tell("late 0ms"), "ok");
   EXPECT_EQ(Ask({0x99}), kPollReply) << "a later reply does not overtake";
-  EXPECT_EQ(host_->ReceiveReply(), Bytes{0x4E});
+  EXPECT_EQ(host->ReceiveReply(), Bytes{0x4E});
 }
 
 TEST_F(LineFaults, SplitRepliesComeInPieces) {
@@ -69,9 +69,9 @@ TEST_F(LineFaults, AWrongLengthIsOneTooHigh) {
   Plug();
   EXPECT_EQ(Tell("wrong-length"), "ok");
   Poll();
-  EXPECT_EQ(host_->Receive(5), (Bytes{0x05, 0x21, 0x03, 0x00, 0x00}));
+  EXPECT_EQ(host->Receive(5), (Bytes{0x05, 0x21, 0x03, 0x00, 0x00}));
   Poll();
-  EXPECT_EQ(host_->Receive(5), (Bytes{0x04, 0x21, 0x03, 0x00, 0x00}));
+  EXPECT_EQ(host->Receive(5), (Bytes{0x04, 0x21, 0x03, 0x00, 0x00}));
 }
 
 TEST_F(LineFaults, AWrongAddressIsTheNextOne) {
@@ -88,11 +88,11 @@ TEST_F(LineFaults, GarbageComesAtOnceAndTheSameForASeed) {
   for (int run = 0; run < 2; ++run) {
     Start({"--seed", "7"});
     EXPECT_EQ(Tell("garbage 20"), "ok");
-    const Bytes garbage = host_->Receive(20);
+    const Bytes garbage = host->Receive(20);
     if (run == 0) first = garbage;
     EXPECT_EQ(garbage, first);
     EXPECT_EQ(Tell("quit"), "ok");
-    bus_->WaitForExit();
+    bus->WaitForExit();
   }
 }
 

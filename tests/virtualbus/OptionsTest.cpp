@@ -61,7 +61,7 @@ TEST_F(OptionsTaken, TheCardsNamedAreTheOnlyOnes) {
 
 TEST_F(OptionsTaken, CardsNamedComeOnTopOfTheBusFile) {
   const std::string file =
-      folder_.Write("bus.xml", R"(<QELMBus><Card Address="2" Kind="lcd"/></QELMBus>)");
+      folder.Write("bus.xml", R"(<QELMBus><Card Address="2" Kind="lcd"/></QELMBus>)");
   Start({"--card", "1=servo", "--bus", file});
   EXPECT_EQ(Ask({0x30}), (Bytes{0x31, 0, 0x05, 0x09, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }

@@ -16,7 +16,7 @@ class PlainOutput : public BusTest {
   // The lines without their times.
   std::string Lines() const {
     std::string text;
-    std::istringstream output(bus_->Output());
+    std::istringstream output(bus->Output());
     for (std::string line; std::getline(output, line);) text += line.substr(13) + '\n';
     return text;
   }
@@ -71,7 +71,7 @@ TEST_F(PlainOutput, TellsAPollOnlyWhenItsAnswerIsNew) {
 TEST_F(PlainOutput, SaysWhatAFaultDid) {
   Start({"--card", "3=digital-input", "--plain"});
   Tell("drop next 1");
-  host_->Send({0x20, 0x03, 0x02});
+  host->Send({0x20, 0x03, 0x02});
   Tell("wrong-address");
   Ask({0x20, 0x03, 0x02});
   ExpectOutput("# frame lost: dropped\n");

@@ -19,9 +19,9 @@ class Replay : public BusTest {
       if (line.empty() || line[0] == '#') continue;
       const std::string rest = line.substr(2);
       if (line[0] == '>') {
-        host_->Send(*ParseBytes(SplitWords(rest)));
+        host->Send(*ParseBytes(SplitWords(rest)));
       } else if (rest != "nothing") {
-        EXPECT_EQ(Hex(host_->ReceiveReply()), rest) << session;
+        EXPECT_EQ(Hex(host->ReceiveReply()), rest) << session;
       }
     }
     ExpectNothingMore();
@@ -37,14 +37,14 @@ TEST_F(Replay, GivesEverySessionItsReplies) {
     recording.replace_extension(".recording");
     Start({"--replay", recording.string(), "--fast"});
     Play(entry.path());
-    bus_.reset();
+    bus.reset();
     ++sessions;
   }
   EXPECT_GE(sessions, 3);
 }
 
 TEST_F(Replay, GivesBackWhatWasRecorded) {
-  const std::string file = folder_.Path("recording");
+  const std::string file = folder.Path("recording");
   std::vector<Bytes> questions;
   for (int i = 0; i < 3; ++i) questions.push_back({0x20, 0x03, 0x02});
   questions.push_back({0x30});
@@ -57,7 +57,7 @@ TEST_F(Replay, GivesBackWhatWasRecorded) {
     replies.push_back(Ask(question));
     Tell("set 3 0 " + std::to_string(10 + replies.size()));
   }
-  bus_.reset();
+  bus.reset();
 
   Start({"--replay", file, "--fast"});
   for (size_t i = 0; i < questions.size(); ++i) EXPECT_EQ(Ask(questions[i]), replies[i]) << i;
@@ -65,13 +65,13 @@ TEST_F(Replay, GivesBackWhatWasRecorded) {
 }
 
 TEST_F(Replay, ARecordingIsALinePerFrameWithItsTime) {
-  const std::string file = folder_.Path("recording");
+  const std::string file = folder.Path("recording");
   Start({"--record", file, "--card", "3=digital-input"});
   Ask({0x20, 0x03, 0x02});
   Tell("drop next 1");
-  host_->Send({0x30});
+  host->Send({0x30});
   Tell("quit");
-  bus_->WaitForExit();
+  bus->WaitForExit();
   std::istringstream recording(ReadFile(file));
   std::string lines;
   double before = 0.0;
@@ -88,8 +88,8 @@ TEST_F(Replay, ARecordingIsALinePerFrameWithItsTime) {
 }
 
 TEST_F(Replay, ARecordingIsNeverWrittenOver) {
-  const std::string file = folder_.Write("recording", "mine");
-  Program program(folder_, {"--record", file});
+  const std::string file = folder.Write("recording", "mine");
+  Program program(folder, {"--record", file});
   EXPECT_EQ(program.WaitForExit(), 2);
   EXPECT_EQ(program.Errors(), "qelm-bus: cannot record to " + file + ": File exists\n");
   EXPECT_EQ(ReadFile(file), "mine");
@@ -98,18 +98,18 @@ TEST_F(Replay, ARecordingIsNeverWrittenOver) {
 class Replaying : public testing::Test {
  protected:
   void Load(const std::string& text, bool fast) {
-    ASSERT_EQ(replayer_.Load(folder_.Write("recording", text), fast), "");
+    ASSERT_EQ(replayer.Load(folder.Write("recording", text), fast), "");
   }
   std::string AskAt(double seconds, const Bytes& request) {
-    const auto time = start_ + std::chrono::duration_cast<Clock::duration>(
-                                   std::chrono::duration<double>(seconds));
-    const auto reply = replayer_.Answer(request, time);
+    const auto time =
+        start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    const auto reply = replayer.Answer(request, time);
     return reply ? Hex(*reply) : "silence";
   }
 
-  TempDir folder_;
-  Replayer replayer_;
-  const Time start_ = Clock::now();
+  TempDir folder;
+  Replayer replayer;
+  const Time start = Clock::now();
 };
 
 const std::string kRecording =
@@ -170,10 +170,10 @@ TEST_F(Replaying, AFaultIsNamedWithItsLine) {
       {"1.0\n", ":1: " + meant},
   };
   for (const auto& [text, problem] : bad) {
-    const std::string path = folder_.Write("recording", text);
+    const std::string path = folder.Write("recording", text);
     EXPECT_EQ(Replayer().Load(path, true), path + problem) << text;
   }
-  EXPECT_EQ(Replayer().Load(folder_.Path(""), true), folder_.Path("") + ": cannot be read");
+  EXPECT_EQ(Replayer().Load(folder.Path(""), true), folder.Path("") + ": cannot be read");
 }
 
 }  // namespace

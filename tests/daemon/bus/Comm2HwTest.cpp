@@ -7,7 +7,7 @@
 
 namespace {
 
-const QList kFrame = Bytes({0x10, 0x05, 0x02, 0xFF, 0xFB});
+const QList kFrame = List({0x10, 0x05, 0x02, 0xFF, 0xFB});
 
 class Comm2Hw : public SerialTest {
  protected:
@@ -21,7 +21,7 @@ QList Counted(int count) {
 }
 
 QList OnWire(const QList& payload) {
-  QList wire = Bytes({static_cast<int>(payload.size())});
+  QList wire = List({static_cast<int>(payload.size())});
   wire.insert(wire.end(), payload.begin(), payload.end());
   return wire;
 }
@@ -36,75 +36,75 @@ double ProcessorMicroseconds() {
 }  // namespace
 
 TEST_F(Comm2Hw, SendsTheLengthInFrontAndGivesBackThePayload) {
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
-  EXPECT_EQ(Bus.Reads(), 1);
-  EXPECT_EQ(Serial.AwaitingReply, 0);
-  EXPECT_EQ(Serial.RxCount, 3);
+  bus.ExpectFrame(kFrame).Reply(List("OK"));
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
+  EXPECT_EQ(bus.Reads(), 1);
+  EXPECT_EQ(serial.AwaitingReply, 0);
+  EXPECT_EQ(serial.RxCount, 3);
 }
 
 TEST_F(Comm2Hw, ZeroBytesAreData) {
-  Bus.ExpectFrame(Bytes({0x00, 0x00})).Reply(Bytes({0x21, 0x00, 0x00, 0x07}));
-  EXPECT_EQ(Serial.Comm2HW(Bytes({0x00, 0x00})), Bytes({0x21, 0x00, 0x00, 0x07}));
+  bus.ExpectFrame(List({0x00, 0x00})).Reply(List({0x21, 0x00, 0x00, 0x07}));
+  EXPECT_EQ(serial.Comm2HW(List({0x00, 0x00})), List({0x21, 0x00, 0x00, 0x07}));
 }
 
-TEST_F(Comm2Hw, SendsNothingForAnEmptyFrame) { EXPECT_EQ(Text(Serial.Comm2HW({})), "LCE"); }
+TEST_F(Comm2Hw, SendsNothingForAnEmptyFrame) { EXPECT_EQ(Text(serial.Comm2HW({})), "LCE"); }
 
 TEST_F(Comm2Hw, DiscardsStaleInputFirst) {
-  Bus.Send(TextBytes("\x03late"));
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  bus.Send(List("\x03late"));
+  bus.ExpectFrame(kFrame).Reply(List("OK"));
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
 }
 
 TEST_F(Comm2Hw, AnEmptyFrameDiscardsStaleInputToo) {
-  Bus.Send(TextBytes("\x03late"));
-  Serial.Comm2HW({});
-  Bus.Send(OnWire(TextBytes("mine")));
-  Serial.Comm2HW({});
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  bus.Send(List("\x03late"));
+  serial.Comm2HW({});
+  bus.Send(OnWire(List("mine")));
+  serial.Comm2HW({});
+  bus.ExpectFrame(kFrame).Reply(List("OK"));
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
 }
 
 TEST_F(Comm2Hw, DiscardsNoMoreThan255Bytes) {
-  Bus.Send(QList(255, 'x'));
-  Bus.Send(Bytes({0x02, 'l', 'o'}));
-  Bus.ExpectFrame(kFrame);
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "lo");
+  bus.Send(QList(255, 'x'));
+  bus.Send(List({0x02, 'l', 'o'}));
+  bus.ExpectFrame(kFrame);
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "lo");
 }
 
 TEST_F(Comm2Hw, AReplyMayComeInPieces) {
-  Bus.ExpectFrame(kFrame).Pieces({Bytes({0x04}), TextBytes("a"), TextBytes("bc"), TextBytes("d")});
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "abcd");
-  EXPECT_EQ(Bus.Reads(), 4);
+  bus.ExpectFrame(kFrame).Pieces({List({0x04}), List("a"), List("bc"), List("d")});
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "abcd");
+  EXPECT_EQ(bus.Reads(), 4);
 }
 
 TEST_F(Comm2Hw, AnIncompleteReplyIsATimeout) {
-  Bus.ExpectFrame(kFrame).Pieces({Bytes({0x04}), TextBytes("abc")});
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
-  EXPECT_EQ(Serial.AwaitingReply, 1);
+  bus.ExpectFrame(kFrame).Pieces({List({0x04}), List("abc")});
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "TME");
+  EXPECT_EQ(serial.AwaitingReply, 1);
 }
 
 TEST_F(Comm2Hw, AReplyOfNoBytesIsEmpty) {
-  Bus.ExpectFrame(kFrame).Pieces({Bytes({0x00})});
-  EXPECT_EQ(Serial.Comm2HW(kFrame), QList());
+  bus.ExpectFrame(kFrame).Pieces({List({0x00})});
+  EXPECT_EQ(serial.Comm2HW(kFrame), QList());
 }
 
 TEST_F(Comm2Hw, BytesBehindTheReplyAreNotPartOfIt) {
-  Bus.ExpectFrame(kFrame).Pieces({TextBytes("\x02OKmore")});
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  bus.ExpectFrame(kFrame).Pieces({List("\x02OKmore")});
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
 }
 
 TEST_F(Comm2Hw, WaitsFor150000Reads) {
-  Bus.ExpectFrame(kFrame);
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
-  EXPECT_EQ(Bus.Reads(), 150'000);
+  bus.ExpectFrame(kFrame);
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "TME");
+  EXPECT_EQ(bus.Reads(), 150'000);
 }
 
 TEST_F(Comm2Hw, WaitsTwiceAsLongForACheckAndForADiscovery) {
-  for (const QList& frame : {Bytes({0x40, 0x6F, 0x9A}), Bytes({0x30})}) {
-    Bus.ExpectFrame(frame);
-    EXPECT_EQ(Text(Serial.Comm2HW(frame)), "TME");
-    EXPECT_EQ(Bus.Reads(), 300'000);
+  for (const QList& frame : {List({0x40, 0x6F, 0x9A}), List({0x30})}) {
+    bus.ExpectFrame(frame);
+    EXPECT_EQ(Text(serial.Comm2HW(frame)), "TME");
+    EXPECT_EQ(bus.Reads(), 300'000);
   }
 }
 
@@ -139,60 +139,60 @@ TEST_F(Comm2Hw, APromptReplyCostsNeitherAnOfferNorASleep) {
 }
 
 TEST_F(Comm2Hw, TheReadBeforeTheLastStillBringsAReply) {
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK")).AtRead(149'999);
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  bus.ExpectFrame(kFrame).Reply(List("OK")).AtRead(149'999);
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
 }
 
 TEST_F(Comm2Hw, AReplyThatTheLastReadCompletesIsATimeout) {
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK")).AtRead(150'000);
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
+  bus.ExpectFrame(kFrame).Reply(List("OK")).AtRead(150'000);
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "TME");
 }
 
 TEST_F(Comm2Hw, AReplyThatCameTooLateIsDiscardedByTheNextExchange) {
-  Bus.ExpectFrame(kFrame);
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
-  Bus.Send(TextBytes("\x04late"));
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK"));
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
+  bus.ExpectFrame(kFrame);
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "TME");
+  bus.Send(List("\x04late"));
+  bus.ExpectFrame(kFrame).Reply(List("OK"));
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
 }
 
 TEST_F(Comm2Hw, TheLongestPayloadHas255Bytes) {
-  Bus.ExpectFrame(Counted(255)).Reply(TextBytes("OK"));
-  EXPECT_EQ(Text(Serial.Comm2HW(Counted(255))), "OK");
+  bus.ExpectFrame(Counted(255)).Reply(List("OK"));
+  EXPECT_EQ(Text(serial.Comm2HW(Counted(255))), "OK");
 }
 
 TEST_F(Comm2Hw, ALongerPayloadIsCutTo255Bytes) {
   for (const int size : {256, 300, 1000}) {
-    Bus.ExpectFrame(Counted(255)).Reply(TextBytes("OK"));
-    EXPECT_EQ(Text(Serial.Comm2HW(Counted(size))), "OK") << size;
+    bus.ExpectFrame(Counted(255)).Reply(List("OK"));
+    EXPECT_EQ(Text(serial.Comm2HW(Counted(size))), "OK") << size;
   }
 }
 
 TEST_F(Comm2Hw, KeepsAReplyThatFillsTheBuffer) {
-  Bus.ExpectFrame(kFrame).Reply(Counted(135));
-  EXPECT_EQ(Serial.Comm2HW(kFrame), Counted(135));
+  bus.ExpectFrame(kFrame).Reply(Counted(135));
+  EXPECT_EQ(serial.Comm2HW(kFrame), Counted(135));
 }
 
 TEST_F(Comm2Hw, ALongerReplyIsReadToItsEndAndKeptUpToTheBuffersEnd) {
   for (const int size : {136, 200, 255}) {
-    Bus.ExpectFrame(kFrame).Reply(Counted(size));
-    EXPECT_EQ(Serial.Comm2HW(kFrame), Counted(135)) << size;
-    EXPECT_EQ(Serial.RxCount, size + 1);
+    bus.ExpectFrame(kFrame).Reply(Counted(size));
+    EXPECT_EQ(serial.Comm2HW(kFrame), Counted(135)) << size;
+    EXPECT_EQ(serial.RxCount, size + 1);
   }
 }
 
 TEST_F(Comm2Hw, ALongReplyInPiecesIsBoundedToo) {
   QList rest = Counted(255);
-  QList first = Bytes({0xFF});
+  QList first = List({0xFF});
   first.splice(first.end(), rest, rest.begin(), std::next(rest.begin(), 130));
-  Bus.ExpectFrame(kFrame).Pieces({first, rest});
-  EXPECT_EQ(Serial.Comm2HW(kFrame), Counted(135));
-  EXPECT_EQ(Serial.RxCount, 256);
+  bus.ExpectFrame(kFrame).Pieces({first, rest});
+  EXPECT_EQ(serial.Comm2HW(kFrame), Counted(135));
+  EXPECT_EQ(serial.RxCount, 256);
 }
 
 TEST_F(Comm2Hw, AFailedWriteIsLoggedAndEndsInATimeout) {
-  Serial.Fd.Close();
-  Serial.DeviceName = "/dev/pulled";
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "TME");
-  EXPECT_EQ(Log.Lines(), Texts{"[ERR] unable to  write to /dev/pulled"});
+  serial.Fd.Close();
+  serial.DeviceName = "/dev/pulled";
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "TME");
+  EXPECT_EQ(log.Lines(), Texts{"[ERR] unable to  write to /dev/pulled"});
 }

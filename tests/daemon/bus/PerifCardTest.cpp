@@ -5,7 +5,7 @@
 #include <array>
 #include <vector>
 
-#include "support/Bytes.h"
+#include "support/Lists.h"
 #include "kit/Helper.h"
 
 namespace {
@@ -91,11 +91,11 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Kind{0x00, true, "EMPTY", 3, 0, 0, 0, {}},
         Kind{0x03, true, "16 channel DIGITAL OUTPUT", 0, 2, 2, 0xFF, {}},
-        Kind{0x04, true, "16 channel DIGITAL INPUT", 1, 2, 0, 0, Bytes({0x20, 0x05, 0x02})},
+        Kind{0x04, true, "16 channel DIGITAL INPUT", 1, 2, 0, 0, List({0x20, 0x05, 0x02})},
         Kind{0x05, true, "6 channel RC SERVO CONTROLLER", 0, 6, 6, 0x80, {}},
         Kind{0x06, true, "3 channel DC MOTOR CONTROLLER", 0, 6, 0, 0, {}},
-        Kind{0x07, true, "6 channel ANALOGUE INPUT", 1, 6, 0, 0, Bytes({0x20, 0x05, 0x06})},
-        Kind{0x08, true, "KEYMX and ROTE CONTROLLER", 1, 1, 0, 0, Bytes({0x20, 0x05, 0x01})},
+        Kind{0x07, true, "6 channel ANALOGUE INPUT", 1, 6, 0, 0, List({0x20, 0x05, 0x06})},
+        Kind{0x08, true, "KEYMX and ROTE CONTROLLER", 1, 1, 0, 0, List({0x20, 0x05, 0x01})},
         Kind{0x09, true, "ALPHANUMERIC LCD CONTROLLER", 0, 21, 0, 0, {}},
         Kind{0x0A, true, "IR REMOTE CONTROLLER", 0, 1, 0, 0, {}},
         Kind{0xFF, true, "CARD?", 3, 0, 0, 0, {}},
@@ -115,7 +115,7 @@ TEST(PerifCard, FoundAgainItIsPolledTwiceInOneFrame) {
   PERIFCARD card;
   card.setCardData(0x04, 5);
   card.setCardData(0x04, 5);
-  EXPECT_EQ(card.CopyPollFrame(), Bytes({0x20, 0x05, 0x02, 0x20, 0x05, 0x02}));
+  EXPECT_EQ(card.CopyPollFrame(), List({0x20, 0x05, 0x02, 0x20, 0x05, 0x02}));
   card.setCardData(0x00, 5);
   EXPECT_EQ(card.CopyPollFrame().size(), 6U);
   EXPECT_EQ(card.PollEnabled, 1);
@@ -184,5 +184,5 @@ TEST(PerifCard, IsClearedByOneThreadWhileAnotherFillsIt) {
   filling.Join();
   card.clearPerifCard();
   card.setCardData(0x04, 5);
-  EXPECT_EQ(card.CopyPollFrame(), Bytes({0x20, 0x05, 0x02}));
+  EXPECT_EQ(card.CopyPollFrame(), List({0x20, 0x05, 0x02}));
 }

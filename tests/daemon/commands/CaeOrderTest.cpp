@@ -14,7 +14,7 @@ class CaeOrder : public CaeTest {
   void ExpectTranscript(const std::string& line, int answers, Texts transcript) {
     for (std::string& text : transcript) text += "\r\n";
     EXPECT_EQ(
-        Run(line, std::vector<QList>(static_cast<std::size_t>(answers), Bytes({'Q', 2, 0, 0x5A}))),
+        Run(line, std::vector<QList>(static_cast<std::size_t>(answers), List({'Q', 2, 0, 0x5A}))),
         transcript);
   }
 };
@@ -40,9 +40,9 @@ TEST_F(CaeOrder, OnAnLcdCard) {
        "CIA: INITLIGHT STATE IS SET TO 50 at address 2", kRebooted, "RBT:0x2:OK", kAnalogueOnly,
        kAnalogueOnly, kAnalogueOnly, kServoOnly, kServoLegal, kServoOnly, kServoOnly, kMotorOnly,
        kMotorOnly, kMotorOnly, kInputOnly, kInputOnly, kStateOnly, ">"});
-  EXPECT_EQ(Requests,
-            (std::vector<QList>{Bytes({0x50, 2, 0x01, 0x01, 0x00}),
-                                Bytes({0x50, 2, 0x01, 0x02, 0x00}), Bytes({0x50, 2, 0x01, 0xAB})}));
+  EXPECT_EQ(requests,
+            (std::vector<QList>{List({0x50, 2, 0x01, 0x01, 0x00}),
+                                List({0x50, 2, 0x01, 0x02, 0x00}), List({0x50, 2, 0x01, 0xAB})}));
 }
 
 TEST_F(CaeOrder, OnAnAnalogueInputCard) {
@@ -69,10 +69,10 @@ TEST_F(CaeOrder, OnAnAnalogueInputCard) {
                     "CIA: POLLOFF is OK at address 2",
                     "CIA: LAST INPUT STATE SENT ON IO INTERFACE",
                     ">"});
-  EXPECT_EQ(Requests,
-            (std::vector<QList>{Bytes({0x50, 2, 0x01, 0xAB}), Bytes({0x50, 2, 0x01, 0x01, 0x50}),
-                                Bytes({0x50, 2, 0x40, 0x01}), Bytes({0x50, 2, 0x01, 0x02})}));
-  EXPECT_EQ(TakeTexts(*Qelm.SerialQueue), Texts{"a2b5d00"});
+  EXPECT_EQ(requests,
+            (std::vector<QList>{List({0x50, 2, 0x01, 0xAB}), List({0x50, 2, 0x01, 0x01, 0x50}),
+                                List({0x50, 2, 0x40, 0x01}), List({0x50, 2, 0x01, 0x02})}));
+  EXPECT_EQ(TakeTexts(*qelm.SerialQueue), Texts{"a2b5d00"});
 }
 
 TEST_F(CaeOrder, OnAServoCard) {
@@ -99,10 +99,10 @@ TEST_F(CaeOrder, OnAServoCard) {
                     kInputOnly,
                     kStateOnly,
                     ">"});
-  EXPECT_EQ(Requests,
-            (std::vector<QList>{Bytes({0x50, 2, 0x01, 0xAB}), Bytes({0x50, 2, 0x01, 0x74}),
-                                Bytes({0x50, 2, 0x01, 0x3F}), Bytes({0x50, 2, 0x01, 0xC0, 0x50}),
-                                Bytes({0x50, 2, 0x40, 0x21})}));
+  EXPECT_EQ(requests,
+            (std::vector<QList>{List({0x50, 2, 0x01, 0xAB}), List({0x50, 2, 0x01, 0x74}),
+                                List({0x50, 2, 0x01, 0x3F}), List({0x50, 2, 0x01, 0xC0, 0x50}),
+                                List({0x50, 2, 0x40, 0x21})}));
 }
 
 TEST_F(CaeOrder, OnAMotorCard) {
@@ -129,18 +129,18 @@ TEST_F(CaeOrder, OnAMotorCard) {
                     kInputOnly,
                     kStateOnly,
                     ">"});
-  EXPECT_EQ(Requests,
-            (std::vector<QList>{Bytes({0x50, 2, 0x01, 0xAB}), Bytes({0x50, 2, 0x01, 0xC0, 0x50}),
-                                Bytes({0x50, 2, 0x40, 0x01}), Bytes({0x50, 2, 0x01, 0xCD})}));
+  EXPECT_EQ(requests,
+            (std::vector<QList>{List({0x50, 2, 0x01, 0xAB}), List({0x50, 2, 0x01, 0xC0, 0x50}),
+                                List({0x50, 2, 0x40, 0x01}), List({0x50, 2, 0x01, 0xCD})}));
 }
 
 TEST_F(CaeOrder, TwoCommandsInOneLineEndInOnePrompt) {
   PlugCard(3, 0x04);
-  Qelm.Cards[3].PollEnabled = 0;
-  EXPECT_EQ(Run("REBOOT:3 POLLON:3\r\n", {Bytes({'Q', 3})}),
+  qelm.Cards[3].PollEnabled = 0;
+  EXPECT_EQ(Run("REBOOT:3 POLLON:3\r\n", {List({'Q', 3})}),
             (Texts{"CIA: Card is REBOOTED\r\n", "RBT:0x3:OK\r\n",
                    "CIA: POLLON is OK at address 3\r\n", ">\r\n"}));
-  EXPECT_EQ(Qelm.Cards[3].PollEnabled, 1);
+  EXPECT_EQ(qelm.Cards[3].PollEnabled, 1);
 }
 
 TEST_F(CaeOrder, UnknownLinesGetTheErrorAndThePromptInOne) {
@@ -158,8 +158,8 @@ TEST_F(CaeOrder, AContainedWordNeedsTheSeparatorAnywhereInTheLine) {
 }
 
 TEST_F(CaeOrder, TheSeparatorsAreTheConfiguredOnes) {
-  Qelm.Config.CaeDescriptor.InpSeparator = ";";
-  Qelm.Config.CaeDescriptor.OutSeparator = "|";
+  qelm.Config.CaeDescriptor.InpSeparator = ";";
+  qelm.Config.CaeDescriptor.OutSeparator = "|";
   EXPECT_EQ(Run("DRVVER;"), (Texts{"CIA: DRIVER VERSION 1.20|", ">|"}));
   EXPECT_EQ(Run("DRVVER\r\n"), Texts{"CIE: UNKNOWN COMMAND |>|"});
   EXPECT_EQ(Run("SPEED=50;1"), (Texts{"CIA: SPEED IS SET to 50%|", ">|"}));

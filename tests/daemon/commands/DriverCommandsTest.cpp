@@ -7,11 +7,11 @@ namespace {
 class DriverCommands : public CaeTest {
  protected:
   void ExpectDelay(int delay) const {
-    EXPECT_EQ(Qelm.Config.ThreadDelay, delay);
-    EXPECT_EQ(Qelm.SerialInterface->ThreadDelay, delay);
-    EXPECT_EQ(Qelm.CaeInterface->Descriptor.ThreadDelay, delay);
-    EXPECT_EQ(Qelm.IoInterface->Descriptor.ThreadDelay, delay);
-    EXPECT_EQ(Qelm.MonInterface->Descriptor.ThreadDelay, delay);
+    EXPECT_EQ(qelm.Config.ThreadDelay, delay);
+    EXPECT_EQ(qelm.SerialInterface->ThreadDelay, delay);
+    EXPECT_EQ(qelm.CaeInterface->Descriptor.ThreadDelay, delay);
+    EXPECT_EQ(qelm.IoInterface->Descriptor.ThreadDelay, delay);
+    EXPECT_EQ(qelm.MonInterface->Descriptor.ThreadDelay, delay);
   }
 
   // One reply and the prompt.
@@ -64,11 +64,11 @@ TEST_F(DriverCommands, ShowsTheVersion) { ExpectReply("DRVVER", "CIA: DRIVER VER
 
 TEST_F(DriverCommands, SwitchesGlobalPolling) {
   ExpectReply("ENABLEPOLL", "CIA: GLOBAL POLLING IS ENABLED");
-  EXPECT_EQ(Qelm.SerialInterface->EnablePoll, 1);
-  EXPECT_FALSE(Qelm.Config.EnablePoll);
+  EXPECT_EQ(qelm.SerialInterface->EnablePoll, 1);
+  EXPECT_FALSE(qelm.Config.EnablePoll);
   ExpectReply("POLLSTATE", "CIA: GLOBAL POLLING IS ENABLED");
   ExpectReply("DISABLEPOLL", "CIA: GLOBAL POLLING IS DISABLED");
-  EXPECT_EQ(Qelm.SerialInterface->EnablePoll, 0);
+  EXPECT_EQ(qelm.SerialInterface->EnablePoll, 0);
   ExpectReply("POLLSTATE", "CIA: GLOBAL POLLING IS DISABLED");
 }
 
@@ -76,25 +76,25 @@ TEST_F(DriverCommands, SwitchesThePollingOfAnInputCard) {
   PlugCard(0, 0x04);
   PlugCard(10, 0x07);
   ExpectReply("POLLOFF:A", "CIA: POLLOFF is OK at address A");
-  EXPECT_EQ(Qelm.Cards[10].PollEnabled, 0);
-  EXPECT_EQ(Qelm.Cards[0].PollEnabled, 1);
+  EXPECT_EQ(qelm.Cards[10].PollEnabled, 0);
+  EXPECT_EQ(qelm.Cards[0].PollEnabled, 1);
   ExpectReply("POLLON:A", "CIA: POLLON is OK at address A");
-  EXPECT_EQ(Qelm.Cards[10].PollEnabled, 1);
+  EXPECT_EQ(qelm.Cards[10].PollEnabled, 1);
 }
 
 TEST_F(DriverCommands, AnAddressThatIsNoDigitIsCardZeroAndEchoesAsTyped) {
   PlugCard(0, 0x04);
   ExpectReply("POLLOFF:g", "CIA: POLLOFF is OK at address g");
-  EXPECT_EQ(Qelm.Cards[0].PollEnabled, 0);
+  EXPECT_EQ(qelm.Cards[0].PollEnabled, 0);
   ExpectReply("POLLON:g", "CIA: POLLON is OK at address g");
-  EXPECT_EQ(Qelm.Cards[0].PollEnabled, 1);
+  EXPECT_EQ(qelm.Cards[0].PollEnabled, 1);
 }
 
 TEST_F(DriverCommands, AnAbsentAddressIsCardZeroAndEchoesAsNothing) {
-  Qelm.Config.CaeDescriptor.InpSeparator = "";
+  qelm.Config.CaeDescriptor.InpSeparator = "";
   PlugCard(0, 0x04);
   EXPECT_EQ(Run("POLLOFF:"), (Texts{"CIA: POLLOFF is OK at address \r\n", ">\r\n"}));
-  EXPECT_EQ(Qelm.Cards[0].PollEnabled, 0);
+  EXPECT_EQ(qelm.Cards[0].PollEnabled, 0);
 }
 
 TEST_F(DriverCommands, OnlyInputCardsArePolled) {
@@ -102,7 +102,7 @@ TEST_F(DriverCommands, OnlyInputCardsArePolled) {
   PlugCard(3, 0xFF);
   for (const char* line : {"POLLON:2", "POLLOFF:2", "POLLON:3", "POLLON:4"})
     ExpectReply(line, kInputOnly);
-  EXPECT_EQ(Qelm.Cards[2].PollEnabled, 0);
+  EXPECT_EQ(qelm.Cards[2].PollEnabled, 0);
 }
 
 TEST_F(DriverCommands, ShowsThePollingOfEveryInputCard) {
@@ -110,8 +110,8 @@ TEST_F(DriverCommands, ShowsThePollingOfEveryInputCard) {
   PlugCard(5, 0x03);
   PlugCard(10, 0x07);
   PlugCard(15, 0x08);
-  Qelm.Cards[10].PollEnabled = 0;
-  Qelm.SerialInterface->EnablePoll = 1;
+  qelm.Cards[10].PollEnabled = 0;
+  qelm.SerialInterface->EnablePoll = 1;
   EXPECT_EQ(Run("POLLSTATE\r\n"), (Texts{"CIA: GLOBAL POLLING IS ENABLED\r\n", "PTI:0x3:ON\r\n",
                                          "PTI:0xA:OFF\r\n", "PTI:0xF:ON\r\n", ">\r\n"}));
 }
@@ -132,20 +132,20 @@ TEST_F(DriverCommands, ShowsTheCardTableAndAsksNobody) {
 TEST_F(DriverCommands, ForcedDiscoveryClearsTheTableAndAsksTheBus) {
   const SleepRecord sleeps;
   PlugCard(3, 0x04);
-  Qelm.SerialInterface->EnablePoll = 1;
+  qelm.SerialInterface->EnablePoll = 1;
   SleepGate gate;
   Helper serial_side([&] {
-    EXPECT_TRUE(WaitUntil([&] { return LoadShared(Qelm.SerialInterface->EnablePoll) == 0; }));
+    EXPECT_TRUE(WaitUntil([&] { return LoadShared(qelm.SerialInterface->EnablePoll) == 0; }));
     EXPECT_TRUE(CardQueue(16).IsEmpty());
-    EXPECT_EQ(Qelm.Cards[3].Name(), "16 channel DIGITAL INPUT");
+    EXPECT_EQ(qelm.Cards[3].Name(), "16 channel DIGITAL INPUT");
     EXPECT_TRUE(gate.Open());
     EXPECT_TRUE(WaitUntil([&] { return !CardQueue(16).IsEmpty(); }));
-    EXPECT_EQ(CardQueue(16).DeQueue(), Bytes({0x30}));
-    EXPECT_EQ(Qelm.Cards[3].Name(), "EMPTY");
+    EXPECT_EQ(CardQueue(16).DeQueue(), List({0x30}));
+    EXPECT_EQ(qelm.Cards[3].Name(), "EMPTY");
     PlugCard(4, 0x07);
     EXPECT_TRUE(gate.Open());
   });
-  Qelm.ParseCaeLine("FORCEDISCOVER\r\n");
+  qelm.ParseCaeLine("FORCEDISCOVER\r\n");
   serial_side.Join();
   const Texts replies = CaeReplies();
   ASSERT_EQ(replies.size(), 18U);
@@ -153,32 +153,32 @@ TEST_F(DriverCommands, ForcedDiscoveryClearsTheTableAndAsksTheBus) {
   EXPECT_EQ(replies[4], "DTI:0x3:EMPTY\r\n");
   EXPECT_EQ(replies[5], "DTI:0x4:6 channel ANALOGUE INPUT\r\n");
   EXPECT_EQ(replies[17], ">\r\n");
-  EXPECT_EQ(Qelm.SerialInterface->EnablePoll, 1);
+  EXPECT_EQ(qelm.SerialInterface->EnablePoll, 1);
   EXPECT_EQ(sleeps.Seconds(), (Texts{"1", "1"}));
 }
 
 TEST_F(DriverCommands, ForcedDiscoveryLeavesPollingOffWhereItWasOff) {
-  Qelm.ParseCaeLine("FORCEDISCOVER\r\n");
-  EXPECT_EQ(Qelm.SerialInterface->EnablePoll, 0);
+  qelm.ParseCaeLine("FORCEDISCOVER\r\n");
+  EXPECT_EQ(qelm.SerialInterface->EnablePoll, 0);
 }
 
 TEST_F(DriverCommands, ExitClosesTheSessionAndLeavesThePromptForTheNext) {
   const SleepRecord sleeps;
-  Publish<int>(Qelm.CaeInterface->Descriptor.State, 3);
+  Publish<int>(qelm.CaeInterface->Descriptor.State, 3);
   ExpectReply("EXIT", "QELM: Bye Bye...");
-  EXPECT_EQ(Qelm.CaeInterface->Descriptor.State, 4);
-  EXPECT_TRUE(Log.Has("[INF] connection is closed by command on CAE interface"));
+  EXPECT_EQ(qelm.CaeInterface->Descriptor.State, 4);
+  EXPECT_TRUE(log.Has("[INF] connection is closed by command on CAE interface"));
   EXPECT_EQ(sleeps.Seconds(), Texts{"1"});
 }
 
 TEST_F(DriverCommands, ReportsTheLastInputStateLikeAChange) {
   PlugCard(3, 0x04);
   PlugCard(15, 0x07);
-  Qelm.Cards[3].BlockData = {0x40, 0x0F};
-  Qelm.Cards[15].BlockData = {1, 2, 3, 4, 5, 0xFE};
+  qelm.Cards[3].BlockData = {0x40, 0x0F};
+  qelm.Cards[15].BlockData = {1, 2, 3, 4, 5, 0xFE};
   for (const char* line : {"GETLASTINPST:3=0", "GETLASTINPST:3=1", "GETLASTINPST:F=5"})
     ExpectReply(line, kSent);
-  EXPECT_EQ(TakeTexts(*Qelm.SerialQueue), (Texts{"a3b0d40", "a3b1d0F", "aFb5dFE"}));
+  EXPECT_EQ(TakeTexts(*qelm.SerialQueue), (Texts{"a3b0d40", "a3b1d0F", "aFb5dFE"}));
 }
 
 TEST_F(DriverCommands, ABlockThatTheCardLacksIsInvalid) {
@@ -186,14 +186,14 @@ TEST_F(DriverCommands, ABlockThatTheCardLacksIsInvalid) {
   PlugCard(15, 0x07);
   for (const char* line : {"GETLASTINPST:3=2", "GETLASTINPST:3=F", "GETLASTINPST:F=6"})
     ExpectReply(line, kInvalidBlock);
-  EXPECT_TRUE(Qelm.SerialQueue->IsEmpty());
+  EXPECT_TRUE(qelm.SerialQueue->IsEmpty());
 }
 
 TEST_F(DriverCommands, AnAbsentBlockIsBlockZero) {
   PlugCard(3, 0x04);
   for (const char* line : {"GETLASTINPST:3", "GETLASTINPST:3=", "GETLASTINPST:3=z"})
     ExpectReply(line, kSent);
-  EXPECT_EQ(TakeTexts(*Qelm.SerialQueue), Texts(3, "a3b0d00"));
+  EXPECT_EQ(TakeTexts(*qelm.SerialQueue), Texts(3, "a3b0d00"));
 }
 
 TEST_F(DriverCommands, OtherCardsHaveNoLastInputState) {
@@ -201,5 +201,5 @@ TEST_F(DriverCommands, OtherCardsHaveNoLastInputState) {
   PlugCard(2, 0x03);
   for (const char* line : {"GETLASTINPST:1=0", "GETLASTINPST:2=0", "GETLASTINPST:4=0"})
     ExpectReply(line, "CIE: THIS COMMAND IS VALID ON ANALOG OR DIGITAL INPUT CARD ONLY");
-  EXPECT_TRUE(Qelm.SerialQueue->IsEmpty());
+  EXPECT_TRUE(qelm.SerialQueue->IsEmpty());
 }

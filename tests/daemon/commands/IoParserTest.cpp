@@ -5,7 +5,7 @@ namespace {
 
 class IoParser : public QelmTest {
  protected:
-  void Send(const std::string& message) { EXPECT_TRUE(Qelm.ParseOutCommand(TextBytes(message))); }
+  void Send(const std::string& message) { EXPECT_TRUE(qelm.ParseOutCommand(List(message))); }
 
   // The command is answered as illegal and reaches no card.
   void ExpectIllegal(const std::string& command) {
@@ -26,8 +26,8 @@ class IoParser : public QelmTest {
 TEST_F(IoParser, ABlockCommandSendsAllBlocksOfTheCard) {
   PlugCard(5, 0x03);
   Send("a5b1dFB;");
-  EXPECT_EQ(CardQueue(5).DeQueue(), Bytes({0x10, 0x05, 0x02, 0xFF, 0xFB}));
-  EXPECT_EQ(Qelm.Cards[5].BlockData[1], 0xFB);
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0xFB}));
+  EXPECT_EQ(qelm.Cards[5].BlockData[1], 0xFB);
   EXPECT_EQ(CaeReplies(), Texts());
   EXPECT_EQ(IoOutput(), Texts());
 }
@@ -35,15 +35,15 @@ TEST_F(IoParser, ABlockCommandSendsAllBlocksOfTheCard) {
 TEST_F(IoParser, AServoCardGetsSixBlocks) {
   PlugCard(0, 0x05);
   Send("a0b4d7F;");
-  EXPECT_EQ(CardQueue(0).DeQueue(), Bytes({0x10, 0x00, 0x06, 0x80, 0x80, 0x80, 0x80, 0x7F, 0x80}));
+  EXPECT_EQ(CardQueue(0).DeQueue(), List({0x10, 0x00, 0x06, 0x80, 0x80, 0x80, 0x80, 0x7F, 0x80}));
 }
 
 TEST_F(IoParser, AMotorCardGetsFourBlocks) {
   PlugCard(15, 0x06);
   Send("aFb3d21;aFb5d99;");
-  EXPECT_EQ(CardQueue(15).DeQueue(), Bytes({0x10, 0x0F, 0x04, 0x00, 0x00, 0x00, 0x21}));
-  EXPECT_EQ(CardQueue(15).DeQueue(), Bytes({0x10, 0x0F, 0x04, 0x00, 0x00, 0x00, 0x21}));
-  EXPECT_EQ(Qelm.Cards[15].BlockData[5], 0x99);
+  EXPECT_EQ(CardQueue(15).DeQueue(), List({0x10, 0x0F, 0x04, 0x00, 0x00, 0x00, 0x21}));
+  EXPECT_EQ(CardQueue(15).DeQueue(), List({0x10, 0x0F, 0x04, 0x00, 0x00, 0x00, 0x21}));
+  EXPECT_EQ(qelm.Cards[15].BlockData[5], 0x99);
 }
 
 TEST_F(IoParser, ABlockCommandToAnotherCardStoresTheValueAndQueuesAnEmptyFrame) {
@@ -52,8 +52,8 @@ TEST_F(IoParser, ABlockCommandToAnotherCardStoresTheValueAndQueuesAnEmptyFrame) 
     Send("a3b0d12;");
     EXPECT_EQ(CardQueue(3).Size(), 1U);
     EXPECT_EQ(CardQueue(3).DeQueue(), QList());
-    EXPECT_EQ(Qelm.Cards[3].BlockData[0], 0x12);
-    Qelm.Cards[3].BlockData[0] = 0;
+    EXPECT_EQ(qelm.Cards[3].BlockData[0], 0x12);
+    qelm.Cards[3].BlockData[0] = 0;
   }
   EXPECT_EQ(CaeReplies(), Texts());
 }
@@ -61,25 +61,25 @@ TEST_F(IoParser, ABlockCommandToAnotherCardStoresTheValueAndQueuesAnEmptyFrame) 
 TEST_F(IoParser, BlockNumbersAreNotCheckedAgainstTheCard) {
   PlugCard(5, 0x03);
   Send("a5bFd77;");
-  EXPECT_EQ(Qelm.Cards[5].BlockData[15], 0x77);
-  EXPECT_EQ(CardQueue(5).DeQueue(), Bytes({0x10, 0x05, 0x02, 0xFF, 0xFF}));
+  EXPECT_EQ(qelm.Cards[5].BlockData[15], 0x77);
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0xFF}));
 }
 
 TEST_F(IoParser, DigitsThatAreNoneReadAsZero) {
   PlugCard(0, 0x03);
   Send("agbxdfF;");
-  EXPECT_EQ(CardQueue(0).DeQueue(), Bytes({0x10, 0x00, 0x02, 0x0F, 0xFF}));
+  EXPECT_EQ(CardQueue(0).DeQueue(), List({0x10, 0x00, 0x02, 0x0F, 0xFF}));
 }
 
 TEST_F(IoParser, AbsentDigitsReadAsZero) {
   PlugCard(5, 0x03);
   for (const char* command : {"a5b1d", "a5b1d0", "a5b1d00", "a5b1d00more"}) {
-    Qelm.Cards[5].BlockData[1] = 0x55;
+    qelm.Cards[5].BlockData[1] = 0x55;
     Send(command);
-    EXPECT_EQ(CardQueue(5).DeQueue(), Bytes({0x10, 0x05, 0x02, 0xFF, 0x00})) << command;
+    EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0x00})) << command;
   }
   Send("a5b1d7");
-  EXPECT_EQ(CardQueue(5).DeQueue(), Bytes({0x10, 0x05, 0x02, 0xFF, 0x70}));
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0x70}));
 }
 
 TEST_F(IoParser, EmptyPiecesArePassedOver) {
@@ -97,7 +97,7 @@ TEST_F(IoParser, EmptyPiecesArePassedOver) {
 }
 
 TEST_F(IoParser, ASeparatorMayHaveSeveralCharacters) {
-  Qelm.Config.IoDescriptor.InpSeparator = "\r\n";
+  qelm.Config.IoDescriptor.InpSeparator = "\r\n";
   PlugCard(5, 0x03);
   Send("a5b0d00\r\na5b1d00\r\n\r\n");
   EXPECT_EQ(CardQueue(5).Size(), 2U);
@@ -106,7 +106,7 @@ TEST_F(IoParser, ASeparatorMayHaveSeveralCharacters) {
 }
 
 TEST_F(IoParser, WithoutASeparatorTheMessageIsOneCommand) {
-  Qelm.Config.IoDescriptor.InpSeparator = "";
+  qelm.Config.IoDescriptor.InpSeparator = "";
   PlugCard(5, 0x03);
   Send("a5b0d00;a5b1d00\r\n");
   EXPECT_EQ(CardQueue(5).Size(), 1U);
@@ -133,7 +133,7 @@ TEST_F(IoParser, WhatFitsNoPatternIsIllegal) {
 }
 
 TEST_F(IoParser, TheErrorEndsInTheCaeSeparator) {
-  Qelm.Config.CaeDescriptor.OutSeparator = "|";
+  qelm.Config.CaeDescriptor.OutSeparator = "|";
   Send("x;");
   EXPECT_EQ(CaeReplies(), (Texts{"COE:Illegal command -> x|", ">|"}));
   EXPECT_EQ(IoOutput(), Texts());

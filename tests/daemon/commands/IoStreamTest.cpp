@@ -12,9 +12,7 @@ class IoStream : public QelmTest {
     PlugCard(5, 0x03);
   }
 
-  void Send(const std::string& command) {
-    EXPECT_TRUE(Qelm.ParseOutCommand(TextBytes(command + ";")));
-  }
+  void Send(const std::string& command) { EXPECT_TRUE(qelm.ParseOutCommand(List(command + ";"))); }
 
   void ExpectFrame(std::size_t address, const std::string& command, const QList& payload) {
     Send(command);
@@ -40,23 +38,23 @@ std::string Pairs(std::size_t count) {
 }  // namespace
 
 TEST_F(IoStream, InfraredBytesGoOutWithTheirCount) {
-  ExpectFrame(9, "a9sHS41", Bytes({0x10, 0x09, 0x02, 0x01, 0x41}));
+  ExpectFrame(9, "a9sHS41", List({0x10, 0x09, 0x02, 0x01, 0x41}));
   ExpectFrame(9, "a9sHS434F434B524F414348",
-              Bytes({0x10, 0x09, 0x0A, 0x09, 'C', 'O', 'C', 'K', 'R', 'O', 'A', 'C', 'H'}));
+              List({0x10, 0x09, 0x0A, 0x09, 'C', 'O', 'C', 'K', 'R', 'O', 'A', 'C', 'H'}));
 }
 
 TEST_F(IoStream, AnOddInfraredDigitIsIgnored) {
-  ExpectFrame(9, "a9sHS414", Bytes({0x10, 0x09, 0x02, 0x01, 0x41}));
-  ExpectFrame(9, "a9sHS4", Bytes({0x10, 0x09, 0x01, 0x00}));
-  ExpectFrame(9, "a9sHS", Bytes({0x10, 0x09, 0x01, 0x00}));
+  ExpectFrame(9, "a9sHS414", List({0x10, 0x09, 0x02, 0x01, 0x41}));
+  ExpectFrame(9, "a9sHS4", List({0x10, 0x09, 0x01, 0x00}));
+  ExpectFrame(9, "a9sHS", List({0x10, 0x09, 0x01, 0x00}));
 }
 
 TEST_F(IoStream, InfraredDigitsThatAreNoneReadAsZero) {
-  ExpectFrame(9, "a9sHSf1Z2", Bytes({0x10, 0x09, 0x03, 0x02, 0x01, 0x02}));
+  ExpectFrame(9, "a9sHSf1Z2", List({0x10, 0x09, 0x03, 0x02, 0x01, 0x02}));
 }
 
 TEST_F(IoStream, AnInfraredFrameHolds35Bytes) {
-  QList payload = Bytes({0x10, 0x09, 0x24, 0x23});
+  QList payload = List({0x10, 0x09, 0x24, 0x23});
   payload.insert(payload.end(), 35, 'A');
   ExpectFrame(9, "a9sHS" + Pairs(35), payload);
   ExpectFrame(9, "a9sHS" + Pairs(35) + "4", payload);
@@ -65,7 +63,7 @@ TEST_F(IoStream, AnInfraredFrameHolds35Bytes) {
 }
 
 TEST_F(IoStream, MoreThanTheHelpNamesIsSentAsItIs) {
-  QList payload = Bytes({0x10, 0x09, 0x19, 0x18});
+  QList payload = List({0x10, 0x09, 0x19, 0x18});
   payload.insert(payload.end(), 24, 'A');
   ExpectFrame(9, "a9sHS" + Pairs(24), payload);
 }
@@ -80,17 +78,17 @@ TEST_F(IoStream, AnInfraredStreamWithoutItsMarkIsIllegal) {
 }
 
 TEST_F(IoStream, LcdControlsAreOneCodeByte) {
-  ExpectFrame(14, "aElCL", Bytes({0x10, 0x0E, 0x01, 0x00}));
-  ExpectFrame(14, "aElLO", Bytes({0x10, 0x0E, 0x01, 0x01}));
-  ExpectFrame(14, "aElLF", Bytes({0x10, 0x0E, 0x01, 0x02}));
-  ExpectFrame(14, "aElCO", Bytes({0x10, 0x0E, 0x01, 0x03}));
-  ExpectFrame(14, "aElCF", Bytes({0x10, 0x0E, 0x01, 0x04}));
-  ExpectFrame(14, "aElBO", Bytes({0x10, 0x0E, 0x01, 0x05}));
-  ExpectFrame(14, "aElBF", Bytes({0x10, 0x0E, 0x01, 0x06}));
+  ExpectFrame(14, "aElCL", List({0x10, 0x0E, 0x01, 0x00}));
+  ExpectFrame(14, "aElLO", List({0x10, 0x0E, 0x01, 0x01}));
+  ExpectFrame(14, "aElLF", List({0x10, 0x0E, 0x01, 0x02}));
+  ExpectFrame(14, "aElCO", List({0x10, 0x0E, 0x01, 0x03}));
+  ExpectFrame(14, "aElCF", List({0x10, 0x0E, 0x01, 0x04}));
+  ExpectFrame(14, "aElBO", List({0x10, 0x0E, 0x01, 0x05}));
+  ExpectFrame(14, "aElBF", List({0x10, 0x0E, 0x01, 0x06}));
 }
 
 TEST_F(IoStream, OnlyTheTwoCharactersOfALcdControlCount) {
-  ExpectFrame(14, "aElCLmore", Bytes({0x10, 0x0E, 0x01, 0x00}));
+  ExpectFrame(14, "aElCLmore", List({0x10, 0x0E, 0x01, 0x00}));
 }
 
 TEST_F(IoStream, AnUnknownLcdControlIsIllegal) {
@@ -104,30 +102,30 @@ TEST_F(IoStream, AnLcdStreamElsewhereIsIllegal) {
 }
 
 TEST_F(IoStream, LcdTextGoesOutWithPositionAndAZeroByte) {
-  QList payload = Bytes({0x10, 0x0E, 0x13, 0x09, 0x03, 0x01});
+  QList payload = List({0x10, 0x0E, 0x13, 0x09, 0x03, 0x01});
   for (const char c : std::string("Tail of the cat")) payload.push_back(c);
   payload.push_back(0);
   ExpectFrame(14, "aElPAp0301tTail of the cat", payload);
 }
 
 TEST_F(IoStream, LcdTextMayBeEmptyOrAbsent) {
-  const QList payload = Bytes({0x10, 0x0E, 0x04, 0x09, 0x00, 0x00, 0x00});
+  const QList payload = List({0x10, 0x0E, 0x04, 0x09, 0x00, 0x00, 0x00});
   for (const char* command : {"aElPAp0000t", "aElPAp0000", "aElPAp0", "aElPAp"})
     ExpectFrame(14, command, payload);
-  ExpectFrame(14, "aElPAp1", Bytes({0x10, 0x0E, 0x04, 0x09, 0x10, 0x00, 0x00}));
+  ExpectFrame(14, "aElPAp1", List({0x10, 0x0E, 0x04, 0x09, 0x10, 0x00, 0x00}));
 }
 
 TEST_F(IoStream, TheMarkInFrontOfTheTextIsNotChecked) {
-  ExpectFrame(14, "aElPAp0301!A", Bytes({0x10, 0x0E, 0x05, 0x09, 0x03, 0x01, 'A', 0x00}));
+  ExpectFrame(14, "aElPAp0301!A", List({0x10, 0x0E, 0x05, 0x09, 0x03, 0x01, 'A', 0x00}));
 }
 
 TEST_F(IoStream, TheTextMarkCountsWhereverItStands) {
   ExpectFrame(14, "aElxxx0301tPAp",
-              Bytes({0x10, 0x0E, 0x07, 0x09, 0x03, 0x01, 'P', 'A', 'p', 0x00}));
+              List({0x10, 0x0E, 0x07, 0x09, 0x03, 0x01, 'P', 'A', 'p', 0x00}));
 }
 
 TEST_F(IoStream, LcdTextHolds34Characters) {
-  QList payload = Bytes({0x10, 0x0E, 0x26, 0x09, 0x00, 0x00});
+  QList payload = List({0x10, 0x0E, 0x26, 0x09, 0x00, 0x00});
   payload.insert(payload.end(), 34, 'x');
   payload.push_back(0);
   ExpectFrame(14, "aElPAp0000t" + std::string(34, 'x'), payload);

@@ -3,8 +3,8 @@
 
 #include <random>
 
-#include "runtime/Pause.h"
 #include "kit/Helper.h"
+#include "runtime/Pause.h"
 #include "support/ReadHook.h"
 #include "support/Sanitizers.h"
 #include "support/SocketTest.h"
@@ -24,7 +24,7 @@ class Closing : public SocketTest {
       Pass();
     }
     EXPECT_EQ(State(), 1);
-    Interface->OutQueue->DeQueue();  // a greeting that nobody waited for
+    interface->OutQueue->DeQueue();  // a greeting that nobody waited for
     ServedClient();
   }
 };
@@ -34,47 +34,47 @@ class Closing : public SocketTest {
 TEST_F(Closing, EndsASession) {
   Build("IO").Init();
   Client client = ServedClient();
-  Interface->CloseByCommand();
+  interface->CloseByCommand();
   client.ExpectClosed();
-  EXPECT_EQ(Log.Lines().back(), kClosedByCommand);
-  EXPECT_EQ(Interface->RetryCount, 0);
+  EXPECT_EQ(log.Lines().back(), kClosedByCommand);
+  EXPECT_EQ(interface->RetryCount, 0);
   ExpectComesBack();
-  EXPECT_FALSE(Log.Has("[INF] connection is closed by client on IO interface"));
+  EXPECT_FALSE(log.Has("[INF] connection is closed by client on IO interface"));
 }
 
 TEST_F(Closing, InsideAPassLeavesWhatIsQueuedToTheNextClient) {
   Build("IO").Init();
   Client client = ServedClient();
-  Interface->OutQueue->ToQueue(TextBytes("left"));
+  interface->OutQueue->ToQueue(List("left"));
   client.Send("x");
   ASSERT_TRUE(WaitUntil([&] {
     int waiting = 0;
-    ioctl(Interface->ClientSocket.Number(), FIONREAD, &waiting);
+    ioctl(interface->ClientSocket.Number(), FIONREAD, &waiting);
     return waiting == 1;
   }));
   {
-    const ReadHook at_read([&] { Interface->CloseByCommand(); });
+    const ReadHook at_read([&] { interface->CloseByCommand(); });
     Pass();
   }
   EXPECT_EQ(State(), 4);
-  EXPECT_EQ(TakeTexts(*Interface->OutQueue), Texts{"left"});
-  EXPECT_EQ(Log.Lines().back(), kClosedByCommand);
+  EXPECT_EQ(TakeTexts(*interface->OutQueue), Texts{"left"});
+  EXPECT_EQ(log.Lines().back(), kClosedByCommand);
 }
 
 TEST_F(Closing, WorksOnAPortThatListens) {
   Build("IO").Init();
-  Interface->CloseByCommand();
+  interface->CloseByCommand();
   ExpectComesBack();
 }
 
 TEST_F(Closing, WorksOnAPortThatIsClosed) {
   Build("IO").Init();
   ServedClient();
-  Interface->CloseByCommand();
-  Interface->CloseByCommand();
+  interface->CloseByCommand();
+  interface->CloseByCommand();
   Pass();
-  Interface->CloseByCommand();
-  EXPECT_EQ(Interface->RetryCount, 0);
+  interface->CloseByCommand();
+  EXPECT_EQ(interface->RetryCount, 0);
   ExpectComesBack();
 }
 
@@ -86,19 +86,19 @@ TEST_F(Closing, WorksOnAPortThatNeverListened) {
 TEST_F(Closing, WakesAPassThatWaitsForAClient) {
   Build("IO").Init();
   Helper pass([&] { Pass(); });
-  ASSERT_TRUE(WaitUntil([&] { return State() == 2 && Sleeps.Seconds().size() == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return State() == 2 && sleeps.Seconds().size() == 1; }));
   EXPECT_TRUE(pass.WaitUntilBlocked());
-  Interface->CloseByCommand();
+  interface->CloseByCommand();
   pass.Join();
-  EXPECT_TRUE(Log.Has("[ERR] socket accept error on IO interface"));
+  EXPECT_TRUE(log.Has("[ERR] socket accept error on IO interface"));
   ExpectComesBack(1);  // the pass that was woken was the first
 }
 
 TEST_F(Closing, AClientAcceptedMeanwhileIsDropped) {
   Build("IO").Init();
   Client client(Port());
-  Interface->Descriptor.State = 2;
-  Interface->CloseByCommand();
+  interface->Descriptor.State = 2;
+  interface->CloseByCommand();
   client.ExpectClosed();
   ExpectComesBack();
 }
@@ -106,21 +106,21 @@ TEST_F(Closing, AClientAcceptedMeanwhileIsDropped) {
 // The listening socket may go just as the state says that it listens.
 TEST_F(Closing, AListeningSocketThatIsGoneIsOpenedAgain) {
   Build("IO").Init();
-  Interface->ListenSocket.Withdraw();
+  interface->ListenSocket.Withdraw();
   Pass();
-  EXPECT_TRUE(Log.Has("[ERR] socket accept error on IO interface"));
+  EXPECT_TRUE(log.Has("[ERR] socket accept error on IO interface"));
   ExpectComesBack(1);
 }
 
 TEST_F(Closing, OpensNoPortWhoseNumberSomebodyElseHas) {
   Build("IO").Init();
   Client client = ServedClient();
-  const int number = Interface->ClientSocket.Number();
-  Interface->CloseByCommand();
+  const int number = interface->ClientSocket.Number();
+  interface->CloseByCommand();
   const int other = dup(STDERR_FILENO);
   EXPECT_NE(other, number);
   Pass();
-  EXPECT_FALSE(Interface->ClientSocket.IsOpen());
+  EXPECT_FALSE(interface->ClientSocket.IsOpen());
   char byte = 0;
   EXPECT_EQ(write(other, &byte, 0), 0);  // still open
   close(other);
@@ -130,33 +130,33 @@ TEST_F(Closing, OpensNoPortWhoseNumberSomebodyElseHas) {
 TEST_F(Closing, FreesAPortWhoseSocketSomebodyElseStillHolds) {
   Build("IO").Init();
   ServedClient().Close();
-  const int other = dup(Interface->ListenSocket.Number());
+  const int other = dup(interface->ListenSocket.Number());
   Pass();
   ExpectComesBack(1);
-  EXPECT_FALSE(Log.Has("[ERR] couldn't bind socket forIO interface"));
+  EXPECT_FALSE(log.Has("[ERR] couldn't bind socket forIO interface"));
   close(other);
 }
 
 TEST_F(Closing, HaltEndsAThreadThatWaitsForAClient) {
   BuildRunning("IO").Init();
   ASSERT_TRUE(WaitUntil([&] { return State() == 2; }));
-  Interface->Halt();
-  EXPECT_EQ(Interface->ThreadState(), 2);
+  interface->Halt();
+  EXPECT_EQ(interface->ThreadState(), 2);
 }
 
 TEST_F(Closing, HaltEndsAThreadThatServes) {
   BuildRunning("IO").Init();
   Client client(Port());
   ASSERT_TRUE(WaitUntil([&] { return State() == 3; }));
-  Interface->Halt();
-  EXPECT_EQ(Interface->ThreadState(), 2);
+  interface->Halt();
+  EXPECT_EQ(interface->ThreadState(), 2);
   client.ExpectClosed();
 }
 
 TEST_F(Closing, HaltEndsAThreadThatWasNeverStarted) {
   BuildRunning("IO").Halt();
-  EXPECT_EQ(Interface->ThreadState(), 2);
-  Interface->Halt();
+  EXPECT_EQ(interface->ThreadState(), 2);
+  interface->Halt();
 }
 
 TEST_F(Closing, AtAnyMomentNeverLeavesThePortDead) {
@@ -173,11 +173,11 @@ TEST_F(Closing, AtAnyMomentNeverLeavesThePortDead) {
   const int count = kSanitized ? 100 : 200;
   for (int i = 0; i < count; ++i) {
     Sleep(std::uniform_int_distribution<unsigned>(0, 600'000)(random));
-    Interface->CloseByCommand();
+    interface->CloseByCommand();
   }
   is_over = true;
   clients.Join();
-  EXPECT_EQ(Log.Count(kClosedByCommand), count);
+  EXPECT_EQ(log.Count(kClosedByCommand), count);
   EXPECT_TRUE(WaitUntil([&] {
     Client client = Client::Try(Port());
     return client.IsOpen() && client.IsServed() && client.Sees(kGreeting);

@@ -26,15 +26,15 @@ TEST_F(Session, APassThatIsNotStartedDoesNothing) {
   Build("IO");
   Pass();
   EXPECT_EQ(State(), 0);
-  EXPECT_EQ(Log.Lines(), Texts());
+  EXPECT_EQ(log.Lines(), Texts());
 }
 
 TEST_F(Session, InitListens) {
   Build("CAE");
-  EXPECT_TRUE(Interface->Init());
+  EXPECT_TRUE(interface->Init());
   EXPECT_EQ(State(), 1);
-  EXPECT_EQ(Log.Lines(), Texts{"[INF] CAE interface listening on port " + PortText()});
-  EXPECT_NE(fcntl(Interface->ListenSocket.Number(), F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_EQ(log.Lines(), Texts{"[INF] CAE interface listening on port " + PortText()});
+  EXPECT_NE(fcntl(interface->ListenSocket.Number(), F_GETFD) & FD_CLOEXEC, 0);
   EXPECT_FALSE(Refuses(Port()));
 }
 
@@ -46,9 +46,9 @@ TEST_F(Session, APortThatIsTakenIsLoggedAndListenedOnElsewhere) {
   taken.sin_port = htons(static_cast<uint16_t>(Port()));
   ASSERT_EQ(bind(other, reinterpret_cast<const sockaddr*>(&taken), sizeof taken), 0);
   ASSERT_EQ(listen(other, 1), 0);
-  EXPECT_TRUE(Interface->Init());
+  EXPECT_TRUE(interface->Init());
   EXPECT_EQ(State(), 1);
-  EXPECT_EQ(Log.Lines(), (Texts{"[ERR] couldn't bind socket forMON interface",
+  EXPECT_EQ(log.Lines(), (Texts{"[ERR] couldn't bind socket forMON interface",
                                 "[INF] MON interface listening on port " + PortText()}));
   close(other);
 }
@@ -59,7 +59,7 @@ TEST_F(Session, WithoutADescriptorInitFails) {
   getrlimit(RLIMIT_NOFILE, &before);
   const rlimit none{0, before.rlim_max};
   setrlimit(RLIMIT_NOFILE, &none);
-  EXPECT_FALSE(Interface->Init());
+  EXPECT_FALSE(interface->Init());
   setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(State(), 0);
 }
@@ -74,7 +74,7 @@ TEST_F(Session, GreetsItsClientThreeSecondsAfterListening) {
         Case{"IO", "QELM IO interface is ready\r\n\r"},
         Case{"MON", "QELM MON interface is ready\r\n\r"}}) {
     Build(c.name);
-    Interface->Init();
+    interface->Init();
     Client client(Port());
     Pass();
     client.ExpectBytes(c.greeting);
@@ -82,27 +82,27 @@ TEST_F(Session, GreetsItsClientThreeSecondsAfterListening) {
     Pass();
     client.ExpectSilence();
   }
-  EXPECT_EQ(Sleeps.Seconds(), (Texts{"3", "3", "3"}));
+  EXPECT_EQ(sleeps.Seconds(), (Texts{"3", "3", "3"}));
 }
 
 TEST_F(Session, AnotherNameHasNoGreeting) {
   Build("SPARE");
-  Interface->Init();
+  interface->Init();
   Client client(Port());
   Pass();
   EXPECT_EQ(State(), 3);
-  EXPECT_TRUE(Interface->OutQueue->IsEmpty());
+  EXPECT_TRUE(interface->OutQueue->IsEmpty());
   client.ExpectSilence();
 }
 
 TEST_F(Session, LogsTheClientWithThePortsBytesSwapped) {
   Build("IO");
-  Interface->Init();
+  interface->Init();
   Client client(Port());
   Pass();
   const int port = client.LocalPort();
   const int swapped = port % 256 * 256 + port / 256;
-  EXPECT_EQ(Log.Lines(), (Texts{"[INF] IO interface listening on port " + PortText(),
+  EXPECT_EQ(log.Lines(), (Texts{"[INF] IO interface listening on port " + PortText(),
                                 "[INF] IO interface is waiting for incoming connection",
                                 "[INF] client is connected on IO interface from 127.0.0.1:" +
                                     std::to_string(swapped)}));
@@ -110,17 +110,17 @@ TEST_F(Session, LogsTheClientWithThePortsBytesSwapped) {
 
 TEST_F(Session, AClientsSocketIsPromptAndStaysWithTheDaemon) {
   Build("IO");
-  Interface->Init();
+  interface->Init();
   Client client = ServedClient();
-  const int fd = Interface->ClientSocket.Number();
+  const int fd = interface->ClientSocket.Number();
   EXPECT_NE(OptionOf(fd, IPPROTO_TCP, TCP_NODELAY), 0);
   EXPECT_NE(fcntl(fd, F_GETFD) & FD_CLOEXEC, 0);
 }
 
 TEST_F(Session, WhatWaitedGoesOutAheadOfTheGreeting) {
   Build("IO");
-  Interface->Init();
-  Interface->OutQueue->ToQueue(TextBytes("left"));
+  interface->Init();
+  interface->OutQueue->ToQueue(List("left"));
   Client client(Port());
   Pass();
   client.ExpectBytes("left\r");
@@ -130,38 +130,38 @@ TEST_F(Session, WhatWaitedGoesOutAheadOfTheGreeting) {
 
 TEST_F(Session, AClientThatLeavesClosesThePort) {
   Build("IO");
-  Interface->Init();
+  interface->Init();
   ServedClient().Close();
   ASSERT_TRUE(WaitUntil([&] {
     if (State() == 3) Pass();
     return State() == 4;
   }));
-  EXPECT_EQ(Log.Lines().back(), "[INF] connection is closed by client on IO interface");
-  EXPECT_FALSE(Interface->ClientSocket.IsOpen());
-  EXPECT_FALSE(Interface->ListenSocket.IsOpen());
+  EXPECT_EQ(log.Lines().back(), "[INF] connection is closed by client on IO interface");
+  EXPECT_FALSE(interface->ClientSocket.IsOpen());
+  EXPECT_FALSE(interface->ListenSocket.IsOpen());
   EXPECT_TRUE(Refuses(Port()));
 }
 
 TEST_F(Session, ListensAgainOnTheSecondClosedPass) {
   Build("IO");
-  Interface->Init();
+  interface->Init();
   ServedClient().Close();
   ASSERT_TRUE(WaitUntil([&] {
     if (State() == 3) Pass();
     return State() == 4;
   }));
-  EXPECT_EQ(Interface->RetryCount, 1);  // the pass that saw the client go counts
+  EXPECT_EQ(interface->RetryCount, 1);  // the pass that saw the client go counts
   Pass();
   EXPECT_EQ(State(), 1);
-  EXPECT_EQ(Sleeps.Seconds(), (Texts{"3", "2", "2"}));
-  EXPECT_EQ(Log.Lines().back(), "[INF] IO interface listening on port " + PortText());
+  EXPECT_EQ(sleeps.Seconds(), (Texts{"3", "2", "2"}));
+  EXPECT_EQ(log.Lines().back(), "[INF] IO interface listening on port " + PortText());
   ServedClient();
 }
 
 TEST_F(Session, AClosedPortThatDoesNotOpenIsTriedOnEveryPass) {
   Build("IO");
-  Interface->Descriptor.State = 4;
-  Interface->RetryCount = 1;
+  interface->Descriptor.State = 4;
+  interface->RetryCount = 1;
   rlimit before{};
   getrlimit(RLIMIT_NOFILE, &before);
   const rlimit none{0, before.rlim_max};
@@ -169,14 +169,14 @@ TEST_F(Session, AClosedPortThatDoesNotOpenIsTriedOnEveryPass) {
   Pass();
   setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(State(), 4);
-  EXPECT_EQ(Interface->RetryCount, 2);
+  EXPECT_EQ(interface->RetryCount, 2);
   Pass();
   EXPECT_EQ(State(), 1);
 }
 
 TEST_F(Session, ASecondClientIsNotServedAndDroppedAtTheClose) {
   Build("IO");
-  Interface->Init();
+  interface->Init();
   Client first = ServedClient();
   Client second(Port());
   Pass();
@@ -191,17 +191,17 @@ TEST_F(Session, ASecondClientIsNotServedAndDroppedAtTheClose) {
 
 TEST_F(Session, LogsASignal) {
   Build("CAE");
-  Interface->mf_SIGhandler(15);
-  Interface->mf_SIGhandler(2);
-  EXPECT_EQ(Log.Lines(),
+  interface->mf_SIGhandler(15);
+  interface->mf_SIGhandler(2);
+  EXPECT_EQ(log.Lines(),
             (Texts{"[INF] signal 15 on CAE interface", "[INF] signal 2 on CAE interface"}));
 }
 
 TEST_F(Session, TheOddlyNamedInterfaceNeverEndsItsPass) {
   BuildRunning("DMI");
-  EXPECT_TRUE(Log.WaitFor("[INF] On task DMI interface"));
-  Interface.reset();
-  EXPECT_EQ(Log.Lines(), Texts{"[INF] On task DMI interface"});
+  EXPECT_TRUE(log.WaitFor("[INF] On task DMI interface"));
+  interface.reset();
+  EXPECT_EQ(log.Lines(), Texts{"[INF] On task DMI interface"});
 }
 
 TEST_F(Session, RunsByItselfFromListeningToListeningAgain) {
@@ -212,5 +212,5 @@ TEST_F(Session, RunsByItselfFromListeningToListeningAgain) {
       return client.IsOpen() && client.IsServed() && client.Sees(kGreeting);
     }));
   }
-  EXPECT_GE(Log.Count("[INF] connection is closed by client on IO interface"), 2);
+  EXPECT_GE(log.Count("[INF] connection is closed by client on IO interface"), 2);
 }

@@ -12,7 +12,7 @@ namespace {
 class Transfer : public SocketTest {
  protected:
   ~Transfer() override {
-    if (Peer >= 0) close(Peer);
+    if (peer >= 0) close(peer);
   }
 
   // A connected interface; each of its writes is one packet to the peer, or part of
@@ -21,28 +21,28 @@ class Transfer : public SocketTest {
     Build("IO", data_mode);
     std::array<int, 2> ends{};
     ASSERT_EQ(socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends.data()), 0);
-    Interface->ClientSocket.Adopt(ends[0]);
-    Peer = ends[1];
-    StoreShared<int>(Interface->Descriptor.State, 3);
+    interface->ClientSocket.Adopt(ends[0]);
+    peer = ends[1];
+    StoreShared<int>(interface->Descriptor.State, 3);
   }
 
   void PeerSends(const std::string& bytes) const {
-    ASSERT_EQ(send(Peer, bytes.data(), bytes.size(), 0), static_cast<ssize_t>(bytes.size()));
+    ASSERT_EQ(send(peer, bytes.data(), bytes.size(), 0), static_cast<ssize_t>(bytes.size()));
   }
 
   // The next write as a whole; empty where there was none.
   std::string NextWrite() const {
     std::array<char, 2048> buffer{};
-    const ssize_t count = recv(Peer, buffer.data(), buffer.size(), MSG_DONTWAIT);
+    const ssize_t count = recv(peer, buffer.data(), buffer.size(), MSG_DONTWAIT);
     return count > 0 ? std::string(buffer.data(), static_cast<std::size_t>(count)) : "";
   }
 
   void PeerLeaves() {
-    close(Peer);
-    Peer = -1;
+    close(peer);
+    peer = -1;
   }
 
-  int Peer = -1;
+  int peer = -1;
 };
 
 }  // namespace
@@ -51,7 +51,7 @@ TEST_F(Transfer, WhatTheClientSendsIsQueuedAsItCame) {
   Connect(kTextData);
   PeerSends("HELP\r\n");
   Pass();
-  EXPECT_EQ(TakeTexts(Received), Texts{"HELP\r\n"});
+  EXPECT_EQ(TakeTexts(received), Texts{"HELP\r\n"});
 }
 
 TEST_F(Transfer, OneReadIsOneItem) {
@@ -60,7 +60,7 @@ TEST_F(Transfer, OneReadIsOneItem) {
   Pass();
   PeerSends("VER\r\n");
   Pass();
-  EXPECT_EQ(TakeTexts(Received), (Texts{"HELP\r\nDRV", "VER\r\n"}));
+  EXPECT_EQ(TakeTexts(received), (Texts{"HELP\r\nDRV", "VER\r\n"}));
 }
 
 TEST_F(Transfer, ABurstIsCutAfter255Bytes) {
@@ -69,7 +69,7 @@ TEST_F(Transfer, ABurstIsCutAfter255Bytes) {
   Pass();
   Pass();
   Pass();
-  EXPECT_EQ(TakeTexts(Received), (Texts{std::string(255, 'a'), std::string(45, 'b')}));
+  EXPECT_EQ(TakeTexts(received), (Texts{std::string(255, 'a'), std::string(45, 'b')}));
 }
 
 TEST_F(Transfer, AZeroByteEndsATextItem) {
@@ -78,26 +78,26 @@ TEST_F(Transfer, AZeroByteEndsATextItem) {
   Pass();
   PeerSends(std::string("\0CD", 3));
   Pass();
-  EXPECT_EQ(TakeAll(Received), (std::vector<QList>{TextBytes("AB"), QList()}));
+  EXPECT_EQ(TakeAll(received), (std::vector<QList>{List("AB"), QList()}));
 }
 
 TEST_F(Transfer, NoInputQueuesNothing) {
   Connect(kTextData);
   Pass();
-  EXPECT_TRUE(Received.IsEmpty());
+  EXPECT_TRUE(received.IsEmpty());
   EXPECT_EQ(State(), 3);
 }
 
 TEST_F(Transfer, AnItemAndItsCarriageReturnAreOneWrite) {
   Connect(kTextData);
-  Interface->OutQueue->ToQueue(TextBytes("OK"));
+  interface->OutQueue->ToQueue(List("OK"));
   Pass();
   EXPECT_EQ(NextWrite(), "OK\r");
 }
 
 TEST_F(Transfer, OneItemGoesOutInAPass) {
   Connect(kTextData);
-  for (const char* text : {"1", "2", "3"}) Interface->OutQueue->ToQueue(TextBytes(text));
+  for (const char* text : {"1", "2", "3"}) interface->OutQueue->ToQueue(List(text));
   for (const char* text : {"1\r", "2\r", "3\r"}) {
     Pass();
     EXPECT_EQ(NextWrite(), text);
@@ -107,30 +107,30 @@ TEST_F(Transfer, OneItemGoesOutInAPass) {
 
 TEST_F(Transfer, AnEmptyItemIsACarriageReturn) {
   Connect(kTextData);
-  Interface->OutQueue->ToQueue({});
+  interface->OutQueue->ToQueue({});
   Pass();
   EXPECT_EQ(NextWrite(), "\r");
 }
 
 TEST_F(Transfer, ZeroBytesGoOutToo) {
   Connect(kTextData);
-  Interface->OutQueue->ToQueue(Bytes({'A', 0, 'B'}));
+  interface->OutQueue->ToQueue(List({'A', 0, 'B'}));
   Pass();
   EXPECT_EQ(NextWrite(), std::string("A\0B\r", 4));
 }
 
 TEST_F(Transfer, ALongItemGoesOutWhole) {
   Connect(kTextData);
-  Interface->OutQueue->ToQueue(QList(700, 'x'));
+  interface->OutQueue->ToQueue(QList(700, 'x'));
   Pass();
   EXPECT_EQ(NextWrite(), std::string(700, 'x') + "\r");
 }
 
 TEST_F(Transfer, BinaryItemsHaveTheirLengthInFront) {
   Connect(kBinaryData);
-  Interface->OutQueue->ToQueue(Bytes({'A', 0, 'B'}));
-  Interface->OutQueue->ToQueue({});
-  Interface->OutQueue->ToQueue(QList(258, 'x'));
+  interface->OutQueue->ToQueue(List({'A', 0, 'B'}));
+  interface->OutQueue->ToQueue({});
+  interface->OutQueue->ToQueue(QList(258, 'x'));
   Pass();
   EXPECT_EQ(NextWrite(), std::string("\x03"
                                      "A\0B",
@@ -145,37 +145,37 @@ TEST_F(Transfer, ABinaryReadIsCountedByItsFirstByte) {
   Connect(kBinaryData);
   PeerSends(std::string("\x03\x41\x00\x42zz", 6));
   Pass();
-  EXPECT_EQ(TakeAll(Received), std::vector<QList>{Bytes({0x41, 0x00, 0x42})});
+  EXPECT_EQ(TakeAll(received), std::vector<QList>{List({0x41, 0x00, 0x42})});
 }
 
 TEST_F(Transfer, WhatABinaryCountPromisesTooMuchIsZero) {
   Connect(kBinaryData);
   PeerSends("\xFFz");
   Pass();
-  QList expected = TextBytes("z");
+  QList expected = List("z");
   expected.resize(255);
-  EXPECT_EQ(TakeAll(Received), std::vector<QList>{expected});
+  EXPECT_EQ(TakeAll(received), std::vector<QList>{expected});
 }
 
 TEST_F(Transfer, AnItemTakenAsTheClientGoesIsLost) {
   Connect(kTextData);
   PeerLeaves();
-  Interface->OutQueue->ToQueue(TextBytes("1"));
-  Interface->OutQueue->ToQueue(TextBytes("2"));
+  interface->OutQueue->ToQueue(List("1"));
+  interface->OutQueue->ToQueue(List("2"));
   Pass();
   EXPECT_EQ(State(), 4);
-  EXPECT_EQ(Log.Lines(), (Texts{"[INF] connection is closed by client on IO interface",
+  EXPECT_EQ(log.Lines(), (Texts{"[INF] connection is closed by client on IO interface",
                                 "[ERR] socket write error on IO interface"}));
-  EXPECT_EQ(TakeTexts(*Interface->OutQueue), Texts{"2"});
+  EXPECT_EQ(TakeTexts(*interface->OutQueue), Texts{"2"});
 }
 
 TEST_F(Transfer, AWriteThatFailsIsLoggedAndRaisesNoSignal) {
   Connect(kTextData, SOCK_STREAM);
-  shutdown(Peer, SHUT_RD);
-  Interface->OutQueue->ToQueue(TextBytes("lost"));
+  shutdown(peer, SHUT_RD);
+  interface->OutQueue->ToQueue(List("lost"));
   Pass();
-  EXPECT_EQ(Log.Lines(), Texts{"[ERR] socket write error on IO interface"});
-  EXPECT_TRUE(Interface->OutQueue->IsEmpty());
+  EXPECT_EQ(log.Lines(), Texts{"[ERR] socket write error on IO interface"});
+  EXPECT_TRUE(interface->OutQueue->IsEmpty());
   EXPECT_EQ(State(), 3);
 }
 
@@ -183,7 +183,7 @@ TEST_F(Transfer, AWriteThatFailsIsLoggedAndRaisesNoSignal) {
 TEST_F(Transfer, AWaitThatFailsStillSends) {
   Connect(kTextData);
   PeerSends("not read");
-  Interface->OutQueue->ToQueue(TextBytes("sent"));
+  interface->OutQueue->ToQueue(List("sent"));
   rlimit before{};
   getrlimit(RLIMIT_NOFILE, &before);
   const rlimit none{0, before.rlim_max};
@@ -191,13 +191,13 @@ TEST_F(Transfer, AWaitThatFailsStillSends) {
   Pass();
   setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(NextWrite(), "sent\r");
-  EXPECT_TRUE(Received.IsEmpty());
+  EXPECT_TRUE(received.IsEmpty());
 }
 
 TEST_F(Transfer, PacesItselfByTheThreadDelay) {
   Connect(kTextData);
   for (const int delay : {0, -2147483647, 1}) {
-    StoreShared(Interface->Descriptor.ThreadDelay, delay);
+    StoreShared(interface->Descriptor.ThreadDelay, delay);
     Pass();
   }
   EXPECT_EQ(State(), 3);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Bytes.h"
+#include "support/Lists.h"
 
 namespace {
 
@@ -16,13 +16,13 @@ std::string Printed(Print print) {
 }  // namespace
 
 TEST(ByteDump, PrintsAListWithItsSize) {
-  EXPECT_EQ(Printed([] { PrintQList(Bytes({0x41, 0x05})); }), "List size: 2\nContent: A:65|.:5|\n");
+  EXPECT_EQ(Printed([] { PrintQList(List({0x41, 0x05})); }), "List size: 2\nContent: A:65|.:5|\n");
   EXPECT_EQ(Printed([] { PrintQList({}); }), "List size: 0\nContent: \n");
 }
 
 TEST(ByteDump, PrintsBytesFrom0x20OnAsCharacters) {
   EXPECT_EQ(Printed([] {
-              PrintQList(Bytes({0x00, 0x1F, 0x20, 0x7C, 0xFF}));
+              PrintQList(List({0x00, 0x1F, 0x20, 0x7C, 0xFF}));
             }),
             "List size: 5\nContent: .:0|.:31| :32||:124|\xFF:255|\n");
 }

@@ -4,11 +4,11 @@
 
 #include <array>
 
-#include "support/Bytes.h"
 #include "support/LastLine.h"
+#include "support/Lists.h"
 
 TEST(ByteList, ReadsALengthPrefixedBufferWithItsZeroBytes) {
-  EXPECT_EQ(Convert_BinBuff2QList("\x03\x41\x00\x42\x43"), Bytes({0x41, 0x00, 0x42}));
+  EXPECT_EQ(Convert_BinBuff2QList("\x03\x41\x00\x42\x43"), List({0x41, 0x00, 0x42}));
   EXPECT_EQ(Convert_BinBuff2QList("\x00\x41"), QList());
 }
 
@@ -20,18 +20,18 @@ TEST(ByteList, ReadsTheLengthByteWithoutSign) {
 }
 
 TEST(ByteList, ReadsAZeroTerminatedText) {
-  EXPECT_EQ(Convert_CharBuff2QList("AB"), Bytes({0x41, 0x42}));
+  EXPECT_EQ(Convert_CharBuff2QList("AB"), List({0x41, 0x42}));
   EXPECT_EQ(Convert_CharBuff2QList(""), QList());
 }
 
 TEST(ByteList, AnEmptyStringBecomesOneZeroByte) {
-  EXPECT_EQ(Convert_String2QList(""), Bytes({0}));
-  EXPECT_EQ(Convert_String2QList("AB"), Bytes({0x41, 0x42}));
+  EXPECT_EQ(Convert_String2QList(""), List({0}));
+  EXPECT_EQ(Convert_String2QList("AB"), List({0x41, 0x42}));
 }
 
 TEST(ByteList, AStringEndsAtItsFirstZeroByte) {
-  EXPECT_EQ(Convert_String2QList(std::string("A\0B", 3)), Bytes({0x41}));
-  EXPECT_EQ(Convert_String2QList(std::string("\0B", 2)), Bytes({0}));
+  EXPECT_EQ(Convert_String2QList(std::string("A\0B", 3)), List({0x41}));
+  EXPECT_EQ(Convert_String2QList(std::string("\0B", 2)), List({0}));
 }
 
 TEST(ByteList, Takes999Characters) {
@@ -50,13 +50,13 @@ TEST(ByteListDeathTest, AThousandCharactersEndTheProcess) {
 
 TEST(ByteList, WritesTheBytesAloneIntoABuffer) {
   std::array<char, 4> out{'w', 'x', 'y', 'z'};
-  Convert_QList2BinBuff(Bytes({0x41, 0x00, 0x42}), out.data());
+  Convert_QList2BinBuff(List({0x41, 0x00, 0x42}), out.data());
   EXPECT_EQ(out, (std::array<char, 4>{'A', '\0', 'B', 'z'}));
 }
 
 TEST(ByteList, AListAsTextEndsAtItsFirstZeroByte) {
-  EXPECT_EQ(Convert_QList2String(Bytes({0x41, 0x00, 0x42})), "A");
-  EXPECT_EQ(Convert_QList2String(Bytes({0x41, 0xFF})), "A\xFF");
+  EXPECT_EQ(Convert_QList2String(List({0x41, 0x00, 0x42})), "A");
+  EXPECT_EQ(Convert_QList2String(List({0x41, 0xFF})), "A\xFF");
   EXPECT_EQ(Convert_QList2String({}), "");
 }
 
@@ -65,7 +65,7 @@ TEST(ByteList, AListAsTextStopsAt999Bytes) {
 }
 
 TEST(ByteList, ConversionsLeaveTheListAlone) {
-  const QList list = Bytes({0x41, 0x42});
+  const QList list = List({0x41, 0x42});
   QList passed = list;
   Convert_QList2String(passed);
   GetQListError(passed);
@@ -74,22 +74,22 @@ TEST(ByteList, ConversionsLeaveTheListAlone) {
 
 TEST(ByteList, SortsRepliesByTheirFirstByte) {
   EXPECT_EQ(GetQListError({}), 5);
-  EXPECT_EQ(GetQListError(TextBytes("TME")), 1);
-  EXPECT_EQ(GetQListError(Bytes({0x54})), 1);
-  EXPECT_EQ(GetQListError(Bytes({0x12})), 2);
-  EXPECT_EQ(GetQListError(TextBytes("#")), 3);
-  EXPECT_EQ(GetQListError(TextBytes("$")), 3);
-  EXPECT_EQ(GetQListError(TextBytes("N")), 4);
-  EXPECT_EQ(GetQListError(TextBytes("B")), 6);
-  EXPECT_EQ(GetQListError(TextBytes("C")), 6);
+  EXPECT_EQ(GetQListError(List("TME")), 1);
+  EXPECT_EQ(GetQListError(List({0x54})), 1);
+  EXPECT_EQ(GetQListError(List({0x12})), 2);
+  EXPECT_EQ(GetQListError(List("#")), 3);
+  EXPECT_EQ(GetQListError(List("$")), 3);
+  EXPECT_EQ(GetQListError(List("N")), 4);
+  EXPECT_EQ(GetQListError(List("B")), 6);
+  EXPECT_EQ(GetQListError(List("C")), 6);
 }
 
 TEST(ByteList, EveryOtherFirstByteIsAGoodReply) {
   for (const int first : {0x00, 0x11, 0x21, 0x31, 0x41, 0x44, 0x4C, 0x51, 0xD4, 0xFF})
-    EXPECT_EQ(GetQListError(Bytes({first, 'T'})), 0) << first;
+    EXPECT_EQ(GetQListError(List({first, 'T'})), 0) << first;
 }
 
 TEST(ByteList, MakesAListOfByteValues) {
-  EXPECT_EQ(MakeQList({0x00, 0x7F, 0xFF}), Bytes({0x00, 0x7F, 0xFF}));
+  EXPECT_EQ(MakeQList({0x00, 0x7F, 0xFF}), List({0x00, 0x7F, 0xFF}));
   EXPECT_EQ(MakeQList({}), QList());
 }

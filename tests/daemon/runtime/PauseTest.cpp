@@ -26,17 +26,17 @@ microseconds Length(Pause pause) {
 class SleepThat {
  public:
   explicit SleepThat(const std::string& script) {
-    std::ofstream(Dir.Path("sleep")) << "#!/bin/sh\n" << script << '\n';
-    std::filesystem::permissions(Dir.Path("sleep"), std::filesystem::perms::owner_all);
-    setenv("PATH", (Dir.Path("") + ":" + Path).c_str(), 1);
+    std::ofstream(dir_.Path("sleep")) << "#!/bin/sh\n" << script << '\n';
+    std::filesystem::permissions(dir_.Path("sleep"), std::filesystem::perms::owner_all);
+    setenv("PATH", (dir_.Path("") + ":" + path_).c_str(), 1);
   }
-  ~SleepThat() { setenv("PATH", Path.c_str(), 1); }
+  ~SleepThat() { setenv("PATH", path_.c_str(), 1); }
   SleepThat(const SleepThat&) = delete;
   SleepThat& operator=(const SleepThat&) = delete;
 
  private:
-  const TempDir Dir;
-  const std::string Path = std::getenv("PATH");
+  const TempDir dir_;
+  const std::string path_ = std::getenv("PATH");
 };
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Bytes.h"
 #include "kit/Helper.h"
+#include "support/Lists.h"
 
 TEST(Queue, ANewOneIsEmptyAndGivesAnEmptyList) {
   QEQUEUE queue;
@@ -24,7 +24,7 @@ TEST(Queue, AnEmptyListIsAnItem) {
 
 TEST(Queue, KeepsTheOrderOfThousands) {
   QEQUEUE queue;
-  for (int i = 0; i < 5000; ++i) queue.ToQueue(TextBytes(std::to_string(i)));
+  for (int i = 0; i < 5000; ++i) queue.ToQueue(List(std::to_string(i)));
   EXPECT_EQ(queue.Size(), 5000U);
   for (int i = 0; i < 5000; ++i) ASSERT_EQ(Text(queue.DeQueue()), std::to_string(i));
   EXPECT_TRUE(queue.IsEmpty());
@@ -32,26 +32,26 @@ TEST(Queue, KeepsTheOrderOfThousands) {
 
 TEST(Queue, KeepsItsOwnCopy) {
   QEQUEUE queue;
-  QList list = Bytes({1, 2});
+  QList list = List({1, 2});
   queue.ToQueue(list);
   list.push_back(3);
-  EXPECT_EQ(queue.DeQueue(), Bytes({1, 2}));
-  EXPECT_EQ(list, Bytes({1, 2, 3}));
+  EXPECT_EQ(queue.DeQueue(), List({1, 2}));
+  EXPECT_EQ(list, List({1, 2, 3}));
 }
 
 TEST(Queue, FillingUnderItsOwnLockReleasesTheLock) {
   QEQUEUE queue;
   queue.Lock.Lock();
-  queue.ToQueue(Bytes({7}));
-  Helper([&] { queue.ToQueue(Bytes({8})); }).Join();  // gets the lock
-  EXPECT_EQ(queue.DeQueue(), Bytes({7}));
-  EXPECT_EQ(queue.DeQueue(), Bytes({8}));
+  queue.ToQueue(List({7}));
+  Helper([&] { queue.ToQueue(List({8})); }).Join();  // gets the lock
+  EXPECT_EQ(queue.DeQueue(), List({7}));
+  EXPECT_EQ(queue.DeQueue(), List({8}));
 }
 
 TEST(Queue, PassesItemsFromTwoThreadsToAThird) {
   QEQUEUE queue;
   const auto fill = [&](int value) {
-    for (int i = 0; i < 2000; ++i) queue.ToQueue(Bytes({value}));
+    for (int i = 0; i < 2000; ++i) queue.ToQueue(List({value}));
   };
   Helper first([&] { fill(1); });
   Helper second([&] { fill(2); });

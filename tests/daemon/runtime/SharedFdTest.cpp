@@ -34,8 +34,8 @@ bool IsDevNull(int fd) {
 }
 
 struct SocketPair {
-  SocketPair() { socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Ends.data()); }
-  std::array<int, 2> Ends{};
+  SocketPair() { socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()); }
+  std::array<int, 2> ends{};
 };
 
 }  // namespace
@@ -84,7 +84,7 @@ TEST(SharedFd, WithdrawWakesABlockedAccept) {
 TEST(SharedFd, WithdrawWakesABlockedWrite) {
   const SocketPair pair;
   SHARED_FD fd;
-  fd.Adopt(pair.Ends[0]);
+  fd.Adopt(pair.ends[0]);
   std::atomic<int> error{0};
   Helper owner([&] {
     const std::array<char, 4096> data{};
@@ -97,26 +97,26 @@ TEST(SharedFd, WithdrawWakesABlockedWrite) {
   owner.Join();
   EXPECT_TRUE(error == EPIPE || error == ENOTSOCK) << error;
   fd.Close();
-  close(pair.Ends[1]);
+  close(pair.ends[1]);
 }
 
 TEST(SharedFd, TheOtherSideSeesAWithdrawalAtOnce) {
   const SocketPair pair;
   SHARED_FD fd;
-  fd.Adopt(pair.Ends[0]);
+  fd.Adopt(pair.ends[0]);
   fd.Withdraw();
   char byte = 0;
-  EXPECT_EQ(read(pair.Ends[1], &byte, 1), 0);
+  EXPECT_EQ(read(pair.ends[1], &byte, 1), 0);
   fd.Close();
-  close(pair.Ends[1]);
+  close(pair.ends[1]);
 }
 
 TEST(SharedFd, AWithdrawnNumberIsNobodyElsesUntilItsOwnerCloses) {
   const SocketPair pair;
   SHARED_FD fd;
-  fd.Adopt(pair.Ends[0]);
+  fd.Adopt(pair.ends[0]);
   fd.Withdraw();
-  EXPECT_EQ(fd.Number(), pair.Ends[0]);
+  EXPECT_EQ(fd.Number(), pair.ends[0]);
   EXPECT_TRUE(IsDevNull(fd.Number()));
   EXPECT_NE(fcntl(fd.Number(), F_GETFD) & FD_CLOEXEC, 0);
   std::array<int, 64> others{};
@@ -125,25 +125,25 @@ TEST(SharedFd, AWithdrawnNumberIsNobodyElsesUntilItsOwnerCloses) {
     EXPECT_NE(other, fd.Number());
   }
   fd.Close();
-  EXPECT_FALSE(IsOpenNumber(pair.Ends[0]));
+  EXPECT_FALSE(IsOpenNumber(pair.ends[0]));
   for (const int other : others) close(other);
-  close(pair.Ends[1]);
+  close(pair.ends[1]);
 }
 
 TEST(SharedFd, ASecondWithdrawalChangesNothing) {
   const SocketPair pair;
   SHARED_FD fd;
-  fd.Adopt(pair.Ends[0]);
-  const int before = dup(pair.Ends[1]);
+  fd.Adopt(pair.ends[0]);
+  const int before = dup(pair.ends[1]);
   close(before);
   fd.Withdraw();
   fd.Withdraw();
   EXPECT_TRUE(fd.IsWithdrawn());
-  const int after = dup(pair.Ends[1]);
+  const int after = dup(pair.ends[1]);
   EXPECT_EQ(after, before);  // no descriptor was left open
   close(after);
   fd.Close();
-  close(pair.Ends[1]);
+  close(pair.ends[1]);
 }
 
 TEST(SharedFd, AfterAWithdrawalItTakesANewDescriptor) {

@@ -2,23 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include "runtime/Thread.h"
 #include "kit/Wait.h"
+#include "runtime/Thread.h"
 
 namespace {
 
 class Work : public CTask {
  public:
-  explicit Work(bool good = true) : Good(good) {}
+  explicit Work(bool is_good = true) : is_good_(is_good) {}
   bool Run() override {
-    StatusWhileRunning = GetStatus();
-    RunBy = pthread_self();
-    return Good;
+    status_while_running = GetStatus();
+    run_by = pthread_self();
+    return is_good_;
   }
 
-  bool Good;
-  TaskStatus_t StatusWhileRunning = kTaskNew;
-  pthread_t RunBy = 0;
+  TaskStatus_t status_while_running = kTaskNew;
+  pthread_t run_by = 0;
+
+ private:
+  bool is_good_;
 };
 
 }  // namespace
@@ -33,8 +35,8 @@ TEST(Task, IsQueuedThenRunningThenCompleted) {
   ASSERT_TRUE(thread.PingThread(0));
   ASSERT_TRUE(thread.Event(&work));
   ASSERT_TRUE(WaitUntil([&] { return work.GetStatus() == kTaskCompleted; }));
-  EXPECT_EQ(work.StatusWhileRunning, kTaskRunning);
-  EXPECT_TRUE(pthread_equal(work.GetThreadId(), work.RunBy));
+  EXPECT_EQ(work.status_while_running, kTaskRunning);
+  EXPECT_TRUE(pthread_equal(work.GetThreadId(), work.run_by));
 }
 
 TEST(Task, OneThatFailsEndsItsThread) {

@@ -5,10 +5,10 @@
 #include <atomic>
 #include <barrier>
 
-#include "runtime/Thread.h"
 #include "kit/Helper.h"
-#include "support/Sanitizers.h"
 #include "kit/Wait.h"
+#include "runtime/Thread.h"
+#include "support/Sanitizers.h"
 
 namespace {
 
@@ -18,12 +18,12 @@ class Worker : public CThread {
   Worker() { SetThreadType(kIntervalDriven, 1); }
   ~Worker() { Stop(); }
   bool OnTask() override {
-    ++Passes;
-    return !IsTired;
+    ++passes;
+    return !is_tired;
   }
 
-  std::atomic<bool> IsTired{false};
-  std::atomic<int> Passes{0};
+  std::atomic<bool> is_tired{false};
+  std::atomic<int> passes{0};
 };
 
 // An event-driven thread whose pass lasts until it is told.
@@ -31,27 +31,27 @@ class Sleeper : public CThread {
  public:
   ~Sleeper() { Stop(); }
   bool OnTask() override {
-    IsInPass = true;
-    WaitUntil([this] { return MayEnd.load(); });
-    return IsGood;
+    is_in_pass = true;
+    WaitUntil([this] { return may_end.load(); });
+    return is_good;
   }
 
-  std::atomic<bool> IsInPass{false};
-  std::atomic<bool> MayEnd{false};
-  std::atomic<bool> IsGood{true};
+  std::atomic<bool> is_in_pass{false};
+  std::atomic<bool> may_end{false};
+  std::atomic<bool> is_good{true};
 };
 
 }  // namespace
 
 TEST(ThreadLife, StopWaitsUntilTheThreadIsDown) {
   Worker thread;
-  ASSERT_TRUE(WaitUntil([&] { return thread.Passes > 0; }));
+  ASSERT_TRUE(WaitUntil([&] { return thread.passes > 0; }));
   thread.Stop();
   EXPECT_EQ(thread.ThreadState(), 2);
   EXPECT_FALSE(thread.IsRunning());
-  const int passes = thread.Passes;
+  const int passes = thread.passes;
   thread.Stop();
-  EXPECT_EQ(thread.Passes, passes);
+  EXPECT_EQ(thread.passes, passes);
 }
 
 TEST(ThreadLife, StopBeforeTheFirstPassRunsNone) {
@@ -67,7 +67,7 @@ TEST(ThreadLife, StopEndsAnEventDrivenThread) {
   ASSERT_TRUE(thread.PingThread(0));
   thread.Stop();
   EXPECT_EQ(thread.ThreadState(), 2);
-  EXPECT_FALSE(thread.IsInPass);
+  EXPECT_FALSE(thread.is_in_pass);
 }
 
 // Stop finds the event's mutex held by the pass and must not find it held for ever.
@@ -76,10 +76,10 @@ TEST(ThreadLife, StopDuringAnEventDrivenPassEndsAfterIt) {
     Sleeper thread;
     ASSERT_TRUE(thread.PingThread(0));
     ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
-    ASSERT_TRUE(WaitUntil([&] { return thread.IsInPass.load(); }));
+    ASSERT_TRUE(WaitUntil([&] { return thread.is_in_pass.load(); }));
     Helper stopper([&] { thread.Stop(); });
     stopper.WaitUntilBlocked();
-    thread.MayEnd = true;
+    thread.may_end = true;
     stopper.Join();
     EXPECT_EQ(thread.ThreadState(), 2);
   }
@@ -87,8 +87,8 @@ TEST(ThreadLife, StopDuringAnEventDrivenPassEndsAfterIt) {
 
 TEST(ThreadLife, AnEmptyPassThatFailsEndsAnEventDrivenThread) {
   Sleeper thread;
-  thread.IsGood = false;
-  thread.MayEnd = true;
+  thread.is_good = false;
+  thread.may_end = true;
   ASSERT_TRUE(thread.PingThread(0));
   ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
   EXPECT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
@@ -98,7 +98,7 @@ TEST(ThreadLife, AnEmptyPassThatFailsEndsAnEventDrivenThread) {
 
 TEST(ThreadLife, APassThatFailsEndsTheThread) {
   Worker thread;
-  thread.IsTired = true;
+  thread.is_tired = true;
   ASSERT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
   EXPECT_FALSE(thread.IsRunning());
 }
@@ -106,12 +106,12 @@ TEST(ThreadLife, APassThatFailsEndsTheThread) {
 TEST(ThreadLife, StartsAgainAfterItsEnd) {
   Worker thread;
   for (int i = 0; i < 20; ++i) {
-    thread.IsTired = true;
+    thread.is_tired = true;
     ASSERT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
-    const int passes = thread.Passes;
-    thread.IsTired = false;
+    const int passes = thread.passes;
+    thread.is_tired = false;
     ASSERT_TRUE(thread.Start());
-    EXPECT_TRUE(WaitUntil([&] { return thread.Passes > passes; }));
+    EXPECT_TRUE(WaitUntil([&] { return thread.passes > passes; }));
   }
 }
 
@@ -159,9 +159,9 @@ INSTANTIATE_TEST_SUITE_P(ThreadLife, ManyThreads, testing::Range(0, 8));
 TEST(ThreadLife, TwoStartsAtOnceMakeOneThread) {
   Worker thread;
   for (int i = 0; i < 500; ++i) {
-    thread.IsTired = true;
+    thread.is_tired = true;
     ASSERT_TRUE(WaitUntil([&] { return thread.ThreadState() == 2; }));
-    thread.IsTired = false;
+    thread.is_tired = false;
     std::barrier both(2);
     Helper other([&] {
       both.arrive_and_wait();

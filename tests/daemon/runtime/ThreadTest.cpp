@@ -15,44 +15,46 @@ namespace {
 class Collector : public CThread {
  public:
   ~Collector() {
-    MayWork = true;
+    may_work = true;
     Stop();
   }
 
   bool OnTask(void* object) override {
-    WaitUntil([this] { return MayWork.load(); });
-    Seen.push_back(*static_cast<int*>(object));
-    ++SeenCount;
+    WaitUntil([this] { return may_work.load(); });
+    seen.push_back(*static_cast<int*>(object));
+    ++seen_count;
     return true;
   }
   bool OnTask() override {
-    ++EmptyPasses;
-    WaitUntil([this] { return MayWork.load(); });
+    ++empty_passes;
+    WaitUntil([this] { return may_work.load(); });
     return true;
   }
 
-  std::atomic<bool> MayWork{true};
-  std::atomic<int> EmptyPasses{0};
-  std::atomic<int> SeenCount{0};
-  std::vector<int> Seen;  // to be read once SeenCount says so
+  std::atomic<bool> may_work{true};
+  std::atomic<int> empty_passes{0};
+  std::atomic<int> seen_count{0};
+  std::vector<int> seen;  // to be read once seen_count says so
 };
 
 // An interval-driven thread that counts its passes.
 class Ticker : public CThread {
  public:
-  explicit Ticker(bool may_work = true) : MayWork(may_work) { SetThreadType(kIntervalDriven, 10); }
+  explicit Ticker(bool may_work_at_once = true) : may_work(may_work_at_once) {
+    SetThreadType(kIntervalDriven, 10);
+  }
   ~Ticker() {
-    MayWork = true;
+    may_work = true;
     Stop();
   }
   bool OnTask() override {
-    ++Passes;
-    WaitUntil([this] { return MayWork.load(); });
+    ++passes;
+    WaitUntil([this] { return may_work.load(); });
     return true;
   }
 
-  std::atomic<bool> MayWork;
-  std::atomic<int> Passes{0};
+  std::atomic<bool> may_work;
+  std::atomic<int> passes{0};
 };
 
 }  // namespace
@@ -64,7 +66,7 @@ TEST(Thread, StartsEventDrivenAndWaiting) {
   EXPECT_EQ(thread.ThreadState(), 1);
   EXPECT_EQ(thread.GetErrors(), 0U);
   EXPECT_TRUE(thread.Empty());
-  EXPECT_EQ(thread.EmptyPasses, 0);
+  EXPECT_EQ(thread.empty_passes, 0);
 }
 
 TEST(Thread, RefusesTheHundredthObject) {
@@ -90,58 +92,58 @@ TEST(Thread, WorksOnTheYoungestObjectFirst) {
   std::vector<int> objects{1, 2, 3};
   for (int& object : objects) ASSERT_TRUE(thread.Push(&object));
   ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
-  ASSERT_TRUE(WaitUntil([&] { return thread.SeenCount == 3; }));
-  EXPECT_EQ(thread.Seen, (std::vector<int>{3, 2, 1}));
+  ASSERT_TRUE(WaitUntil([&] { return thread.seen_count == 3; }));
+  EXPECT_EQ(thread.seen, (std::vector<int>{3, 2, 1}));
   EXPECT_TRUE(WaitUntil([&] { return thread.ThreadState() == kThreadWaiting; }));
 }
 
 TEST(Thread, AWakeUpWithNothingPendingRunsOneEmptyPass) {
   Collector thread;
   ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
-  ASSERT_TRUE(WaitUntil([&] { return thread.EmptyPasses == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return thread.empty_passes == 1; }));
   int object = 7;
   ASSERT_TRUE(thread.Event(&object));
-  ASSERT_TRUE(WaitUntil([&] { return thread.SeenCount == 1; }));
-  EXPECT_EQ(thread.EmptyPasses, 1);
+  ASSERT_TRUE(WaitUntil([&] { return thread.seen_count == 1; }));
+  EXPECT_EQ(thread.empty_passes, 1);
 }
 
 TEST(Thread, IsBusyInsideAPass) {
   Collector thread;
-  thread.MayWork = false;
+  thread.may_work = false;
   ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
-  ASSERT_TRUE(WaitUntil([&] { return thread.EmptyPasses == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return thread.empty_passes == 1; }));
   EXPECT_EQ(thread.ThreadState(), 0);
-  thread.MayWork = true;
+  thread.may_work = true;
   EXPECT_TRUE(WaitUntil([&] { return thread.ThreadState() == 1; }));
 }
 
 TEST(Thread, AnEventDuringAPassWaitsForItsEndAndIsServed) {
   Collector thread;
-  thread.MayWork = false;
+  thread.may_work = false;
   ASSERT_TRUE(thread.Event(static_cast<void*>(nullptr)));
-  ASSERT_TRUE(WaitUntil([&] { return thread.EmptyPasses == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return thread.empty_passes == 1; }));
   int object = 5;
   Helper caller([&] { thread.Event(&object); });
   EXPECT_TRUE(caller.WaitUntilBlocked());
-  thread.MayWork = true;
+  thread.may_work = true;
   caller.Join();
-  EXPECT_TRUE(WaitUntil([&] { return thread.SeenCount == 1; }));
+  EXPECT_TRUE(WaitUntil([&] { return thread.seen_count == 1; }));
 }
 
 TEST(Thread, AnIntervalThreadPassesAgainAndAgain) {
   Ticker thread;
-  EXPECT_TRUE(WaitUntil([&] { return thread.Passes > 20; }));
+  EXPECT_TRUE(WaitUntil([&] { return thread.passes > 20; }));
 }
 
 TEST(Thread, AnEventOnAnIntervalThreadIsAFaultThatStopStillEnds) {
   Ticker thread(false);
-  ASSERT_TRUE(WaitUntil([&] { return thread.Passes == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return thread.passes == 1; }));
   int object = 0;
   EXPECT_FALSE(thread.Event(&object));
   EXPECT_EQ(thread.ThreadState(), 4);
   EXPECT_EQ(thread.GetErrors(), 0x10U);
   EXPECT_EQ(thread.GetEventsPending(), 0);
-  thread.MayWork = true;
+  thread.may_work = true;
   thread.Stop();
   EXPECT_EQ(thread.ThreadState(), 2);
 }
@@ -164,8 +166,8 @@ TEST(Thread, PingOfADeadThreadGivesUpAfterItsTimeout) {
 TEST(Thread, APriorityChangesNothing) {
   Ticker thread;
   thread.SetPriority(7);
-  const int passes = thread.Passes;
-  EXPECT_TRUE(WaitUntil([&] { return thread.Passes > passes; }));
+  const int passes = thread.passes;
+  EXPECT_TRUE(WaitUntil([&] { return thread.passes > passes; }));
 }
 
 TEST(Thread, SaysThatItIsAliveWhereNobodySaysMore) {

@@ -17,7 +17,7 @@ class MockBus {
   // One frame and what comes back for it; nothing unless told.
   class Exchange {
    public:
-    explicit Exchange(QList payload) : Payload(std::move(payload)) {}
+    explicit Exchange(QList payload) : payload_(std::move(payload)) {}
 
     // The payload of the reply; its length goes in front.
     Exchange& Reply(const QList& payload);
@@ -28,9 +28,9 @@ class MockBus {
 
    private:
     friend class MockBus;
-    QList Payload;
-    std::vector<QList> Replies;
-    long FirstRead = 1;
+    QList payload_;
+    std::vector<QList> replies_;
+    long first_read_ = 1;
   };
 
   MockBus();
@@ -45,12 +45,12 @@ class MockBus {
   void Send(const QList& wire);
 
   // Reads since the last frame.
-  long Reads() const { return ReadCount; }
+  long Reads() const { return read_count_; }
 
   // The device, and the same as a search lists it: eight characters behind "/dev/".
-  const std::string& Device() const { return Name; }
+  const std::string& Device() const { return name_; }
   std::string ListedName() const;
-  int Line() const { return Slave; }  // a descriptor of the device that stays open
+  int Line() const { return slave_; }  // a descriptor of the device that stays open
 
   // A link as it is after the search.
   int Open() const;
@@ -59,12 +59,12 @@ class MockBus {
   void TakeTurn();
   void TakeFrame(const QList& wire);
 
-  std::string Name;
-  int Master = -1;
-  int Slave = -1;
-  std::deque<Exchange> Script;
-  std::deque<QList> Pieces;  // of the reply under way
-  long FirstRead = 1;
-  long ReadCount = 0;
-  ReadHook Hook;
+  std::string name_;
+  int master_ = -1;
+  int slave_ = -1;
+  std::deque<Exchange> script_;
+  std::deque<QList> pieces_;  // of the reply under way
+  long first_read_ = 1;
+  long read_count_ = 0;
+  ReadHook hook_;
 };

@@ -4,36 +4,36 @@
 
 #include "kit/Helper.h"
 
-QelmTest::QelmTest() : Qelm(LOGGER(), &Signal) {
-  Qelm.Logger = Log.Logger();
-  Qelm.Config.ThreadDelay = 100;
-  Qelm.Config.IoDescriptor.InpSeparator = ";";
-  Qelm.Config.IoDescriptor.OutSeparator = "#";
-  Qelm.CaeInterface = Interface(Qelm.Config.CaeDescriptor, "CAE", Qelm.CaeQueue);
-  Qelm.IoInterface = Interface(Qelm.Config.IoDescriptor, "IO", Qelm.IoQueue);
-  Qelm.MonInterface = Interface(Qelm.Config.MonDescriptor, "MON", Qelm.MonQueue);
-  Qelm.SerialInterface = new SERIAL_INTERFACE;
-  Qelm.SerialInterface->Logger = Qelm.Logger;
-  Qelm.SerialInterface->Cards = Qelm.Cards;
-  Qelm.SerialInterface->OutQueue = Qelm.SerialQueue;
-  for (QEQUEUE*& queue : Qelm.SerialInterface->CardQueues) queue = new QEQUEUE;
+QelmTest::QelmTest() : qelm(LOGGER(), &signal) {
+  qelm.Logger = log.Logger();
+  qelm.Config.ThreadDelay = 100;
+  qelm.Config.IoDescriptor.InpSeparator = ";";
+  qelm.Config.IoDescriptor.OutSeparator = "#";
+  qelm.CaeInterface = Interface(qelm.Config.CaeDescriptor, "CAE", qelm.CaeQueue);
+  qelm.IoInterface = Interface(qelm.Config.IoDescriptor, "IO", qelm.IoQueue);
+  qelm.MonInterface = Interface(qelm.Config.MonDescriptor, "MON", qelm.MonQueue);
+  qelm.SerialInterface = new SERIAL_INTERFACE;
+  qelm.SerialInterface->Logger = qelm.Logger;
+  qelm.SerialInterface->Cards = qelm.Cards;
+  qelm.SerialInterface->OutQueue = qelm.SerialQueue;
+  for (QEQUEUE*& queue : qelm.SerialInterface->CardQueues) queue = new QEQUEUE;
 }
 
 SOCKET_INTERFACE* QelmTest::Interface(INTERFACE_DESCRIPTOR& descriptor, const std::string& name,
                                       QEQUEUE* in_queue) const {
   descriptor.Name = name;
-  auto* interface = new SOCKET_INTERFACE(descriptor, Qelm.Logger, in_queue, kTextData);
+  auto* interface = new SOCKET_INTERFACE(descriptor, qelm.Logger, in_queue, kTextData);
   interface->Halt();
   return interface;
 }
 
 Texts CaeTest::Run(const std::string& line, const std::vector<QList>& answers) {
-  Requests.clear();
+  requests.clear();
   const auto gate = answers.empty() ? nullptr : std::make_unique<SleepGate>();
   Helper serial_side([&] {
     for (const QList& answer : answers) Answer(answer, *gate);
   });
-  Qelm.ParseCaeLine(line);
+  qelm.ParseCaeLine(line);
   serial_side.Join();
   EXPECT_TRUE(CardQueue(16).IsEmpty());
   return CaeReplies();
@@ -41,10 +41,10 @@ Texts CaeTest::Run(const std::string& line, const std::vector<QList>& answers) {
 
 void CaeTest::Answer(const QList& answer, SleepGate& gate) {
   EXPECT_TRUE(WaitUntil([&] { return !CardQueue(16).IsEmpty(); }));
-  Requests.push_back(CardQueue(16).DeQueue());
+  requests.push_back(CardQueue(16).DeQueue());
   if (!answer.empty()) {
     const std::vector<unsigned char> bytes(answer.begin(), answer.end());
-    Qelm.Cards[bytes.at(1)].FileQueryReply(bytes);
+    qelm.Cards[bytes.at(1)].FileQueryReply(bytes);
   }
   EXPECT_TRUE(gate.Open());
 }

@@ -10,10 +10,10 @@
 #include "bus/PerifCard.h"
 #include "bus/SerialInterface.h"
 #include "core/qelm.h"
+#include "kit/SleepControl.h"
 #include "net/SocketInterface.h"
 #include "runtime/Shared.h"
-#include "support/Bytes.h"
-#include "kit/SleepControl.h"
+#include "support/Lists.h"
 #include "support/TempLog.h"
 
 using Texts = std::vector<std::string>;
@@ -24,18 +24,18 @@ class QelmTest : public testing::Test {
   QelmTest();
 
   void PlugCard(int address, int type) const {
-    Qelm.Cards[address].setCardData(static_cast<unsigned char>(type),
+    qelm.Cards[address].setCardData(static_cast<unsigned char>(type),
                                     static_cast<unsigned char>(address));
   }
 
-  Texts CaeReplies() const { return TakeTexts(*Qelm.CaeInterface->OutQueue); }
-  Texts IoOutput() const { return TakeTexts(*Qelm.IoInterface->OutQueue); }
-  Texts MonOutput() const { return TakeTexts(*Qelm.MonInterface->OutQueue); }
-  QEQUEUE& CardQueue(std::size_t index) const { return *Qelm.SerialInterface->CardQueues[index]; }
+  Texts CaeReplies() const { return TakeTexts(*qelm.CaeInterface->OutQueue); }
+  Texts IoOutput() const { return TakeTexts(*qelm.IoInterface->OutQueue); }
+  Texts MonOutput() const { return TakeTexts(*qelm.MonInterface->OutQueue); }
+  QEQUEUE& CardQueue(std::size_t index) const { return *qelm.SerialInterface->CardQueues[index]; }
 
-  int Signal = kNoSignal;
-  TempLog Log;
-  QELM Qelm;
+  int signal = kNoSignal;
+  TempLog log;
+  QELM qelm;
 
  private:
   SOCKET_INTERFACE* Interface(INTERFACE_DESCRIPTOR& descriptor, const std::string& name,
@@ -51,7 +51,7 @@ class CaeTest : public QelmTest {
   Texts Run(const std::string& line, const std::vector<QList>& answers = {});
 
   // The payloads of the requests that the last line made.
-  std::vector<QList> Requests;
+  std::vector<QList> requests;
 
  private:
   void Answer(const QList& answer, SleepGate& gate);

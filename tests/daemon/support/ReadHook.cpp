@@ -21,6 +21,6 @@ ssize_t __wrap_read(int fd, void* buffer, size_t size) {
 }
 }
 
-ReadHook::ReadHook(std::function<void()> action) : Action(std::move(action)) { active = this; }
+ReadHook::ReadHook(std::function<void()> action) : action_(std::move(action)) { active = this; }
 
 ReadHook::~ReadHook() { active = nullptr; }

@@ -12,8 +12,8 @@ class ReadHook {
   ReadHook(const ReadHook&) = delete;
   ReadHook& operator=(const ReadHook&) = delete;
 
-  void Run() const { Action(); }
+  void Run() const { action_(); }
 
  private:
-  std::function<void()> Action;
+  std::function<void()> action_;
 };

@@ -8,46 +8,46 @@
 #include <vector>
 
 #include "bus/SerialInterface.h"
-#include "support/Bytes.h"
+#include "support/Lists.h"
 #include "support/MockBus.h"
 #include "support/TempLog.h"
 
 class SerialTest : public testing::Test {
  protected:
   SerialTest() {
-    Serial.Logger = Log.Logger();
-    Serial.OutQueue = &Reports;
-    Serial.Cards = Cards.data();
-    Serial.ThreadDelay = 0;
-    Serial.DeviceMode = kNamedDevice;
-    Serial.DeviceName = Bus.Device();
-    for (QEQUEUE*& queue : Serial.CardQueues) queue = new QEQUEUE;
-    for (PERIFCARD& card : Cards) card.clearPerifCard();
+    serial.Logger = log.Logger();
+    serial.OutQueue = &reports;
+    serial.Cards = cards.data();
+    serial.ThreadDelay = 0;
+    serial.DeviceMode = kNamedDevice;
+    serial.DeviceName = bus.Device();
+    for (QEQUEUE*& queue : serial.CardQueues) queue = new QEQUEUE;
+    for (PERIFCARD& card : cards) card.clearPerifCard();
   }
 
   // The link as it is once the adapter has been found.
   void Connect() {
-    Serial.Fd.Adopt(Bus.Open());
-    Serial.LinkState = kLinkUp;
+    serial.Fd.Adopt(bus.Open());
+    serial.LinkState = kLinkUp;
   }
 
-  QEQUEUE& Queue(std::size_t index) { return *Serial.CardQueues[index]; }
-  void Round() { EXPECT_TRUE(Serial.OnTask()); }
+  QEQUEUE& Queue(std::size_t index) { return *serial.CardQueues[index]; }
+  void Round() { EXPECT_TRUE(serial.OnTask()); }
 
   // One round in which the card's frame is answered by this reply.
   void RoundWithReply(std::size_t index, const QList& reply) {
-    Queue(index).ToQueue(Bytes({0x20, 0x01}));
-    Bus.ExpectFrame(Bytes({0x20, 0x01})).Reply(reply);
+    Queue(index).ToQueue(List({0x20, 0x01}));
+    bus.ExpectFrame(List({0x20, 0x01})).Reply(reply);
     Round();
   }
 
-  std::vector<std::string> TakeReports() { return TakeTexts(Reports); }
+  std::vector<std::string> TakeReports() { return TakeTexts(reports); }
 
-  TempLog Log;
-  MockBus Bus;
-  QEQUEUE Reports;
-  std::array<PERIFCARD, 17> Cards;
-  SERIAL_INTERFACE Serial;
+  TempLog log;
+  MockBus bus;
+  QEQUEUE reports;
+  std::array<PERIFCARD, 17> cards;
+  SERIAL_INTERFACE serial;
 };
 
 using Texts = std::vector<std::string>;

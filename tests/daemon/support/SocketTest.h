@@ -12,7 +12,7 @@
 #include "kit/SleepControl.h"
 #include "net/SocketInterface.h"
 #include "runtime/Shared.h"
-#include "support/Bytes.h"
+#include "support/Lists.h"
 #include "support/TempLog.h"
 
 using Texts = std::vector<std::string>;
@@ -28,19 +28,19 @@ class SocketTest : public testing::Test {
     descriptor.Name = name;
     descriptor.Port = FreePort();
     descriptor.ThreadDelay = 100;
-    Interface = std::make_unique<SOCKET_INTERFACE>(descriptor, Log.Logger(), &Received, data_mode);
-    return *Interface;
+    interface = std::make_unique<SOCKET_INTERFACE>(descriptor, log.Logger(), &received, data_mode);
+    return *interface;
   }
 
   // With a thread that has ended.
   SOCKET_INTERFACE& Build(const std::string& name, int data_mode = kTextData) {
     BuildRunning(name, data_mode).Halt();
-    return *Interface;
+    return *interface;
   }
 
-  void Pass() { EXPECT_TRUE(Interface->OnTask()); }
-  int State() const { return Observe(Interface->Descriptor.State); }
-  int Port() const { return Interface->Descriptor.Port; }
+  void Pass() { EXPECT_TRUE(interface->OnTask()); }
+  int State() const { return Observe(interface->Descriptor.State); }
+  int Port() const { return interface->Descriptor.Port; }
   std::string PortText() const { return std::to_string(Port()); }
 
   // A client that has been accepted and has read its greeting.
@@ -52,8 +52,8 @@ class SocketTest : public testing::Test {
     return client;
   }
 
-  SleepRecord Sleeps;
-  TempLog Log;
-  QEQUEUE Received;
-  std::unique_ptr<SOCKET_INTERFACE> Interface;
+  SleepRecord sleeps;
+  TempLog log;
+  QEQUEUE received;
+  std::unique_ptr<SOCKET_INTERFACE> interface;
 };

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "runtime/Logger.h"
 #include "kit/TempDir.h"
 #include "kit/Wait.h"
+#include "runtime/Logger.h"
 
 class TempLog {
  public:
@@ -18,7 +18,7 @@ class TempLog {
     return logger;
   }
 
-  std::string Path() const { return Dir.Path("log"); }
+  std::string Path() const { return dir_.Path("log"); }
 
   std::vector<std::string> WholeLines() const {
     std::ifstream file(Path());
@@ -47,5 +47,5 @@ class TempLog {
   }
 
  private:
-  TempDir Dir;
+  TempDir dir_;
 };

@@ -135,7 +135,8 @@ TEST_F(Sockets, EveryDescriptorIsCloseOnExec) {
     const std::string info = daemon.Proc("fdinfo/" + std::to_string(fd));
     const std::size_t flags = info.find("flags:");
     std::error_code gone;
-    const auto target = std::filesystem::read_symlink(ProcPath(daemon.Pid(), "fd/" + std::to_string(fd)), gone);
+    const auto target =
+        std::filesystem::read_symlink(ProcPath(daemon.Pid(), "fd/" + std::to_string(fd)), gone);
     // popen closes its own pipes in later children, and marks none of them.
     if (flags == std::string::npos || target.string().starts_with("pipe:")) continue;
     EXPECT_TRUE(std::strtol(info.c_str() + flags + 6, nullptr, 8) & 02000000) << target;

@@ -174,9 +174,8 @@ TEST_F(Startup, EveryDescriptorIsClosedInTheChildren) {
   // A child that is still called like the daemon has not become another program yet.
   const auto three_waits = [&] {
     children = daemon.Children();
-    std::erase_if(children, [](pid_t child) {
-      return ReadFile(ProcPath(child, "comm")) == "qelm\n";
-    });
+    std::erase_if(children,
+                  [](pid_t child) { return ReadFile(ProcPath(child, "comm")) == "qelm\n"; });
     return children.size() >= 3;
   };
   ASSERT_TRUE(WaitUntil(three_waits));

@@ -8,13 +8,13 @@
 #include "runtime/ByteList.h"
 #include "runtime/Queue.h"
 
-inline QList Bytes(std::initializer_list<int> values) {
+inline QList List(std::initializer_list<int> values) {
   QList list;
   for (const int value : values) list.push_back(static_cast<char>(value));
   return list;
 }
 
-inline QList TextBytes(const std::string& text) { return {text.begin(), text.end()}; }
+inline QList List(const std::string& text) { return {text.begin(), text.end()}; }
 
 inline std::string Text(const QList& list) { return {list.begin(), list.end()}; }
 
