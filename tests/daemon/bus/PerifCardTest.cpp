@@ -5,8 +5,8 @@
 #include <array>
 #include <vector>
 
-#include "support/Lists.h"
 #include "kit/Helper.h"
+#include "support/Lists.h"
 
 namespace {
 
@@ -53,6 +53,7 @@ TEST(PerifCard, ClearingEmptiesAllButAddressAndSampleCount) {
 }
 
 struct Kind {
+  const char* test;
   unsigned char type;
   bool known;
   const char* name;
@@ -62,6 +63,8 @@ struct Kind {
   unsigned char preset;
   QList poll_frame;
 };
+
+void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.test; }
 
 class PerifCardKind : public testing::TestWithParam<Kind> {};
 
@@ -89,20 +92,24 @@ TEST_P(PerifCardKind, IsTakenOn) {
 INSTANTIATE_TEST_SUITE_P(
     Table, PerifCardKind,
     testing::Values(
-        Kind{0x00, true, "EMPTY", 3, 0, 0, 0, {}},
-        Kind{0x03, true, "16 channel DIGITAL OUTPUT", 0, 2, 2, 0xFF, {}},
-        Kind{0x04, true, "16 channel DIGITAL INPUT", 1, 2, 0, 0, List({0x20, 0x05, 0x02})},
-        Kind{0x05, true, "6 channel RC SERVO CONTROLLER", 0, 6, 6, 0x80, {}},
-        Kind{0x06, true, "3 channel DC MOTOR CONTROLLER", 0, 6, 0, 0, {}},
-        Kind{0x07, true, "6 channel ANALOGUE INPUT", 1, 6, 0, 0, List({0x20, 0x05, 0x06})},
-        Kind{0x08, true, "KEYMX and ROTE CONTROLLER", 1, 1, 0, 0, List({0x20, 0x05, 0x01})},
-        Kind{0x09, true, "ALPHANUMERIC LCD CONTROLLER", 0, 21, 0, 0, {}},
-        Kind{0x0A, true, "IR REMOTE CONTROLLER", 0, 1, 0, 0, {}},
-        Kind{0xFF, true, "CARD?", 3, 0, 0, 0, {}},
-        Kind{0x01, false, "UNIDENTIFIED", 3, 0, 0, 0, {}},
-        Kind{0x02, false, "UNIDENTIFIED", 3, 0, 0, 0, {}},
-        Kind{0x0B, false, "UNIDENTIFIED", 3, 0, 0, 0, {}},
-        Kind{0xFE, false, "UNIDENTIFIED", 3, 0, 0, 0, {}}));
+        Kind{"Empty", 0x00, true, "EMPTY", 3, 0, 0, 0, {}},
+        Kind{"DigitalOutput", 0x03, true, "16 channel DIGITAL OUTPUT", 0, 2, 2, 0xFF, {}},
+        Kind{"DigitalInput", 0x04, true, "16 channel DIGITAL INPUT", 1, 2, 0, 0,
+             List({0x20, 0x05, 0x02})},
+        Kind{"Servo", 0x05, true, "6 channel RC SERVO CONTROLLER", 0, 6, 6, 0x80, {}},
+        Kind{"Motor", 0x06, true, "3 channel DC MOTOR CONTROLLER", 0, 6, 0, 0, {}},
+        Kind{"AnalogueInput", 0x07, true, "6 channel ANALOGUE INPUT", 1, 6, 0, 0,
+             List({0x20, 0x05, 0x06})},
+        Kind{"KeyMatrix", 0x08, true, "KEYMX and ROTE CONTROLLER", 1, 1, 0, 0,
+             List({0x20, 0x05, 0x01})},
+        Kind{"Lcd", 0x09, true, "ALPHANUMERIC LCD CONTROLLER", 0, 21, 0, 0, {}},
+        Kind{"Infrared", 0x0A, true, "IR REMOTE CONTROLLER", 0, 1, 0, 0, {}},
+        Kind{"Silent", 0xFF, true, "CARD?", 3, 0, 0, 0, {}},
+        Kind{"Type01", 0x01, false, "UNIDENTIFIED", 3, 0, 0, 0, {}},
+        Kind{"Type02", 0x02, false, "UNIDENTIFIED", 3, 0, 0, 0, {}},
+        Kind{"Type0B", 0x0B, false, "UNIDENTIFIED", 3, 0, 0, 0, {}},
+        Kind{"TypeFE", 0xFE, false, "UNIDENTIFIED", 3, 0, 0, 0, {}}),
+    [](const auto& kind) { return std::string(kind.param.test); });
 
 TEST(PerifCard, AShorterNameReplacesALongerOne) {
   PERIFCARD card;

@@ -178,6 +178,8 @@ const std::vector<Request> kRequests{
      "CIE: MSR STORING ERROR"},
 };
 
+void PrintTo(const Request& request, std::ostream* out) { *out << request.line; }
+
 class CardRequest : public CaeTest, public testing::WithParamInterface<Request> {
  protected:
   Texts Lines(Texts texts) const {
