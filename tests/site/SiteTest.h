@@ -33,8 +33,9 @@ class SiteTest : public DaemonTest {
   // `show` tells this line of the card, now or soon.
   void ExpectHeld(const std::string& address, const std::string& line,
                   Place place = Place::current());
-  // A CAE line that asks a card, and its answer. Asked again when the link was lost
-  // and found again meanwhile, as a busy machine can make it.
+  // A CAE line that asks a card, and its answer. Asked again, as an administrator would,
+  // when the card did not answer in time, or the link was lost and found again meanwhile:
+  // both happen on a busy machine.
   void Request(const std::string& line, const std::string& lines, Place place = Place::current());
 
   // Data bytes of the writes to a card that came to the adapter, in order.

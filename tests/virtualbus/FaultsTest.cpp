@@ -38,7 +38,7 @@ TEST_F(LineFaults, AMutedLineHearsNothingForAWhile) {
   EXPECT_EQ(Tell("mute 30ms"), "ok");
   EXPECT_TRUE(WaitUntil([this] {
     Poll();
-    return Tell("status").find("replies 2") != std::string::npos;
+    return Tell("status").find("replies 1\n") == std::string::npos;
   }));
   EXPECT_EQ(host->ReceiveReply(), kPollReply);
 }
