@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <utility>
@@ -36,12 +35,6 @@ Time StampOf(msghdr& message) {
 
 }  // namespace
 
-std::string Hex(int value, int digits) {
-  std::array<char, 16> text;
-  std::snprintf(text.data(), text.size(), "%0*X", digits, static_cast<unsigned>(value));
-  return text.data();
-}
-
 Bus::Bus(const BusSetup& setup) : wired(setup.wired), first_input(setup.outputs) {
   const std::string control = setup.device + ".control";
   int ends[2] = {-1, -1};
@@ -56,7 +49,7 @@ Bus::Bus(const BusSetup& setup) : wired(setup.wired), first_input(setup.outputs)
   if (ends[1] >= 0) close(ends[1]);
   // The link is the last thing that the bus makes.
   Await(setup.device, [&] { return std::filesystem::is_symlink(setup.device); });
-  control_.emplace(Client::ToPath(control));
+  control_.emplace(Stream::ToPath(control));
 }
 
 Bus::~Bus() {

@@ -9,9 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "Client.h"
 #include "Clock.h"
 #include "Process.h"
+#include "kit/Bytes.h"
+#include "kit/Stream.h"
 
 inline constexpr int kCards = 16;
 inline constexpr int kOutputs = 6;  // output cards at 0 to 5, input cards behind them
@@ -19,8 +20,6 @@ inline constexpr int kInputs = kCards - kOutputs;
 
 // A line of 460800 baud, ten bits a byte.
 inline constexpr double kByteMicroseconds = 1e7 / 460800;
-
-std::string Hex(int value, int digits);
 
 struct BusSetup {
   std::string device;  // the link to it
@@ -61,5 +60,5 @@ class Bus {
   std::optional<Event> NextEvent(milliseconds patience);
 
   int events_ = -1;
-  std::optional<Client> control_;
+  std::optional<Stream> control_;
 };

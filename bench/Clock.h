@@ -7,12 +7,12 @@
 #include <string>
 #include <thread>
 
+#include "kit/Wait.h"
+
 using Clock = std::chrono::system_clock;
 using Time = Clock::time_point;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
-
-inline constexpr milliseconds kPatience{15'000};
 
 inline double Microseconds(Clock::duration time) {
   return std::chrono::duration<double, std::micro>(time).count();

@@ -9,19 +9,9 @@
 #include <fstream>
 #include <utility>
 
+#include "kit/Proc.h"
+
 namespace {
-
-std::filesystem::path Folder(pid_t pid) { return "/proc/" + std::to_string(pid); }
-
-// The number behind a word of a status file.
-long StatusNumber(const std::filesystem::path& folder, const std::string& name) {
-  std::ifstream file(folder / "status");
-  for (std::string word; file >> word;) {
-    long number = 0;
-    if (word == name && file >> number) return number;
-  }
-  return 0;
-}
 
 [[noreturn]] void BecomeProgram(std::vector<std::string>& words, int output) {
   const int nothing = open("/dev/null", O_RDWR);
@@ -69,15 +59,15 @@ void Process::AwaitExit() { waitpid(std::exchange(pid_, 0), nullptr, 0); }
 
 Usage Process::Used() const {
   Usage used;
-  for (const auto& thread : std::filesystem::directory_iterator(Folder(pid_) / "task")) {
+  for (const auto& thread : std::filesystem::directory_iterator(ProcPath(pid_, "task"))) {
     double nanoseconds = 0;
     std::ifstream(thread.path() / "schedstat") >> nanoseconds;
     used.seconds += nanoseconds / 1e9;
-    used.wakeups += StatusNumber(thread.path(), "voluntary_ctxt_switches:");
+    used.wakeups += StatusNumber(thread.path() / "status", "voluntary_ctxt_switches:");
   }
   return used;
 }
 
-int Process::Threads() const { return static_cast<int>(StatusNumber(Folder(pid_), "Threads:")); }
+int Process::Threads() const { return ThreadsOf(pid_); }
 
-long Process::ResidentKilobytes() const { return StatusNumber(Folder(pid_), "VmRSS:"); }
+long Process::ResidentKilobytes() const { return ResidentKilobytesOf(pid_); }

@@ -39,7 +39,7 @@ std::vector<std::string> Ser2netShipped(const std::string& port, const std::stri
   return Ser2net("tcp", port, device, "");
 }
 
-std::string Bytes(std::initializer_list<int> bytes) { return {bytes.begin(), bytes.end()}; }
+std::string Frame(std::initializer_list<int> bytes) { return {bytes.begin(), bytes.end()}; }
 
 }  // namespace
 
@@ -55,7 +55,7 @@ const std::vector<ProxyKind>& ProxyKinds() {
 Proxy::Proxy(const ProxyKind& kind, int port, const BusSetup& setup)
     : System(kind.name, setup), client_([&] {
         process = Process(kind.command(std::to_string(port), setup.device));
-        return Client::ToPort(port);
+        return ConnectTo(port);
       }()) {
   // The proxy opens the device when it has a client; what comes before that is lost.
   Poll(1);
@@ -63,7 +63,7 @@ Proxy::Proxy(const ProxyKind& kind, int port, const BusSetup& setup)
 }
 
 void Proxy::SendCommand(int address, int value) {
-  client_.Send(Bytes({5, 0x10, address, 2, value, 0xFF}));
+  client_.Send(Frame({5, 0x10, address, 2, value, 0xFF}));
 }
 
 void Proxy::FinishCommand() { client_.Read(kAckBytes); }
@@ -88,7 +88,7 @@ void Proxy::KeepPolling(milliseconds time) {
 std::pair<int, int> Proxy::PollNext() {
   const int address = bus.first_input + next_;
   next_ = (next_ + 1) % polled_;
-  client_.Send(Bytes({3, 0x20, address, 2}));
+  client_.Send(Frame({3, 0x20, address, 2}));
   const std::string reply = client_.Read(kPollReplyBytes);
   return {address, static_cast<unsigned char>(reply[3])};
 }

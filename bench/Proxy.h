@@ -23,7 +23,7 @@ class Proxy final : public System {
   // The next card in turn: its address and its first block.
   std::pair<int, int> PollNext();
 
-  Client client_;
+  Stream client_;
   int polled_ = 0;
   int next_ = 0;
 };

@@ -18,8 +18,8 @@ void WriteConfiguration(int percent) {
   file << "</Interfaces></QELMConfig>\n";
 }
 
-Client Greeted(int port) {
-  Client client = Client::ToPort(port);
+Stream Greeted(int port) {
+  Stream client = ConnectTo(port);
   client.ReadUntil("\r\n\r");
   return client;
 }

@@ -28,7 +28,7 @@ class Qelm final : public System {
   std::string Console(const std::string& line);
 
  private:
-  Client io_;
-  std::optional<Client> cae_;
-  std::optional<Client> mon_;
+  Stream io_;
+  std::optional<Stream> cae_;
+  std::optional<Stream> mon_;
 };

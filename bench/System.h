@@ -6,6 +6,16 @@
 
 #include "Bus.h"
 #include "Process.h"
+#include "kit/Ports.h"
+#include "kit/Stream.h"
+
+// A client of the port, as soon as somebody listens there.
+inline Stream ConnectTo(int port) {
+  Await("port " + std::to_string(port), [port] { return IsListening(port); });
+  Stream client = Stream::ToPort(port);
+  client.SendAtOnce();
+  return client;
+}
 
 class System {
  public:
