@@ -1,7 +1,6 @@
 // Each pair NAME.recording and NAME.session in recordings/ is a test: the session's frames are sent
-// to a fast replay of the recording, and its replies must come back. A line of a session is ">
-// bytes",
-// "< bytes", or "< nothing" where the recorded card side was silent.
+// to a fast replay of the recording, and its replies must come back. A line of a session is
+// "> bytes", "< bytes", or "< nothing" where the recorded card side was silent.
 #include <fstream>
 #include <sstream>
 
@@ -70,6 +69,7 @@ TEST_F(Replay, ARecordingIsALinePerFrameWithItsTime) {
   Ask({0x20, 0x03, 0x02});
   Tell("drop next 1");
   host->Send({0x30});
+  Tell("wait frame 30");
   Tell("quit");
   bus->WaitForExit();
   std::istringstream recording(ReadFile(file));
