@@ -10,12 +10,12 @@ class Plugging : public SiteTest {
   // The table that the bus is asked for anew holds this line.
   void ExpectDiscovered(const std::string& line, Place place = Place::current()) {
     std::string table;
-    const bool told = WaitUntil([&] {
+    const bool settled = WaitUntil([&] {
       cae.Send("FORCEDISCOVER\r\n", place);
       table = cae.ReadUntil(">\r\n\r", place);
       return table.find(line + "\r\n\r") != std::string::npos || ExchangeTimeouts() == 0;
     });
-    if (!told || table.find(line + "\r\n\r") == std::string::npos) {
+    if (!settled || table.find(line + "\r\n\r") == std::string::npos) {
       FAIL_AT(place) << line << " is not in " << table;
     }
   }

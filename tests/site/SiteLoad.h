@@ -30,7 +30,7 @@ class SiteLoad : public SiteTest {
   // takes its time and is left out.
   std::vector<double> TakeLatencies();
   void PrintReports();
-  // No report was lost, came twice or told what was not so.
+  // No report was lost, came twice or was wrong.
   void ExpectGoodReports();
 
   Client io;  // reports are read by a thread of the load; anybody may send

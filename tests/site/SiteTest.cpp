@@ -70,11 +70,11 @@ void SiteTest::WaitFrame(const std::string& bytes, Place place) {
 
 void SiteTest::ExpectHeld(const std::string& address, const std::string& line, Place place) {
   std::string held;
-  const bool told = WaitUntil([&] {
+  const bool shown = WaitUntil([&] {
     held = Bus("show " + address, place);
     return held.find("  " + line + "\n") != std::string::npos;
   });
-  if (!told) FAIL_AT(place) << "expected " << line << ", seen " << held;
+  if (!shown) FAIL_AT(place) << "expected " << line << ", seen " << held;
 }
 
 void SiteTest::Request(const std::string& line, const std::string& lines, Place place) {

@@ -30,7 +30,7 @@ class SiteTest : public DaemonTest {
   // A frame of the daemon that begins so: "10 05 02 FF FB", where ".." is any byte.
   // It may have come already, after the last one that was waited for.
   void WaitFrame(const std::string& bytes, Place place = Place::current());
-  // `show` tells this line of the card, now or soon.
+  // `show` prints this line of the card, now or soon.
   void ExpectHeld(const std::string& address, const std::string& line,
                   Place place = Place::current());
   // A CAE line that asks a card, and its answer. Asked again, as an administrator would,

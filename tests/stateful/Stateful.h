@@ -110,7 +110,7 @@ class Stateful : public SiteTest {
   bool io_up_ = false;
   bool cae_up_ = false;
   bool mon_up_ = false;
-  bool owed_on_cae_ = false;  // IO sent nonsense while nobody was there to be told
+  bool owed_on_cae_ = false;  // IO sent nonsense while no CAE client was there
   bool cable_plugged_ = true;
   bool polling_ = true;
   std::map<std::string, bool> plugged_;  // by address

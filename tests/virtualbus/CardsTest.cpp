@@ -94,7 +94,7 @@ struct ServoCard : CardTest {
   ServoCard() : CardTest("servo") {}
 };
 
-TEST_F(ServoCard, BootsInTheMiddleAndGoesWhereItIsTold) {
+TEST_F(ServoCard, BootsInTheMiddleAndGoesWhereItIsSent) {
   ExpectShown("Positions 80 80 80 80 80 80");
   Write({0x00, 0x20, 0x40, 0x60, 0x80, 0xFF});
   ExpectShown("reached 00 20 40 60 80 FF");
@@ -248,7 +248,7 @@ TEST_F(LcdCard, ShowsATextAtItsPlace) {
   EXPECT_EQ(As<Lcd>().CursorAt(), 38U);
 }
 
-TEST_F(LcdCard, ALongTextRunsOnAndEndsWithTheGlass) {
+TEST_F(LcdCard, ALongTextRunsOnToTheEndOfTheDisplay) {
   Write({0x00});
   Text(18, 2, "abcd");
   Text(18, 3, "wxyz");
@@ -256,7 +256,7 @@ TEST_F(LcdCard, ALongTextRunsOnAndEndsWithTheGlass) {
   EXPECT_EQ(As<Lcd>().Row(3), "cd                wx");
 }
 
-TEST_F(LcdCard, ATextBesideTheGlassIsNotSeen) {
+TEST_F(LcdCard, ATextOutsideTheDisplayIsNotSeen) {
   Write({0x00});
   Text(20, 0, "x");
   Text(0, 4, "x");

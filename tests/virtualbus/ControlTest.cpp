@@ -18,7 +18,7 @@ TEST_F(Control, SetChangesInputBlocks) {
   EXPECT_EQ(Ask({0x20, 0x08, 0x01}), (Bytes{0x21, 0x08, 0xC5}));
 }
 
-TEST_F(Control, ARampEndsWhereItIsTold) {
+TEST_F(Control, ARampEndsAtItsLastValue) {
   Start();
   EXPECT_EQ(Tell("ramp F 3 10 FF 50ms"), "ok");
   Bytes reply;

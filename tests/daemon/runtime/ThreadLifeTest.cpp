@@ -12,7 +12,7 @@
 
 namespace {
 
-// An interval-driven thread that ends itself once told so.
+// An interval-driven thread that ends itself once it is tired.
 class Worker : public CThread {
  public:
   Worker() { SetThreadType(kIntervalDriven, 1); }
@@ -26,7 +26,7 @@ class Worker : public CThread {
   std::atomic<int> passes{0};
 };
 
-// An event-driven thread whose pass lasts until it is told.
+// An event-driven thread whose pass lasts until it may end.
 class Sleeper : public CThread {
  public:
   ~Sleeper() { Stop(); }

@@ -14,7 +14,7 @@
 
 class MockBus {
  public:
-  // One frame and what comes back for it; nothing unless told.
+  // One frame and what comes back for it: nothing unless Reply or Pieces say more.
   class Exchange {
    public:
     explicit Exchange(QList payload) : payload_(std::move(payload)) {}
