@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "StandIns.h"
-#include "runtime/ByteList.h"
 #include "runtime/Queue.h"
 
 namespace {
@@ -67,15 +66,6 @@ std::vector<std::string> Site::CaeReplies() const {
 
 std::vector<std::string> Site::FramesFor(int address) const {
   return TakeTexts(*Qelm.SerialInterface->CardQueues[static_cast<std::size_t>(address)]);
-}
-
-std::vector<std::string> TakeTexts(QEQUEUE& queue) {
-  std::vector<std::string> texts;
-  while (!queue.IsEmpty()) {
-    const QList item = queue.DeQueue();
-    texts.emplace_back(item.begin(), item.end());
-  }
-  return texts;
 }
 
 std::string AsRead(const std::string& bytes) {

@@ -9,6 +9,7 @@
 #include "bus/PerifCard.h"
 #include "bus/SerialInterface.h"
 #include "core/qelm.h"
+#include "daemon/support/Lists.h"
 #include "net/SocketInterface.h"
 
 class Site {
@@ -32,8 +33,6 @@ inline constexpr unsigned char kSiteCards[16] = {
     kServo,      kEmptyType, kMotor, kDigitalInput, kKeyMatrix, kDigitalOutput,
     kSilentType, 0x42,       kServo, kInfrared,     kEmptyType, kEmptyType,
     kEmptyType,  kEmptyType, kLcd,   kAnalogueInput};
-
-std::vector<std::string> TakeTexts(QEQUEUE& queue);
 
 // What one read of a client's message leaves of these bytes.
 std::string AsRead(const std::string& bytes);
