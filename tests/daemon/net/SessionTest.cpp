@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -11,7 +10,16 @@
 
 namespace {
 
-class Session : public SocketTest {};
+class Session : public SocketTest {
+ protected:
+  // The end of the connection reaches the daemon in its own time.
+  void PassUntilClosed() {
+    EXPECT_TRUE(WaitUntil([this] {
+      if (State() == 3) Pass();
+      return State() == 4;
+    }));
+  }
+};
 
 int OptionOf(int fd, int level, int option) {
   int value = 0;
@@ -55,12 +63,10 @@ TEST_F(Session, APortThatIsTakenIsLoggedAndListenedOnElsewhere) {
 
 TEST_F(Session, WithoutADescriptorInitFails) {
   Build("IO");
-  rlimit before{};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none{0, before.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
-  EXPECT_FALSE(interface->Init());
-  setrlimit(RLIMIT_NOFILE, &before);
+  {
+    const NoDescriptors limit;
+    EXPECT_FALSE(interface->Init());
+  }
   EXPECT_EQ(State(), 0);
 }
 
@@ -132,10 +138,7 @@ TEST_F(Session, AClientThatLeavesClosesThePort) {
   Build("IO");
   interface->Init();
   ServedClient().Close();
-  ASSERT_TRUE(WaitUntil([&] {
-    if (State() == 3) Pass();
-    return State() == 4;
-  }));
+  PassUntilClosed();
   EXPECT_EQ(log.Lines().back(), "[INF] connection is closed by client on IO interface");
   EXPECT_FALSE(interface->ClientSocket.IsOpen());
   EXPECT_FALSE(interface->ListenSocket.IsOpen());
@@ -146,10 +149,7 @@ TEST_F(Session, ListensAgainOnTheSecondClosedPass) {
   Build("IO");
   interface->Init();
   ServedClient().Close();
-  ASSERT_TRUE(WaitUntil([&] {
-    if (State() == 3) Pass();
-    return State() == 4;
-  }));
+  PassUntilClosed();
   EXPECT_EQ(interface->RetryCount, 1);  // the pass that saw the client go counts
   Pass();
   EXPECT_EQ(State(), 1);
@@ -162,12 +162,10 @@ TEST_F(Session, AClosedPortThatDoesNotOpenIsTriedOnEveryPass) {
   Build("IO");
   interface->Descriptor.State = 4;
   interface->RetryCount = 1;
-  rlimit before{};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none{0, before.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
-  Pass();
-  setrlimit(RLIMIT_NOFILE, &before);
+  {
+    const NoDescriptors limit;
+    Pass();
+  }
   EXPECT_EQ(State(), 4);
   EXPECT_EQ(interface->RetryCount, 2);
   Pass();
@@ -182,10 +180,7 @@ TEST_F(Session, ASecondClientIsNotServedAndDroppedAtTheClose) {
   Pass();
   second.ExpectSilence();
   first.Close();
-  ASSERT_TRUE(WaitUntil([&] {
-    if (State() == 3) Pass();
-    return State() == 4;
-  }));
+  PassUntilClosed();
   second.ExpectClosed();
 }
 

@@ -1,5 +1,4 @@
 // What passes between a client and the queues, over a pair of sockets.
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -184,12 +183,10 @@ TEST_F(Transfer, AWaitThatFailsStillSends) {
   Connect(kTextData);
   PeerSends("not read");
   interface->OutQueue->ToQueue(List("sent"));
-  rlimit before{};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none{0, before.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
-  Pass();
-  setrlimit(RLIMIT_NOFILE, &before);
+  {
+    const NoDescriptors limit;
+    Pass();
+  }
   EXPECT_EQ(NextWrite(), "sent\r");
   EXPECT_TRUE(received.IsEmpty());
 }

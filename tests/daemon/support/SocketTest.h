@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <memory>
 #include <string>
@@ -19,6 +20,22 @@ using Texts = std::vector<std::string>;
 
 // Of the interface that is called IO.
 inline constexpr char kGreeting[] = "QELM IO interface is ready\r\n\r";
+
+// While it lives, nobody gets a new descriptor, and poll() refuses to wait for any.
+class NoDescriptors {
+ public:
+  NoDescriptors() {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    const rlimit none{0, before_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+  }
+  ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+  NoDescriptors(const NoDescriptors&) = delete;
+  NoDescriptors& operator=(const NoDescriptors&) = delete;
+
+ private:
+  rlimit before_{};
+};
 
 class SocketTest : public testing::Test {
  protected:
