@@ -3,7 +3,7 @@
 
 #include "base/Loop.h"
 #include "bus/BusAdapter.h"
-#include "bus/World.h"
+#include "bus/CardOperator.h"
 #include "journal/Journal.h"
 #include "line/Cable.h"
 #include "line/Exchange.h"
@@ -29,7 +29,7 @@ struct VirtualBus {
   Wire wire{loop};
   Cable cable{wire, journal};
   Exchange exchange{wire, faults, journal};
-  World world{loop, adapter, journal};
+  CardOperator card_operator{loop, adapter, journal};
 };
 
 }  // namespace virtualbus

@@ -59,7 +59,7 @@ Problem Set(VirtualBus& bus, Arguments arguments, Reply&) {
   for (size_t i = 0; i < values.size() && problem.empty(); ++i) {
     problem = ReadByte(arguments[i + 2], values[i]);
   }
-  return problem.empty() ? bus.world.Set(address, block, values) : problem;
+  return problem.empty() ? bus.card_operator.Set(address, block, values) : problem;
 }
 
 Problem Ramp(VirtualBus& bus, Arguments arguments, Reply&) {
@@ -72,7 +72,7 @@ Problem Ramp(VirtualBus& bus, Arguments arguments, Reply&) {
       [&] { return ReadAddress(arguments[0], address); },
       [&] { return ReadByte(arguments[1], block); }, [&] { return ReadByte(arguments[2], from); },
       [&] { return ReadByte(arguments[3], to); }, [&] { return ReadTime(arguments[4], time); },
-      [&] { return bus.world.Ramp(address, block, from, to, time); });
+      [&] { return bus.card_operator.Ramp(address, block, from, to, time); });
 }
 
 Problem Press(VirtualBus& bus, Arguments arguments, Reply&) {
@@ -80,7 +80,7 @@ Problem Press(VirtualBus& bus, Arguments arguments, Reply&) {
   uint8_t code = 0;
   return First([&] { return ReadAddress(arguments[0], address); },
                [&] { return ReadByte(arguments[1], code); },
-               [&] { return bus.world.Press(address, code); });
+               [&] { return bus.card_operator.Press(address, code); });
 }
 
 Problem Release(VirtualBus& bus, Arguments arguments, Reply&) {
@@ -90,7 +90,7 @@ Problem Release(VirtualBus& bus, Arguments arguments, Reply&) {
   return First(
       [&] { return ReadAddress(arguments[0], address); },
       [&] { return all ? Problem{} : ReadByte(arguments[1], code); },
-      [&] { return bus.world.Release(address, all ? std::nullopt : std::optional(code)); });
+      [&] { return bus.card_operator.Release(address, all ? std::nullopt : std::optional(code)); });
 }
 
 Problem Turn(VirtualBus& bus, Arguments arguments, Reply&) {
@@ -98,7 +98,7 @@ Problem Turn(VirtualBus& bus, Arguments arguments, Reply&) {
   long steps = 0;
   return First([&] { return ReadAddress(arguments[0], address); },
                [&] { return ReadCount(arguments[1], -kMostSteps, kMostSteps, steps); },
-               [&] { return bus.world.Turn(address, static_cast<int>(steps)); });
+               [&] { return bus.card_operator.Turn(address, static_cast<int>(steps)); });
 }
 
 Problem Show(VirtualBus& bus, Arguments arguments, Reply& reply) {
@@ -119,7 +119,7 @@ Problem CardPlug(VirtualBus& bus, Arguments arguments, Reply&) {
   }
   uint8_t address = 0;
   return First([&] { return ReadAddress(arguments[0], address); },
-               [&] { return bus.world.PlugCard(address, kind); });
+               [&] { return bus.card_operator.PlugCard(address, kind); });
 }
 
 Problem PullOrPlugCard(VirtualBus& bus, Arguments arguments, Reply& reply) {
@@ -128,7 +128,7 @@ Problem PullOrPlugCard(VirtualBus& bus, Arguments arguments, Reply& reply) {
     return "a card can \"pull\" or \"plug [KIND]\"";
   uint8_t address = 0;
   return First([&] { return ReadAddress(arguments[0], address); },
-               [&] { return bus.world.PullCard(address); });
+               [&] { return bus.card_operator.PullCard(address); });
 }
 
 Problem PullCable(VirtualBus& bus, Arguments, Reply&) { return bus.cable.Pull(); }

@@ -78,9 +78,9 @@ void DrawDigitalOutput(Pen& pen, const Shown& shown) {
 void ToggleLine(const Shown& shown, int item) {
   const auto line = static_cast<uint8_t>(item);
   if (As<DigitalInput>(shown).IsPressed(line)) {
-    shown.world.Release(shown.address, line);
+    shown.card_operator.Release(shown.address, line);
   } else {
-    shown.world.Press(shown.address, line);
+    shown.card_operator.Press(shown.address, line);
   }
 }
 
@@ -121,7 +121,7 @@ void DrawMotor(Pen& pen, const Shown& shown) {
 
 void SetChannel(const Shown& shown, int item, int value) {
   const auto byte = static_cast<uint8_t>(std::clamp(value, 0, kFullScale));
-  shown.world.Set(shown.address, static_cast<uint8_t>(item), {byte});
+  shown.card_operator.Set(shown.address, static_cast<uint8_t>(item), {byte});
 }
 
 void MoveChannel(const Shown& shown, int item, int steps) {
@@ -159,12 +159,15 @@ void DrawAnalogueInput(Pen& pen, const Shown& shown) {
 // A terminal tells when a key goes down, but not when it comes up again.
 void TapKey(const Shown& shown, int item) {
   const auto key = static_cast<uint8_t>(item + 1);
-  shown.world.Press(shown.address, key);
-  shown.loop.After(
-      kTap, [&world = shown.world, address = shown.address, key] { world.Release(address, key); });
+  shown.card_operator.Press(shown.address, key);
+  shown.loop.After(kTap, [&card_operator = shown.card_operator, address = shown.address, key] {
+    card_operator.Release(address, key);
+  });
 }
 
-void TurnEncoder(const Shown& shown, int, int steps) { shown.world.Turn(shown.address, steps); }
+void TurnEncoder(const Shown& shown, int, int steps) {
+  shown.card_operator.Turn(shown.address, steps);
+}
 
 void DrawKeys(Pen& pen, const Shown& shown) {
   const Keys& card = As<Keys>(shown);
@@ -176,8 +179,8 @@ void DrawKeys(Pen& pen, const Shown& shown) {
   }
   const std::string held = card.Key() != 0 ? HexByte(card.Key()) : "--";
   pen.Put(1, 2, Joined({"held ", held, "   encoder ", std::to_string(card.Position())}));
-  pen.AddSpot({1, 12, 16, [shown](int) { shown.world.Turn(shown.address, 1); },
-               [shown](int steps) { shown.world.Turn(shown.address, steps); }});
+  pen.AddSpot({1, 12, 16, [shown](int) { shown.card_operator.Turn(shown.address, 1); },
+               [shown](int steps) { shown.card_operator.Turn(shown.address, steps); }});
 }
 
 void DrawLcd(Pen& pen, const Shown& shown) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "bus/BusAdapter.h"
-#include "bus/World.h"
+#include "bus/CardOperator.h"
 #include "panel/History.h"
 #include "panel/Pen.h"
 
@@ -14,7 +14,7 @@ constexpr int kViewWidth = 39;
 struct Shown {
   const BusAdapter::Slot& slot;
   uint8_t address;
-  World& world;
+  CardOperator& card_operator;
   Loop& loop;
   const History& history;
   int item;  // the selected line, channel or key; -1 when another card is selected

@@ -231,7 +231,8 @@ void Panel::MoveValue(int steps) {
 
 void Panel::PullOrPlugCard(uint8_t address) {
   const bool pulled = bus_.adapter.At(address).pulled;
-  Tell(pulled ? bus_.world.PlugCard(address, nullptr) : bus_.world.PullCard(address));
+  Tell(pulled ? bus_.card_operator.PlugCard(address, nullptr)
+              : bus_.card_operator.PullCard(address));
 }
 
 void Panel::PullOrPlugCable() {
@@ -248,12 +249,9 @@ std::vector<Block> Panel::Blocks() const {
 }
 
 Shown Panel::ShownCard(uint8_t address) {
-  return {bus_.adapter.At(address),
-          address,
-          bus_.world,
-          bus_.loop,
-          histories_[address],
-          address == selected_ ? items_[address] : -1};
+  return {bus_.adapter.At(address), address,
+          bus_.card_operator,       bus_.loop,
+          histories_[address],      address == selected_ ? items_[address] : -1};
 }
 
 // Null while there is nothing to act on.

@@ -1,4 +1,4 @@
-#include "bus/World.h"
+#include "bus/CardOperator.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,7 +11,7 @@ constexpr std::chrono::milliseconds kShortestStep{1};
 
 }  // namespace
 
-Problem World::Set(uint8_t address, uint8_t block, const Bytes& values) {
+Problem CardOperator::Set(uint8_t address, uint8_t block, const Bytes& values) {
   if (Problem problem = CheckBlocks(address, block, values.size()); !problem.empty())
     return problem;
   for (size_t i = 0; i < values.size(); ++i) {
@@ -21,8 +21,8 @@ Problem World::Set(uint8_t address, uint8_t block, const Bytes& values) {
   return Note(address, true, "set to " + Hex(adapter_.Present(address)->Inputs()), {});
 }
 
-Problem World::Ramp(uint8_t address, uint8_t block, uint8_t from, uint8_t to,
-                    Clock::duration time) {
+Problem CardOperator::Ramp(uint8_t address, uint8_t block, uint8_t from, uint8_t to,
+                           Clock::duration time) {
   if (Problem problem = CheckBlocks(address, block, 1); !problem.empty()) return problem;
   const Block key{address, block};
   StopRamp(key);
@@ -31,36 +31,36 @@ Problem World::Ramp(uint8_t address, uint8_t block, uint8_t from, uint8_t to,
   return Note(address, true, "ramp in block " + HexDigit(block), {});
 }
 
-Problem World::Press(uint8_t address, uint8_t code) {
+Problem CardOperator::Press(uint8_t address, uint8_t code) {
   Card* const card = adapter_.Present(address);
   if (card == nullptr) return adapter_.WhyAbsent(address);
   return Note(address, card->Press(code), "pressed " + Hex({&code, 1}), "has no such key or line");
 }
 
-Problem World::Release(uint8_t address, std::optional<uint8_t> code) {
+Problem CardOperator::Release(uint8_t address, std::optional<uint8_t> code) {
   Card* const card = adapter_.Present(address);
   if (card == nullptr) return adapter_.WhyAbsent(address);
   return Note(address, card->Release(code), "released", "holds no such key or line");
 }
 
-Problem World::Turn(uint8_t address, int steps) {
+Problem CardOperator::Turn(uint8_t address, int steps) {
   Card* const card = adapter_.Present(address);
   if (card == nullptr) return adapter_.WhyAbsent(address);
   return Note(address, card->Turn(steps), "turned " + std::to_string(steps), "has no encoder");
 }
 
-Problem World::PullCard(uint8_t address) {
+Problem CardOperator::PullCard(uint8_t address) {
   if (Problem problem = adapter_.Pull(address); !problem.empty()) return problem;
   return Note(address, true, "pulled", {});
 }
 
-Problem World::PlugCard(uint8_t address, const CardKind* kind) {
+Problem CardOperator::PlugCard(uint8_t address, const CardKind* kind) {
   Problem problem = kind != nullptr ? adapter_.Insert(address, *kind) : adapter_.PlugBack(address);
   if (!problem.empty()) return problem;
   return Note(address, true, "plugged", {});
 }
 
-Problem World::CheckBlocks(uint8_t address, size_t block, size_t count) const {
+Problem CardOperator::CheckBlocks(uint8_t address, size_t block, size_t count) const {
   Card* const card = adapter_.Present(address);
   if (card == nullptr) return adapter_.WhyAbsent(address);
   const size_t blocks = card->Inputs().size();
@@ -69,7 +69,8 @@ Problem World::CheckBlocks(uint8_t address, size_t block, size_t count) const {
   return "card " + HexDigit(address) + " has blocks 0 to " + std::to_string(blocks - 1);
 }
 
-Problem World::Note(uint8_t address, bool done, std::string_view what, std::string_view refusal) {
+Problem CardOperator::Note(uint8_t address, bool done, std::string_view what,
+                           std::string_view refusal) {
   const std::string card = "card " + HexDigit(address) + " ";
   if (!done) return card + std::string(refusal);
   journal_.Note(card + std::string(what));
@@ -78,7 +79,7 @@ Problem World::Note(uint8_t address, bool done, std::string_view what, std::stri
 
 // The value follows the clock and not the number of steps, so that a late step does not stretch the
 // ramp. Its card may have been pulled, or another plugged, meanwhile.
-void World::Step(Block block) {
+void CardOperator::Step(Block block) {
   Movement& ramp = ramps_.at(block);
   Card* const card = adapter_.Present(block.first);
   const auto elapsed = std::min(Clock::now() - ramp.began, ramp.time);
@@ -97,7 +98,7 @@ void World::Step(Block block) {
       loop_.After(std::max<Clock::duration>(step, kShortestStep), [this, block] { Step(block); });
 }
 
-void World::StopRamp(Block block) {
+void CardOperator::StopRamp(Block block) {
   const auto found = ramps_.find(block);
   if (found == ramps_.end()) return;
   loop_.Cancel(found->second.next);

@@ -1,5 +1,5 @@
-// What a person does to the cards: turn a potentiometer, press a key, pull a card. The control
-// language and the panel both act through here, so that both can do the same.
+// What an operator does to the cards: turn a potentiometer, press a key, pull a card. The control
+// lines and the panel both act through this class, so that both can do the same.
 #pragma once
 
 #include <chrono>
@@ -12,9 +12,9 @@
 
 namespace virtualbus {
 
-class World {
+class CardOperator {
  public:
-  World(Loop& loop, BusAdapter& adapter, Journal& journal)
+  CardOperator(Loop& loop, BusAdapter& adapter, Journal& journal)
       : loop_(loop), adapter_(adapter), journal_(journal) {}
 
   Problem Set(uint8_t address, uint8_t block, const Bytes& values);
