@@ -8,7 +8,7 @@
 #include "bus/Replayer.h"
 #include "bus/VirtualBus.h"
 #include "control/Control.h"
-#include "journal/Plain.h"
+#include "journal/EventPrinter.h"
 #include "journal/PollFilter.h"
 #include "journal/Recorder.h"
 #include "panel/Panel.h"
@@ -63,8 +63,9 @@ int main(int argc, char** argv) {
 
   VirtualBus bus(options->seed);
   Signals signals(bus.loop);
-  Plain plain(bus.loop, STDOUT_FILENO);
-  if (!with_panel) bus.journal.Listen(PollFilter([&](const Entry& entry) { plain.Print(entry); }));
+  EventPrinter printer(bus.loop, STDOUT_FILENO);
+  if (!with_panel)
+    bus.journal.Listen(PollFilter([&](const Entry& entry) { printer.Print(entry); }));
   Recorder recorder(bus.loop);
   Replayer replayer;
   Control control(bus);

@@ -11,9 +11,9 @@
 
 namespace virtualbus {
 
-class Plain {
+class EventPrinter {
  public:
-  Plain(Loop& loop, int fd) : loop_(loop), fd_(fd) {}
+  EventPrinter(Loop& loop, int fd) : loop_(loop), fd_(fd) {}
 
   void Print(const Entry& entry);
 

@@ -1,4 +1,4 @@
-#include "journal/Plain.h"
+#include "journal/EventPrinter.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -18,7 +18,7 @@ bool CanWrite(int fd) {
 
 }  // namespace
 
-void Plain::Print(const Entry& entry) {
+void EventPrinter::Print(const Entry& entry) {
   if (waiting_.size() == kMostWaiting) {
     ++dropped_;
     return;
@@ -27,7 +27,7 @@ void Plain::Print(const Entry& entry) {
   WriteWaiting();
 }
 
-void Plain::WriteWaiting() {
+void EventPrinter::WriteWaiting() {
   while (!waiting_.empty() && CanWrite(fd_)) {
     WriteLine(waiting_.front());
     waiting_.pop_front();
@@ -41,7 +41,7 @@ void Plain::WriteWaiting() {
 }
 
 // A reader that has gone is no reason to end: the bus serves its host all the same.
-void Plain::WriteLine(const std::string& line) {
+void EventPrinter::WriteLine(const std::string& line) {
   [[maybe_unused]] const ssize_t written = write(fd_, line.data(), line.size());
 }
 

@@ -1,4 +1,4 @@
-#include "journal/Plain.h"
+#include "journal/EventPrinter.h"
 
 #include <unistd.h>
 
@@ -11,7 +11,7 @@
 namespace virtualbus {
 namespace {
 
-class PlainOutput : public BusTest {
+class PrintedEvents : public BusTest {
  protected:
   // The lines without their times.
   std::string Lines() const {
@@ -22,7 +22,7 @@ class PlainOutput : public BusTest {
   }
 };
 
-TEST_F(PlainOutput, TellsEventsWithTheirMeaning) {
+TEST_F(PrintedEvents, TellsEventsWithTheirMeaning) {
   Start({"--card", "3=digital-input", "--card", "5=digital-output"});
   Ask({0x40, 0x6F, 0x9A});
   Ask({0x30});
@@ -50,7 +50,7 @@ TEST_F(PlainOutput, TellsEventsWithTheirMeaning) {
             "# cable pulled\n");
 }
 
-TEST_F(PlainOutput, TellsAPollOnlyWhenItsAnswerIsNew) {
+TEST_F(PrintedEvents, TellsAPollOnlyWhenItsAnswerIsNew) {
   Start({"--card", "3=digital-input"});
   for (int i = 0; i < 5; ++i) Ask({0x20, 0x03, 0x02});
   Tell("set 3 1 01");
@@ -68,7 +68,7 @@ TEST_F(PlainOutput, TellsAPollOnlyWhenItsAnswerIsNew) {
             "< 4E                             refused\n");
 }
 
-TEST_F(PlainOutput, SaysWhatAFaultDid) {
+TEST_F(PrintedEvents, SaysWhatAFaultDid) {
   Start({"--card", "3=digital-input", "--plain"});
   Tell("drop next 1");
   host->Send({0x20, 0x03, 0x02});
@@ -78,12 +78,12 @@ TEST_F(PlainOutput, SaysWhatAFaultDid) {
   ExpectOutput("< 21 03 00 00  # wrong address");
 }
 
-TEST(Plain, AReaderThatStopsLosesLinesAndHoldsUpNothing) {
+TEST(EventPrinter, AReaderThatStopsLosesLinesAndHoldsUpNothing) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   Loop loop;
-  Plain plain(loop, ends[1]);
-  for (int i = 0; i < 10000; ++i) plain.Print({0, Entry::What::kNote, {}, "something happened"});
+  EventPrinter printer(loop, ends[1]);
+  for (int i = 0; i < 10000; ++i) printer.Print({0, Entry::What::kNote, {}, "something happened"});
 
   std::string read_back;
   loop.Watch(ends[0], [&] {
