@@ -2,12 +2,12 @@
 
 #include <iostream>
 
-#include "CardsAtStart.h"
+#include "InitialCards.h"
 #include "Options.h"
 #include "base/Signals.h"
 #include "bus/Replayer.h"
 #include "bus/VirtualBus.h"
-#include "control/Control.h"
+#include "control/ControlSocket.h"
 #include "journal/EventPrinter.h"
 #include "journal/PollFilter.h"
 #include "journal/Recorder.h"
@@ -25,7 +25,7 @@ int Refuse(const Problem& problem) {
 }
 
 // Whatever makes it visible comes last: who sees the link finds everything else in place.
-Problem Start(VirtualBus& bus, Recorder& recorder, Replayer& replayer, Control& control,
+Problem Start(VirtualBus& bus, Recorder& recorder, Replayer& replayer, ControlSocket& control,
               const Options& options) {
   bus.wire.SetBaud(options.baud);
   bus.cable.SetLink(options.link);
@@ -33,7 +33,7 @@ Problem Start(VirtualBus& bus, Recorder& recorder, Replayer& replayer, Control& 
   const auto then = [&](bool wanted, const auto& step) {
     if (problem.empty() && wanted) problem = step();
   };
-  then(true, [&] { return PlugCards(bus.adapter, options); });
+  then(true, [&] { return PlugInitialCards(bus.adapter, options); });
   then(!options.replay.empty(), [&] { return replayer.Load(options.replay, options.fast); });
   then(!options.record.empty(), [&] { return recorder.Begin(options.record, bus.journal); });
   then(!options.control.empty(), [&] { return control.Listen(options.control); });
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
     bus.journal.Listen(PollFilter([&](const Entry& entry) { printer.Print(entry); }));
   Recorder recorder(bus.loop);
   Replayer replayer;
-  Control control(bus);
+  ControlSocket control(bus);
   if (const Problem problem = Start(bus, recorder, replayer, control, *options); !problem.empty()) {
     return Refuse(problem);
   }

@@ -26,8 +26,8 @@ constexpr int kFullScale = 255;
 constexpr std::chrono::milliseconds kTap{300};
 
 template <typename Kind>
-const Kind& As(const Shown& shown) {
-  return static_cast<const Kind&>(*shown.slot.card);
+const Kind& As(const ViewedCard& viewed) {
+  return static_cast<const Kind&>(*viewed.slot.card);
 }
 
 std::string HexByte(int value) {
@@ -68,35 +68,35 @@ void DrawBlockNames(Pen& pen) {
   pen.Put(0, 15, "0");
 }
 
-void DrawDigitalOutput(Pen& pen, const Shown& shown) {
+void DrawDigitalOutput(Pen& pen, const ViewedCard& viewed) {
   DrawBlockNames(pen);
   for (int line = 0; line < kLineCount; ++line) {
-    DrawLine(pen, line, As<DigitalOutput>(shown).IsLit(static_cast<size_t>(line)), false);
+    DrawLine(pen, line, As<DigitalOutput>(viewed).IsLit(static_cast<size_t>(line)), false);
   }
 }
 
-void ToggleLine(const Shown& shown, int item) {
+void ToggleLine(const ViewedCard& viewed, int item) {
   const auto line = static_cast<uint8_t>(item);
-  if (As<DigitalInput>(shown).IsPressed(line)) {
-    shown.card_operator.Release(shown.address, line);
+  if (As<DigitalInput>(viewed).IsPressed(line)) {
+    viewed.card_operator.Release(viewed.address, line);
   } else {
-    shown.card_operator.Press(shown.address, line);
+    viewed.card_operator.Press(viewed.address, line);
   }
 }
 
-void DrawDigitalInput(Pen& pen, const Shown& shown) {
+void DrawDigitalInput(Pen& pen, const ViewedCard& viewed) {
   DrawBlockNames(pen);
   for (int line = 0; line < kLineCount; ++line) {
-    const bool on = As<DigitalInput>(shown).IsPressed(static_cast<size_t>(line));
-    DrawLine(pen, line, on, line == shown.item);
-    pen.AddSpot({0, LineColumn(line), 1, [shown, line](int) { ToggleLine(shown, line); }, {}});
+    const bool on = As<DigitalInput>(viewed).IsPressed(static_cast<size_t>(line));
+    DrawLine(pen, line, on, line == viewed.item);
+    pen.AddSpot({0, LineColumn(line), 1, [viewed, line](int) { ToggleLine(viewed, line); }, {}});
   }
-  if (shown.item >= 0) pen.Put(0, 28, "line " + HexByte(shown.item), Look::kDim);
+  if (viewed.item >= 0) pen.Put(0, 28, "line " + HexByte(viewed.item), Look::kDim);
 }
 
-void DrawServo(Pen& pen, const Shown& shown) {
+void DrawServo(Pen& pen, const ViewedCard& viewed) {
   for (int channel = 0; channel < static_cast<int>(Servo::kChannelCount); ++channel) {
-    const int reached = As<Servo>(shown).Reached(static_cast<size_t>(channel));
+    const int reached = As<Servo>(viewed).Reached(static_cast<size_t>(channel));
     const int column = 2 + channel % 2 * 19;
     pen.Put(channel / 2, column, std::to_string(channel));
     pen.Put(channel / 2, column + 2, Bar(pen.Shapes(), reached, kServoBar), Look::kGood);
@@ -105,9 +105,9 @@ void DrawServo(Pen& pen, const Shown& shown) {
 }
 
 // Backward grows to the left of the middle, forward to the right.
-void DrawMotor(Pen& pen, const Shown& shown) {
+void DrawMotor(Pen& pen, const ViewedCard& viewed) {
   for (int channel = 0; channel < static_cast<int>(Motor::kChannelCount); ++channel) {
-    const int speed = As<Motor>(shown).Speed(static_cast<size_t>(channel));
+    const int speed = As<Motor>(viewed).Speed(static_cast<size_t>(channel));
     const int back = Filled(std::max(-speed, 0), kMotorBar / 2);
     const Glyphs& shapes = pen.Shapes();
     const std::string left =
@@ -119,15 +119,15 @@ void DrawMotor(Pen& pen, const Shown& shown) {
   }
 }
 
-void SetChannel(const Shown& shown, int item, int value) {
+void SetChannel(const ViewedCard& viewed, int item, int value) {
   const auto byte = static_cast<uint8_t>(std::clamp(value, 0, kFullScale));
-  shown.card_operator.Set(shown.address, static_cast<uint8_t>(item), {byte});
+  viewed.card_operator.Set(viewed.address, static_cast<uint8_t>(item), {byte});
 }
 
-void MoveChannel(const Shown& shown, int item, int steps) {
+void MoveChannel(const ViewedCard& viewed, int item, int steps) {
   constexpr int kStep = 8;
-  const int value = As<AnalogueInput>(shown).Value(static_cast<size_t>(item));
-  SetChannel(shown, item, value + steps * kStep);
+  const int value = As<AnalogueInput>(viewed).Value(static_cast<size_t>(item));
+  SetChannel(viewed, item, value + steps * kStep);
 }
 
 std::string Plot(const Glyphs& shapes, const std::vector<std::optional<uint8_t>>& peaks) {
@@ -136,55 +136,55 @@ std::string Plot(const Glyphs& shapes, const std::vector<std::optional<uint8_t>>
   return text;
 }
 
-void DrawAnalogueInput(Pen& pen, const Shown& shown) {
+void DrawAnalogueInput(Pen& pen, const ViewedCard& viewed) {
   for (int channel = 0; channel < static_cast<int>(AnalogueInput::kChannelCount); ++channel) {
     const auto index = static_cast<size_t>(channel);
-    const AnalogueInput& card = As<AnalogueInput>(shown);
+    const AnalogueInput& card = As<AnalogueInput>(viewed);
     const bool masked = card.IsMasked(index);
     pen.Put(channel, 2, std::to_string(channel),
-            channel == shown.item ? Look::kSelected : Look::kPlain);
+            channel == viewed.item ? Look::kSelected : Look::kPlain);
     pen.Put(channel, 4, Bar(pen.Shapes(), card.Value(index), kSlider),
             masked ? Look::kDim : Look::kGood);
     pen.Put(channel, 5 + kSlider, HexByte(card.Value(index)), masked ? Look::kDim : Look::kPlain);
     pen.Put(channel, 8 + kSlider,
-            masked ? "masked, reads 00" : Plot(pen.Shapes(), shown.history.Peaks(index, kPlot)));
+            masked ? "masked, reads 00" : Plot(pen.Shapes(), viewed.history.Peaks(index, kPlot)));
     pen.AddSpot({channel, 4, kSlider,
-                 [shown, channel](int offset) {
-                   SetChannel(shown, channel, offset * kFullScale / (kSlider - 1));
+                 [viewed, channel](int offset) {
+                   SetChannel(viewed, channel, offset * kFullScale / (kSlider - 1));
                  },
-                 [shown, channel](int steps) { MoveChannel(shown, channel, steps); }});
+                 [viewed, channel](int steps) { MoveChannel(viewed, channel, steps); }});
   }
 }
 
 // A terminal tells when a key goes down, but not when it comes up again.
-void TapKey(const Shown& shown, int item) {
+void TapKey(const ViewedCard& viewed, int item) {
   const auto key = static_cast<uint8_t>(item + 1);
-  shown.card_operator.Press(shown.address, key);
-  shown.loop.After(kTap, [&card_operator = shown.card_operator, address = shown.address, key] {
+  viewed.card_operator.Press(viewed.address, key);
+  viewed.loop.After(kTap, [&card_operator = viewed.card_operator, address = viewed.address, key] {
     card_operator.Release(address, key);
   });
 }
 
-void TurnEncoder(const Shown& shown, int, int steps) {
-  shown.card_operator.Turn(shown.address, steps);
+void TurnEncoder(const ViewedCard& viewed, int, int steps) {
+  viewed.card_operator.Turn(viewed.address, steps);
 }
 
-void DrawKeys(Pen& pen, const Shown& shown) {
-  const Keys& card = As<Keys>(shown);
+void DrawKeys(Pen& pen, const ViewedCard& viewed) {
+  const Keys& card = As<Keys>(viewed);
   for (int key = 0; key < kKeyCount; ++key) {
     const bool held = card.Key() == key + 1;
     const Look look = held ? Look::kGood : Look::kPlain;
-    pen.Put(0, 2 + key * 3, HexByte(key + 1), key == shown.item ? Look::kSelected : look);
-    pen.AddSpot({0, 2 + key * 3, 2, [shown, key](int) { TapKey(shown, key); }, {}});
+    pen.Put(0, 2 + key * 3, HexByte(key + 1), key == viewed.item ? Look::kSelected : look);
+    pen.AddSpot({0, 2 + key * 3, 2, [viewed, key](int) { TapKey(viewed, key); }, {}});
   }
   const std::string held = card.Key() != 0 ? HexByte(card.Key()) : "--";
   pen.Put(1, 2, Joined({"held ", held, "   encoder ", std::to_string(card.Position())}));
-  pen.AddSpot({1, 12, 16, [shown](int) { shown.card_operator.Turn(shown.address, 1); },
-               [shown](int steps) { shown.card_operator.Turn(shown.address, steps); }});
+  pen.AddSpot({1, 12, 16, [viewed](int) { viewed.card_operator.Turn(viewed.address, 1); },
+               [viewed](int steps) { viewed.card_operator.Turn(viewed.address, steps); }});
 }
 
-void DrawLcd(Pen& pen, const Shown& shown) {
-  const Lcd& card = As<Lcd>(shown);
+void DrawLcd(Pen& pen, const ViewedCard& viewed) {
+  const Lcd& card = As<Lcd>(viewed);
   const std::string edge = "+" + std::string(Lcd::kColumns, '-') + "+";
   pen.Put(0, 2, edge);
   for (size_t row = 0; row < Lcd::kRows; ++row) {
@@ -203,8 +203,8 @@ void DrawLcd(Pen& pen, const Shown& shown) {
   pen.Put(3, 25, card.Blinking() ? "blinking" : "no blinking");
 }
 
-void DrawIr(Pen& pen, const Shown& shown) {
-  const auto& sent = As<Ir>(shown).Sent();
+void DrawIr(Pen& pen, const ViewedCard& viewed) {
+  const auto& sent = As<Ir>(viewed).Sent();
   std::string text = sent.empty() ? "nothing sent" : Hex(sent.back());
   text.resize(std::min<size_t>(text.size(), kViewWidth - 2));
   pen.Put(0, 2, text);

@@ -3,7 +3,7 @@
 
 #include "bus/BusAdapter.h"
 #include "bus/CardOperator.h"
-#include "panel/History.h"
+#include "panel/AnalogueHistory.h"
 #include "panel/Pen.h"
 
 namespace virtualbus {
@@ -11,12 +11,12 @@ namespace virtualbus {
 constexpr int kViewWidth = 39;
 
 // What a view needs to draw one card.
-struct Shown {
+struct ViewedCard {
   const BusAdapter::Slot& slot;
   uint8_t address;
   CardOperator& card_operator;
   Loop& loop;
-  const History& history;
+  const AnalogueHistory& history;
   int item;  // the selected line, channel or key; -1 when another card is selected
 };
 
@@ -24,9 +24,10 @@ struct CardView {
   KindId kind;
   int rows;   // below the card's heading
   int items;  // 0: nothing to select
-  void (*draw)(Pen& pen, const Shown& shown);
-  void (*act)(const Shown& shown, int item);              // space bar and click; may be null
-  void (*move)(const Shown& shown, int item, int steps);  // plus, minus and wheel; may be null
+  void (*draw)(Pen& pen, const ViewedCard& viewed);
+  void (*act)(const ViewedCard& viewed, int item);  // space bar and click; may be null
+  void (*move)(const ViewedCard& viewed, int item,
+               int steps);  // plus, minus and wheel; may be null
 };
 
 const CardView& ViewOf(const CardKind& kind);

@@ -4,26 +4,26 @@
 
 namespace virtualbus {
 
-int CardsHeight(const std::vector<Block>& blocks, int columns, int most) {
+int CardsHeight(const std::vector<CardBox>& boxes, int columns, int most) {
   int height = 1;
-  for (const Block& block : blocks) height = std::max(height, block.rows);
-  while (height < most && !blocks.empty() && PlaceCards(blocks, height).back().column >= columns) {
+  for (const CardBox& box : boxes) height = std::max(height, box.rows);
+  while (height < most && !boxes.empty() && PlaceCards(boxes, height).back().column >= columns) {
     ++height;
   }
   return std::min(height, most);
 }
 
-std::vector<Place> PlaceCards(const std::vector<Block>& blocks, int height) {
+std::vector<Place> PlaceCards(const std::vector<CardBox>& boxes, int height) {
   std::vector<Place> places;
   int row = 0;
   int column = 0;
-  for (const Block& block : blocks) {
-    if (row > 0 && row + block.rows > height) {
+  for (const CardBox& box : boxes) {
+    if (row > 0 && row + box.rows > height) {
       row = 0;
       ++column;
     }
-    places.push_back({block.address, row, column});
-    row += block.rows;
+    places.push_back({box.address, row, column});
+    row += box.rows;
   }
   return places;
 }

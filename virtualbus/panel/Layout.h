@@ -1,4 +1,4 @@
-// Where the cards stand on the panel: columns of blocks, filled from the left, in address order.
+// Where the cards stand on the panel: columns of boxes, filled from the left, in address order.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace virtualbus {
 
-struct Block {
+struct CardBox {
   uint8_t address;
   int rows;
 };
@@ -14,12 +14,12 @@ struct Block {
 struct Place {
   uint8_t address;
   int row;     // within the cards' area
-  int column;  // counted in blocks, not in characters
+  int column;  // counted in boxes, not in characters
 };
 
-// The lowest height at which the blocks fit side by side in that many columns, but no more than
+// The lowest height at which the boxes fit side by side in that many columns, but no more than
 // most. What does not fit then stands in further columns.
-int CardsHeight(const std::vector<Block>& blocks, int columns, int most);
-std::vector<Place> PlaceCards(const std::vector<Block>& blocks, int height);
+int CardsHeight(const std::vector<CardBox>& boxes, int columns, int most);
+std::vector<Place> PlaceCards(const std::vector<CardBox>& boxes, int height);
 
 }  // namespace virtualbus

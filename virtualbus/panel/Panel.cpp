@@ -41,8 +41,8 @@ constexpr std::array<Panel::Key, 12> Panel::kKeys{{
 }};
 
 Panel::Panel(VirtualBus& bus) : bus_(bus) {
-  const std::vector<Block> blocks = Blocks();
-  if (!blocks.empty()) selected_ = blocks.front().address;
+  const std::vector<CardBox> boxes = Boxes();
+  if (!boxes.empty()) selected_ = boxes.front().address;
   bus_.loop.Watch(STDIN_FILENO, [this] { OnInput(); });
   EverySecond();
 }
@@ -88,7 +88,7 @@ void Panel::Redraw() {
 void Panel::Draw() {
   const int rows_left = terminal_.Rows() - 3 - kFewestEvents;  // title, rule, keys
   const int columns = std::max(1, terminal_.Columns() / kColumnWidth);
-  const int height = CardsHeight(Blocks(), columns, std::max(1, rows_left));
+  const int height = CardsHeight(Boxes(), columns, std::max(1, rows_left));
   terminal_.Clear();
   spots_.clear();
   DrawCards(height);
@@ -111,7 +111,7 @@ void Panel::DrawTitle() {
 
 // Cards that do not fit stand in columns to the right; the panel shows those around the selected.
 void Panel::DrawCards(int height) {
-  const std::vector<Place> places = PlaceCards(Blocks(), height);
+  const std::vector<Place> places = PlaceCards(Boxes(), height);
   const auto selected = std::ranges::find(places, selected_, &Place::address);
   const int visible = std::max(1, terminal_.Columns() / kColumnWidth);
   const int column = selected != places.end() ? selected->column : 0;
@@ -139,7 +139,7 @@ void Panel::DrawCard(const Place& place, int first_column) {
   if (slot.pulled) return;
   const CardView& view = ViewOf(*slot.kind);
   Pen body(terminal_, spots_, 2 + place.row, (place.column - first_column) * kColumnWidth);
-  view.draw(body, ShownCard(place.address));
+  view.draw(body, CardAt(place.address));
 }
 
 void Panel::DrawEvents(int first_row) {
@@ -196,19 +196,19 @@ void Panel::Tell(const Problem& problem) {
 }
 
 void Panel::SelectNext() {
-  const std::vector<Block> blocks = Blocks();
-  if (blocks.empty()) return;
-  const auto next = std::ranges::find_if(
-      blocks, [this](const Block& block) { return block.address > selected_; });
-  selected_ = next != blocks.end() ? next->address : blocks.front().address;
+  const std::vector<CardBox> boxes = Boxes();
+  if (boxes.empty()) return;
+  const auto next =
+      std::ranges::find_if(boxes, [this](const CardBox& box) { return box.address > selected_; });
+  selected_ = next != boxes.end() ? next->address : boxes.front().address;
 }
 
 void Panel::SelectPrevious() {
-  const std::vector<Block> blocks = Blocks();
-  if (blocks.empty()) return;
-  const auto at = std::ranges::find_if(
-      blocks, [this](const Block& block) { return block.address >= selected_; });
-  selected_ = at != blocks.begin() ? std::prev(at)->address : blocks.back().address;
+  const std::vector<CardBox> boxes = Boxes();
+  if (boxes.empty()) return;
+  const auto at =
+      std::ranges::find_if(boxes, [this](const CardBox& box) { return box.address >= selected_; });
+  selected_ = at != boxes.begin() ? std::prev(at)->address : boxes.back().address;
 }
 
 void Panel::MoveItem(int steps) {
@@ -220,13 +220,13 @@ void Panel::MoveItem(int steps) {
 void Panel::Act() {
   const CardView* const view = SelectedView();
   if (view == nullptr || view->act == nullptr) return;
-  view->act(ShownCard(selected_), items_[selected_]);
+  view->act(CardAt(selected_), items_[selected_]);
 }
 
 void Panel::MoveValue(int steps) {
   const CardView* const view = SelectedView();
   if (view == nullptr || view->move == nullptr) return;
-  view->move(ShownCard(selected_), items_[selected_], steps);
+  view->move(CardAt(selected_), items_[selected_], steps);
 }
 
 void Panel::PullOrPlugCard(uint8_t address) {
@@ -239,16 +239,16 @@ void Panel::PullOrPlugCable() {
   Tell(bus_.cable.IsPlugged() ? bus_.cable.Pull() : bus_.cable.Plug());
 }
 
-std::vector<Block> Panel::Blocks() const {
-  std::vector<Block> blocks;
+std::vector<CardBox> Panel::Boxes() const {
+  std::vector<CardBox> boxes;
   for (size_t address = 0; address < kAddressCount; ++address) {
     const CardKind* const kind = bus_.adapter.At(address).kind;
-    if (kind != nullptr) blocks.push_back({static_cast<uint8_t>(address), 1 + ViewOf(*kind).rows});
+    if (kind != nullptr) boxes.push_back({static_cast<uint8_t>(address), 1 + ViewOf(*kind).rows});
   }
-  return blocks;
+  return boxes;
 }
 
-Shown Panel::ShownCard(uint8_t address) {
+ViewedCard Panel::CardAt(uint8_t address) {
   return {bus_.adapter.At(address), address,
           bus_.card_operator,       bus_.loop,
           histories_[address],      address == selected_ ? items_[address] : -1};

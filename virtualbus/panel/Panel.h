@@ -8,8 +8,8 @@
 
 #include "bus/VirtualBus.h"
 #include "journal/Journal.h"
+#include "panel/AnalogueHistory.h"
 #include "panel/CardViews.h"
-#include "panel/History.h"
 #include "panel/Layout.h"
 #include "panel/Terminal.h"
 
@@ -57,15 +57,15 @@ class Panel {
   void PullOrPlugCable();
   void Quit() { bus_.loop.Stop(); }
 
-  std::vector<Block> Blocks() const;
-  Shown ShownCard(uint8_t address);
+  std::vector<CardBox> Boxes() const;
+  ViewedCard CardAt(uint8_t address);
   const CardView* SelectedView();
 
   VirtualBus& bus_;
   Terminal terminal_;
   uint8_t selected_ = 0;
   std::array<int, kAddressCount> items_{};
-  std::array<History, kAddressCount> histories_;
+  std::array<AnalogueHistory, kAddressCount> histories_;
   std::deque<std::string> events_;
   std::vector<Spot> spots_;
   uint64_t frames_before_ = 0;

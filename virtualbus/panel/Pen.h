@@ -1,4 +1,4 @@
-// Draws one card's block at its place, and remembers which spots of it can be clicked.
+// Draws one card's box at its place, and remembers which spots of it can be clicked.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "CardsAtStart.h"
+#include "InitialCards.h"
 
 #include "bus/BusFile.h"
 
@@ -19,7 +19,7 @@ Problem PlugNamed(BusAdapter& adapter, const std::string& text) {
 
 }  // namespace
 
-Problem PlugCards(BusAdapter& adapter, const Options& options) {
+Problem PlugInitialCards(BusAdapter& adapter, const Options& options) {
   Problem problem;
   if (!options.bus_file.empty()) problem = ReadBusFile(options.bus_file, adapter);
   for (const std::string& card : options.cards) {

@@ -9,6 +9,6 @@ namespace virtualbus {
 
 // The cards of the bus file, then those named on the command line; one of each kind if neither
 // says.
-Problem PlugCards(BusAdapter& adapter, const Options& options);
+Problem PlugInitialCards(BusAdapter& adapter, const Options& options);
 
 }  // namespace virtualbus

@@ -10,7 +10,7 @@
 
 namespace virtualbus {
 
-class History {
+class AnalogueHistory {
  public:
   static constexpr size_t kSeconds = 60;
 

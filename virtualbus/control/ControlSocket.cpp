@@ -1,4 +1,4 @@
-#include "control/Control.h"
+#include "control/ControlSocket.h"
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -24,14 +24,14 @@ Problem Failed(const std::string& path) {
 
 }  // namespace
 
-Control::~Control() {
+ControlSocket::~ControlSocket() {
   for (const auto& [fd, session] : sessions_) close(fd);
   if (listener_ == -1) return;
   close(listener_);
   unlink(path_.c_str());
 }
 
-Problem Control::Listen(const std::string& path) {
+Problem ControlSocket::Listen(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) return path + " is too long for a socket";
@@ -59,14 +59,14 @@ Problem Control::Listen(const std::string& path) {
   return {};
 }
 
-void Control::OnConnect() {
+void ControlSocket::OnConnect() {
   const int fd = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
   if (fd == -1) return;
   sessions_[fd].seen = history_.End();
   bus_.loop.Watch(fd, [this, fd] { OnReadable(fd); });
 }
 
-void Control::OnReadable(int fd) {
+void ControlSocket::OnReadable(int fd) {
   std::array<char, 4096> buffer;
   const ssize_t count = read(fd, buffer.data(), buffer.size());
   if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
@@ -80,7 +80,7 @@ void Control::OnReadable(int fd) {
   RunLines(fd);
 }
 
-void Control::RunLines(int fd) {
+void ControlSocket::RunLines(int fd) {
   for (auto found = sessions_.find(fd); found != sessions_.end(); found = sessions_.find(fd)) {
     Session& session = found->second;
     if (!session.awaited.empty()) return;
@@ -96,7 +96,7 @@ void Control::RunLines(int fd) {
   }
 }
 
-void Control::RunLine(int fd, const std::string& line) {
+void ControlSocket::RunLine(int fd, const std::string& line) {
   Reply reply;
   const Problem problem = RunControlLine(bus_, line, reply);
   Session& session = sessions_.at(fd);
@@ -115,11 +115,11 @@ void Control::RunLine(int fd, const std::string& line) {
 }
 
 // The waits are looked at after the frame is dealt with, so that who waited sees what it did.
-void Control::OnFrame() {
+void ControlSocket::OnFrame() {
   if (check_ == 0) check_ = bus_.loop.After({}, [this] { CheckWaits(); });
 }
 
-void Control::CheckWaits() {
+void ControlSocket::CheckWaits() {
   check_ = 0;
   std::vector<int> answered;
   for (auto& [fd, session] : sessions_) {
@@ -133,7 +133,7 @@ void Control::CheckWaits() {
   for (const int fd : answered) RunLines(fd);
 }
 
-void Control::EndWait(int fd, const Problem& problem) {
+void ControlSocket::EndWait(int fd, const Problem& problem) {
   Session& session = sessions_.at(fd);
   bus_.loop.Cancel(session.patience);
   session.awaited.clear();
@@ -141,7 +141,7 @@ void Control::EndWait(int fd, const Problem& problem) {
 }
 
 // A script that does not read its answers is not waited for.
-void Control::Answer(int fd, const Problem& problem, const std::vector<std::string>& lines) {
+void ControlSocket::Answer(int fd, const Problem& problem, const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text += line + '\n';
   text += problem.empty() ? "ok\n" : "error: " + problem + '\n';
@@ -149,7 +149,7 @@ void Control::Answer(int fd, const Problem& problem, const std::vector<std::stri
     Close(fd);
 }
 
-void Control::Close(int fd) {
+void ControlSocket::Close(int fd) {
   const auto found = sessions_.find(fd);
   if (found == sessions_.end()) return;
   bus_.loop.Cancel(found->second.patience);

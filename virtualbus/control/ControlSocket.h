@@ -12,12 +12,12 @@
 
 namespace virtualbus {
 
-class Control {
+class ControlSocket {
  public:
-  explicit Control(VirtualBus& bus) : bus_(bus) {}
-  ~Control();  // removes the socket
-  Control(const Control&) = delete;
-  Control& operator=(const Control&) = delete;
+  explicit ControlSocket(VirtualBus& bus) : bus_(bus) {}
+  ~ControlSocket();  // removes the socket
+  ControlSocket(const ControlSocket&) = delete;
+  ControlSocket& operator=(const ControlSocket&) = delete;
 
   Problem Listen(const std::string& path);
 
