@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Options.h"
-#include "base/Text.h"
+#include "base/Problem.h"
 #include "bus/BusAdapter.h"
 
 namespace virtualbus {

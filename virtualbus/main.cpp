@@ -20,30 +20,30 @@ namespace {
 constexpr int kRefusedToStart = 2;
 
 int Refuse(const Problem& problem) {
-  std::cerr << "qelm-bus: " << problem << '\n';
+  std::cerr << "qelm-bus: " << problem.Text() << '\n';
   return kRefusedToStart;
 }
 
-// Whatever makes it visible comes last: who sees the link finds everything else in place.
+// The link comes after everything that its reader may need: the cards, the recording, the socket.
 Problem Start(VirtualBus& bus, Recorder& recorder, Replayer& replayer, ControlSocket& control,
               const Options& options) {
   bus.wire.SetBaud(options.baud);
   bus.cable.SetLink(options.link);
-  Problem problem = bus.Open();
-  const auto then = [&](bool wanted, const auto& step) {
-    if (problem.empty() && wanted) problem = step();
-  };
-  then(true, [&] { return PlugInitialCards(bus.adapter, options); });
-  then(!options.replay.empty(), [&] { return replayer.Load(options.replay, options.fast); });
-  then(!options.record.empty(), [&] { return recorder.Begin(options.record, bus.journal); });
-  then(!options.control.empty(), [&] { return control.Listen(options.control); });
-  then(true, [&] { return bus.cable.Plug(); });
-  then(true, [&] { return RunControlLines(bus, options.lines); });
+  if (Problem problem = bus.Open()) return problem;
+  if (Problem problem = PlugInitialCards(bus.adapter, options)) return problem;
   if (!options.replay.empty()) {
+    if (Problem problem = replayer.Load(options.replay, options.fast)) return problem;
     bus.exchange.SetAnswerer(
         [&](const Bytes& frame) { return replayer.Answer(frame, Clock::now()); });
   }
-  return problem;
+  if (!options.record.empty()) {
+    if (Problem problem = recorder.Begin(options.record, bus.journal)) return problem;
+  }
+  if (!options.control.empty()) {
+    if (Problem problem = control.Listen(options.control)) return problem;
+  }
+  if (Problem problem = bus.cable.Plug()) return problem;
+  return RunControlLines(bus, options.lines);
 }
 
 void RunWithPanel(VirtualBus& bus, Signals& signals) {
@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
   Recorder recorder(bus.loop);
   Replayer replayer;
   ControlSocket control(bus);
-  if (const Problem problem = Start(bus, recorder, replayer, control, *options); !problem.empty()) {
+  if (const Problem problem = Start(bus, recorder, replayer, control, *options)) {
     return Refuse(problem);
   }
   if (with_panel) {

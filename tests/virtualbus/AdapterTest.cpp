@@ -11,7 +11,7 @@ const Bytes kAcknowledgement{0x06};
 class Adapter : public testing::Test {
  protected:
   void Plug(uint8_t address, const char* kind) {
-    ASSERT_EQ(adapter.Insert(address, *FindKind(kind)), "");
+    ASSERT_EQ(adapter.Insert(address, *FindKind(kind)).Text(), "");
   }
   Bytes Ask(const Bytes& request) { return adapter.Answer(request); }
 
@@ -33,20 +33,20 @@ TEST_F(Adapter, DiscoversEveryKindAtItsAddress) {
 
 TEST_F(Adapter, ReportsAPulledCardAsSilentAndAPlaceNeverUsedAsEmpty) {
   Plug(3, "servo");
-  EXPECT_EQ(adapter.Pull(3), "");
+  EXPECT_EQ(adapter.Pull(3).Text(), "");
   EXPECT_EQ(Ask({0x30}), (Bytes{0x31, 0, 0, 0, 0xFF, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(Adapter, RefusesWhatIsForAPulledOrMissingCard) {
   Plug(3, "digital-input");
   Plug(5, "digital-output");
-  adapter.Pull(3);
-  adapter.Pull(5);
+  EXPECT_EQ(adapter.Pull(3).Text(), "");
+  EXPECT_EQ(adapter.Pull(5).Text(), "");
   for (const Bytes& request : {Bytes{0x20, 0x03, 0x02}, Bytes{0x10, 0x05, 0x02, 0x00, 0x00},
                                Bytes{0x50, 0x05, 0x01, 0xAB}, Bytes{0x20, 0x07, 0x02}}) {
     EXPECT_EQ(Ask(request), kRefusal) << Hex(request);
   }
-  EXPECT_EQ(adapter.PlugBack(5), "");
+  EXPECT_EQ(adapter.PlugBack(5).Text(), "");
   EXPECT_EQ(Ask({0x10, 0x05, 0x02, 0x00, 0x00}), kAcknowledgement);
 }
 
@@ -94,20 +94,20 @@ TEST_F(Adapter, RefusesWhatItCannotRead) {
 TEST_F(Adapter, EveryKindReboots) {
   for (const CardKind& kind : kCardKinds) {
     const uint8_t address = kind.default_address;
-    ASSERT_EQ(adapter.Insert(address, kind), "");
+    ASSERT_EQ(adapter.Insert(address, kind).Text(), "");
     EXPECT_EQ(Ask({0x50, address, 0x01, 0xAB}), (Bytes{0x51, address, 0xAB, 0x00})) << kind.word;
   }
 }
 
 TEST_F(Adapter, TakesANewCardOnlyWhereNoneIsPlugged) {
   Plug(3, "servo");
-  EXPECT_EQ(adapter.Insert(3, *FindKind("motor")), "address 3 is taken");
-  EXPECT_EQ(adapter.PlugBack(3), "card 3 is plugged");
-  EXPECT_EQ(adapter.PlugBack(4), "no card at 4");
-  EXPECT_EQ(adapter.Pull(4), "no card at 4");
-  EXPECT_EQ(adapter.Pull(3), "");
-  EXPECT_EQ(adapter.Pull(3), "card 3 is pulled");
-  EXPECT_EQ(adapter.Insert(3, *FindKind("motor")), "");
+  EXPECT_EQ(adapter.Insert(3, *FindKind("motor")).Text(), "address 3 is taken");
+  EXPECT_EQ(adapter.PlugBack(3).Text(), "card 3 is plugged");
+  EXPECT_EQ(adapter.PlugBack(4).Text(), "no card at 4");
+  EXPECT_EQ(adapter.Pull(4).Text(), "no card at 4");
+  EXPECT_EQ(adapter.Pull(3).Text(), "");
+  EXPECT_EQ(adapter.Pull(3).Text(), "card 3 is pulled");
+  EXPECT_EQ(adapter.Insert(3, *FindKind("motor")).Text(), "");
   EXPECT_EQ(Ask({0x10, 0x03, 0x04, 1, 2, 3, 4}), kAcknowledgement);
 }
 

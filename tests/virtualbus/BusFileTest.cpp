@@ -9,13 +9,13 @@ namespace {
 
 class BusFile : public testing::Test {
  protected:
-  Problem Read(const std::string& text) {
+  std::string Read(const std::string& text) {
     path_ = folder.Write("bus.xml", text);
-    return ReadBusFile(path_, adapter);
+    return ReadBusFile(path_, adapter).Text();
   }
   void ExpectProblem(const std::string& text, int line, const std::string& what) {
     adapter = BusAdapter();
-    const Problem problem = Read(text);
+    const std::string problem = Read(text);
     EXPECT_EQ(problem, path_ + ":" + std::to_string(line) + ": " + what);
   }
   Bytes Ask(const Bytes& request) { return adapter.Answer(request); }
@@ -102,8 +102,10 @@ TEST_F(BusFile, AFaultIsNamedWithItsLine) {
 }
 
 TEST_F(BusFile, WhatCannotBeReadIsNamed) {
-  EXPECT_EQ(ReadBusFile(folder.Path("none"), adapter), folder.Path("none") + ": cannot be read");
-  EXPECT_EQ(ReadBusFile(folder.Path(""), adapter), folder.Path("") + ": is empty or a folder");
+  EXPECT_EQ(ReadBusFile(folder.Path("none"), adapter).Text(),
+            folder.Path("none") + ": cannot be read");
+  EXPECT_EQ(ReadBusFile(folder.Path(""), adapter).Text(),
+            folder.Path("") + ": is empty or a folder");
 }
 
 TEST_F(BusFile, AFaultEndsTheStart) {

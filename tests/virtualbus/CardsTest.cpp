@@ -19,7 +19,7 @@ const Bytes kAcknowledgement{0x06};
 // One card at address 2.
 class CardTest : public testing::Test {
  protected:
-  explicit CardTest(const char* kind) { adapter.Insert(2, *FindKind(kind)); }
+  explicit CardTest(const char* kind) { EXPECT_EQ(adapter.Insert(2, *FindKind(kind)).Text(), ""); }
 
   Bytes Ask(const Bytes& request) { return adapter.Answer(request); }
   void Write(const Bytes& data) {

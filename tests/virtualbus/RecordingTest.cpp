@@ -98,7 +98,7 @@ TEST_F(Replay, ARecordingIsNeverWrittenOver) {
 class Replaying : public testing::Test {
  protected:
   void Load(const std::string& text, bool fast) {
-    ASSERT_EQ(replayer.Load(folder.Write("recording", text), fast), "");
+    ASSERT_EQ(replayer.Load(folder.Write("recording", text), fast).Text(), "");
   }
   std::string AskAt(double seconds, const Bytes& request) {
     const auto time =
@@ -171,9 +171,9 @@ TEST_F(Replaying, AFaultIsNamedWithItsLine) {
   };
   for (const auto& [text, problem] : bad) {
     const std::string path = folder.Write("recording", text);
-    EXPECT_EQ(Replayer().Load(path, true), path + problem) << text;
+    EXPECT_EQ(Replayer().Load(path, true).Text(), path + problem) << text;
   }
-  EXPECT_EQ(Replayer().Load(folder.Path(""), true), folder.Path("") + ": cannot be read");
+  EXPECT_EQ(Replayer().Load(folder.Path(""), true).Text(), folder.Path("") + ": cannot be read");
 }
 
 }  // namespace

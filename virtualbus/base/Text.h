@@ -14,9 +14,6 @@ namespace virtualbus {
 
 using Bytes = std::vector<uint8_t>;
 
-// What went wrong, as one line for a person; empty when nothing did.
-using Problem = std::string;
-
 constexpr size_t kAddressCount = 16;
 
 std::string Hex(std::span<const uint8_t> bytes);  // "10 05 FF"

@@ -38,7 +38,8 @@ constexpr std::array<BusAdapter::Command, 5> BusAdapter::kCommands{{
 
 Problem BusAdapter::Insert(uint8_t address, const CardKind& kind) {
   Slot& slot = slots_[address];
-  if (slot.kind != nullptr && !slot.pulled) return "address " + HexDigit(address) + " is taken";
+  if (slot.kind != nullptr && !slot.pulled)
+    return Problem("address " + HexDigit(address) + " is taken");
   slot = {&kind, kind.make(), false};
   slot.card->PowerUp();
   return {};
@@ -53,7 +54,7 @@ Problem BusAdapter::Pull(uint8_t address) {
 Problem BusAdapter::PlugBack(uint8_t address) {
   Slot& slot = slots_[address];
   if (slot.kind == nullptr) return WhyAbsent(address);
-  if (!slot.pulled) return "card " + HexDigit(address) + " is plugged";
+  if (!slot.pulled) return Problem("card " + HexDigit(address) + " is plugged");
   slot.pulled = false;
   slot.card->PowerUp();
   return {};
@@ -65,8 +66,8 @@ Card* BusAdapter::Present(size_t address) const {
 }
 
 Problem BusAdapter::WhyAbsent(uint8_t address) const {
-  if (slots_[address].kind == nullptr) return "no card at " + HexDigit(address);
-  return "card " + HexDigit(address) + " is pulled";
+  if (slots_[address].kind == nullptr) return Problem("no card at " + HexDigit(address));
+  return Problem("card " + HexDigit(address) + " is pulled");
 }
 
 Bytes BusAdapter::Answer(const Bytes& request) {

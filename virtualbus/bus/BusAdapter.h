@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 
+#include "base/Problem.h"
 #include "base/Text.h"
 #include "cards/CardKinds.h"
 

@@ -37,14 +37,15 @@ constexpr GroupName kGroups[] = {{"Stored", Card::Group::kStored}, {"Start", Car
 
 Problem Reader::At(ptrdiff_t offset, const std::string& what) const {
   const auto end = text_.begin() + std::clamp<ptrdiff_t>(offset, 0, std::ssize(text_));
-  return path_ + ":" + std::to_string(std::count(text_.begin(), end, '\n') + 1) + ": " + what;
+  const auto line = std::count(text_.begin(), end, '\n') + 1;
+  return Problem(path_ + ":" + std::to_string(line) + ": " + what);
 }
 
 Problem Reader::Read() {
   std::ifstream file(path_, std::ios::binary);
-  if (!file) return path_ + ": cannot be read";
+  if (!file) return Problem(path_ + ": cannot be read");
   std::ostringstream text;
-  if (!(text << file.rdbuf())) return path_ + ": is empty or a folder";
+  if (!(text << file.rdbuf())) return Problem(path_ + ": is empty or a folder");
   text_ = text.str();
   pugi::xml_document document;
   const auto result = document.load_buffer(text_.data(), text_.size());
@@ -55,7 +56,7 @@ Problem Reader::Read() {
     return At(root.offset_debug(), "the document element must be QELMBus");
   }
   for (const pugi::xml_node element : root.children()) {
-    if (Problem problem = ReadCard(element); !problem.empty()) return problem;
+    if (Problem problem = ReadCard(element)) return problem;
   }
   return {};
 }
@@ -76,12 +77,11 @@ Problem Reader::ReadCard(pugi::xml_node element) {
   if (!address) return At(here, "Address \"" + address_text + "\" is not one digit, 0 to F");
   const CardKind* const kind = FindKind(kind_text);
   if (kind == nullptr) return At(here, "Kind \"" + kind_text + "\" is none of " + KindWords());
-  if (Problem problem = adapter_.Insert(*address, *kind); !problem.empty())
-    return At(here, problem);
+  if (Problem problem = adapter_.Insert(*address, *kind)) return At(here, problem.Text());
 
   // What is stored comes first, then the card boots with it, then it gets its start values.
   Card& card = *adapter_.Present(*address);
-  if (Problem problem = ReadFields(element, "Stored", card); !problem.empty()) return problem;
+  if (Problem problem = ReadFields(element, "Stored", card)) return problem;
   card.PowerUp();
   return ReadFields(element, "Start", card);
 }
@@ -94,7 +94,7 @@ Problem Reader::ReadFields(pugi::xml_node card_element, std::string_view name, C
     }
     if (found != name) continue;
     for (const pugi::xml_attribute attribute : element.attributes()) {
-      if (Problem problem = ReadField(element, attribute, card); !problem.empty()) return problem;
+      if (Problem problem = ReadField(element, attribute, card)) return problem;
     }
   }
   return {};

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "base/Text.h"
+#include "base/Problem.h"
 #include "bus/BusAdapter.h"
 
 namespace virtualbus {

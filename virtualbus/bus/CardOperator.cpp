@@ -12,8 +12,7 @@ constexpr std::chrono::milliseconds kShortestStep{1};
 }  // namespace
 
 Problem CardOperator::Set(uint8_t address, uint8_t block, const Bytes& values) {
-  if (Problem problem = CheckBlocks(address, block, values.size()); !problem.empty())
-    return problem;
+  if (Problem problem = CheckBlocks(address, block, values.size())) return problem;
   for (size_t i = 0; i < values.size(); ++i) {
     StopRamp({address, static_cast<uint8_t>(block + i)});
     adapter_.Present(address)->Inputs()[block + i] = values[i];
@@ -23,7 +22,7 @@ Problem CardOperator::Set(uint8_t address, uint8_t block, const Bytes& values) {
 
 Problem CardOperator::Ramp(uint8_t address, uint8_t block, uint8_t from, uint8_t to,
                            Clock::duration time) {
-  if (Problem problem = CheckBlocks(address, block, 1); !problem.empty()) return problem;
+  if (Problem problem = CheckBlocks(address, block, 1)) return problem;
   const Block key{address, block};
   StopRamp(key);
   ramps_[key] = {from, to, Clock::now(), time, 0};
@@ -50,13 +49,13 @@ Problem CardOperator::Turn(uint8_t address, int steps) {
 }
 
 Problem CardOperator::PullCard(uint8_t address) {
-  if (Problem problem = adapter_.Pull(address); !problem.empty()) return problem;
+  if (Problem problem = adapter_.Pull(address)) return problem;
   return Note(address, true, "pulled", {});
 }
 
 Problem CardOperator::PlugCard(uint8_t address, const CardKind* kind) {
   Problem problem = kind != nullptr ? adapter_.Insert(address, *kind) : adapter_.PlugBack(address);
-  if (!problem.empty()) return problem;
+  if (problem) return problem;
   return Note(address, true, "plugged", {});
 }
 
@@ -64,15 +63,15 @@ Problem CardOperator::CheckBlocks(uint8_t address, size_t block, size_t count) c
   Card* const card = adapter_.Present(address);
   if (card == nullptr) return adapter_.WhyAbsent(address);
   const size_t blocks = card->Inputs().size();
-  if (blocks == 0) return "card " + HexDigit(address) + " has no inputs";
+  if (blocks == 0) return Problem("card " + HexDigit(address) + " has no inputs");
   if (block + count <= blocks) return {};
-  return "card " + HexDigit(address) + " has blocks 0 to " + std::to_string(blocks - 1);
+  return Problem("card " + HexDigit(address) + " has blocks 0 to " + std::to_string(blocks - 1));
 }
 
 Problem CardOperator::Note(uint8_t address, bool done, std::string_view what,
                            std::string_view refusal) {
   const std::string card = "card " + HexDigit(address) + " ";
-  if (!done) return card + std::string(refusal);
+  if (!done) return Problem(card + std::string(refusal));
   journal_.Note(card + std::string(what));
   return {};
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Loop.h"
+#include "base/Problem.h"
 #include "bus/BusAdapter.h"
 #include "journal/Journal.h"
 

@@ -10,15 +10,16 @@ namespace virtualbus {
 Problem Replayer::Load(const std::string& path, bool fast) {
   fast_ = fast;
   std::ifstream file(path);
-  if (!file) return path + ": cannot be read";
+  if (!file) return Problem(path + ": cannot be read");
   size_t number = 0;
   for (std::string line; std::getline(file, line);) {
     ++number;
-    const Problem problem = TakeLine(line);
-    if (!problem.empty()) return path + ":" + std::to_string(number) + ": " + problem;
+    if (const Problem problem = TakeLine(line)) {
+      return Problem(path + ":" + std::to_string(number) + ": " + problem.Text());
+    }
   }
-  if (file.bad()) return path + ": cannot be read";
-  if (sequences_.empty()) return path + ": holds no frame";
+  if (file.bad()) return Problem(path + ": cannot be read");
+  if (sequences_.empty()) return Problem(path + ": holds no frame");
   if (!fast) KeepChanges();
   return {};
 }
@@ -33,10 +34,10 @@ Problem Replayer::TakeLine(const std::string& line) {
   const bool to_host = words.size() > 1 && words[1] == "<";
   const auto bytes = ParseBytes(std::span(words).subspan(std::min<size_t>(words.size(), 2)));
   if (!seconds || !(from_host || to_host) || !bytes || bytes->empty()) {
-    return "a line is a time, > or <, and bytes";
+    return Problem("a line is a time, > or <, and bytes");
   }
   if (to_host) {
-    if (asked_ == nullptr) return "a reply before any frame";
+    if (asked_ == nullptr) return Problem("a reply before any frame");
     asked_->replies.back().reply = *bytes;
     return {};
   }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/Loop.h"
+#include "base/Problem.h"
 #include "base/Text.h"
 
 namespace virtualbus {

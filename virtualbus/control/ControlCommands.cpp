@@ -20,7 +20,7 @@ constexpr std::chrono::seconds kPatience{10};
 template <typename Value>
 Problem Read(std::string_view what, const std::string& text, std::optional<Value> parsed,
              Value& into) {
-  if (!parsed) return "\"" + text + "\" is no " + std::string(what);
+  if (!parsed) return Problem("\"" + text + "\" is no " + std::string(what));
   into = *parsed;
   return {};
 }
@@ -46,7 +46,7 @@ Problem ReadCount(const std::string& text, long least, long most, long& count) {
 template <typename... Steps>
 Problem First(Steps... steps) {
   Problem problem;
-  static_cast<void>(((problem = steps(), problem.empty()) && ...));
+  static_cast<void>(((problem = steps(), !problem) && ...));
   return problem;
 }
 
@@ -56,10 +56,10 @@ Problem Set(VirtualBus& bus, Arguments arguments, Reply&) {
   Bytes values(arguments.size() - 2);
   Problem problem = First([&] { return ReadAddress(arguments[0], address); },
                           [&] { return ReadByte(arguments[1], block); });
-  for (size_t i = 0; i < values.size() && problem.empty(); ++i) {
+  for (size_t i = 0; i < values.size() && !problem; ++i) {
     problem = ReadByte(arguments[i + 2], values[i]);
   }
-  return problem.empty() ? bus.card_operator.Set(address, block, values) : problem;
+  return problem ? problem : bus.card_operator.Set(address, block, values);
 }
 
 Problem Ramp(VirtualBus& bus, Arguments arguments, Reply&) {
@@ -103,7 +103,7 @@ Problem Turn(VirtualBus& bus, Arguments arguments, Reply&) {
 
 Problem Show(VirtualBus& bus, Arguments arguments, Reply& reply) {
   uint8_t address = 0;
-  if (Problem problem = ReadAddress(arguments[0], address); !problem.empty()) return problem;
+  if (Problem problem = ReadAddress(arguments[0], address)) return problem;
   const BusAdapter::Slot& slot = bus.adapter.At(address);
   if (slot.kind == nullptr) return bus.adapter.WhyAbsent(address);
   const std::string state = slot.pulled ? " (pulled)" : "";
@@ -115,7 +115,7 @@ Problem Show(VirtualBus& bus, Arguments arguments, Reply& reply) {
 Problem CardPlug(VirtualBus& bus, Arguments arguments, Reply&) {
   const CardKind* const kind = arguments.size() == 3 ? FindKind(arguments[2]) : nullptr;
   if (arguments.size() == 3 && kind == nullptr) {
-    return "\"" + arguments[2] + "\" is no card kind (" + KindWords() + ")";
+    return Problem("\"" + arguments[2] + "\" is no card kind (" + KindWords() + ")");
   }
   uint8_t address = 0;
   return First([&] { return ReadAddress(arguments[0], address); },
@@ -125,7 +125,7 @@ Problem CardPlug(VirtualBus& bus, Arguments arguments, Reply&) {
 Problem PullOrPlugCard(VirtualBus& bus, Arguments arguments, Reply& reply) {
   if (arguments[1] == "plug") return CardPlug(bus, arguments, reply);
   if (arguments[1] != "pull" || arguments.size() != 2)
-    return "a card can \"pull\" or \"plug [KIND]\"";
+    return Problem("a card can \"pull\" or \"plug [KIND]\"");
   uint8_t address = 0;
   return First([&] { return ReadAddress(arguments[0], address); },
                [&] { return bus.card_operator.PullCard(address); });
@@ -138,14 +138,14 @@ Problem PlugCable(VirtualBus& bus, Arguments, Reply&) { return bus.cable.Plug();
 Problem WaitFrame(VirtualBus&, Arguments arguments, Reply& reply) {
   std::chrono::milliseconds patience = kPatience;
   if (arguments.size() > 2 && arguments[arguments.size() - 2] == "within") {
-    if (Problem problem = ReadTime(arguments.back(), patience); !problem.empty()) return problem;
+    if (Problem problem = ReadTime(arguments.back(), patience)) return problem;
     arguments = arguments.first(arguments.size() - 2);
   }
   for (const std::string& text : arguments) {
     uint8_t byte = 0;
     if (text == "..") {
       reply.awaited.push_back(std::nullopt);
-    } else if (Problem problem = ReadByte(text, byte); !problem.empty()) {
+    } else if (Problem problem = ReadByte(text, byte)) {
       reply.awaited.clear();
       return problem;
     } else {
@@ -175,21 +175,21 @@ Problem Status(VirtualBus& bus, Arguments, Reply& reply) {
 Problem Mute(VirtualBus& bus, Arguments arguments, Reply&) {
   std::chrono::milliseconds time{};
   Problem problem = ReadTime(arguments[0], time);
-  if (problem.empty()) bus.faults.Mute(time);
+  if (!problem) bus.faults.Mute(time);
   return problem;
 }
 
 Problem Late(VirtualBus& bus, Arguments arguments, Reply&) {
   std::chrono::milliseconds delay{};
   Problem problem = ReadTime(arguments[0], delay);
-  if (problem.empty()) bus.faults.Late(delay);
+  if (!problem) bus.faults.Late(delay);
   return problem;
 }
 
 Problem DropNext(VirtualBus& bus, Arguments arguments, Reply&) {
   long count = 0;
   Problem problem = ReadCount(arguments[0], 0, kMostFrames, count);
-  if (problem.empty()) bus.faults.DropNext(count);
+  if (!problem) bus.faults.DropNext(count);
   return problem;
 }
 
@@ -197,7 +197,7 @@ Problem WrongLength(VirtualBus& bus, Arguments arguments, Reply&) {
   long count = 1;
   Problem problem;
   if (!arguments.empty()) problem = ReadCount(arguments[0], 0, kMostFrames, count);
-  if (problem.empty()) bus.faults.WrongLength(count);
+  if (!problem) bus.faults.WrongLength(count);
   return problem;
 }
 
@@ -205,28 +205,28 @@ Problem WrongAddress(VirtualBus& bus, Arguments arguments, Reply&) {
   long count = 1;
   Problem problem;
   if (!arguments.empty()) problem = ReadCount(arguments[0], 0, kMostFrames, count);
-  if (problem.empty()) bus.faults.WrongAddress(count);
+  if (!problem) bus.faults.WrongAddress(count);
   return problem;
 }
 
 Problem Garbage(VirtualBus& bus, Arguments arguments, Reply&) {
   long count = 0;
   Problem problem = ReadCount(arguments[0], 1, kMostGarbage, count);
-  if (problem.empty()) bus.exchange.SendGarbage(static_cast<size_t>(count));
+  if (!problem) bus.exchange.SendGarbage(static_cast<size_t>(count));
   return problem;
 }
 
 Problem Split(VirtualBus& bus, Arguments arguments, Reply&) {
   long pieces = 0;
   Problem problem = ReadCount(arguments[0], 1, kMostPieces, pieces);
-  if (problem.empty()) bus.faults.Split(static_cast<size_t>(pieces));
+  if (!problem) bus.faults.Split(static_cast<size_t>(pieces));
   return problem;
 }
 
 Problem Noise(VirtualBus& bus, Arguments arguments, Reply&) {
   double chance = 0.0;
   Problem problem = Read("chance (0% to 100%)", arguments[0], ParseChance(arguments[0]), chance);
-  if (problem.empty()) bus.faults.Noise(chance);
+  if (!problem) bus.faults.Noise(chance);
   return problem;
 }
 
@@ -297,19 +297,20 @@ Problem RunControlLine(VirtualBus& bus, std::string_view line, Reply& reply) {
     if (!Leads(name, words)) continue;
     const auto arguments = Arguments(words).subspan(name.size());
     if (arguments.size() < command.least || arguments.size() > command.most) {
-      return "usage: " + std::string(command.words) + ' ' + std::string(command.arguments);
+      return Problem("usage: " + std::string(command.words) + ' ' + std::string(command.arguments));
     }
     return command.run(bus, arguments, reply);
   }
-  return "unknown command \"" + std::string(line) + "\" (try help)";
+  return Problem("unknown command \"" + std::string(line) + "\" (try help)");
 }
 
 Problem RunControlLines(VirtualBus& bus, std::span<const std::string> lines) {
   for (const std::string& line : lines) {
     Reply reply;
-    const Problem problem = RunControlLine(bus, line, reply);
-    if (!problem.empty()) return "\"" + line + "\": " + problem;
-    if (!reply.awaited.empty()) return "\"" + line + "\": nothing to wait for yet";
+    if (const Problem problem = RunControlLine(bus, line, reply)) {
+      return Problem("\"" + line + "\": " + problem.Text());
+    }
+    if (!reply.awaited.empty()) return Problem("\"" + line + "\": nothing to wait for yet");
   }
   return {};
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/Loop.h"
-#include "base/Text.h"
+#include "base/Problem.h"
 #include "bus/VirtualBus.h"
 #include "journal/FrameHistory.h"
 

@@ -18,8 +18,8 @@ constexpr int kBacklog = 16;
 constexpr mode_t kOwnerOnly = 0177;  // taken away from a new socket: mode 0600
 
 Problem Failed(const std::string& path) {
-  if (errno == EADDRINUSE) return path + " exists and is not ours";
-  return "cannot listen on " + path + ": " + std::strerror(errno);
+  if (errno == EADDRINUSE) return Problem(path + " exists and is not ours");
+  return Problem("cannot listen on " + path + ": " + std::strerror(errno));
 }
 
 }  // namespace
@@ -34,7 +34,7 @@ ControlSocket::~ControlSocket() {
 Problem ControlSocket::Listen(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (path.size() >= sizeof address.sun_path) return path + " is too long for a socket";
+  if (path.size() >= sizeof address.sun_path) return Problem(path + " is too long for a socket");
   std::memcpy(address.sun_path, path.data(), path.size());
 
   const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
@@ -86,7 +86,7 @@ void ControlSocket::RunLines(int fd) {
     if (!session.awaited.empty()) return;
     const size_t end = session.input.find('\n');
     if (end == std::string::npos) {
-      if (session.input.size() > kLongestLine) Answer(fd, "the line is too long", {});
+      if (session.input.size() > kLongestLine) Answer(fd, Problem("the line is too long"), {});
       if (session.ended || session.input.size() > kLongestLine) Close(fd);
       return;
     }
@@ -108,7 +108,7 @@ void ControlSocket::RunLine(int fd, const std::string& line) {
   }
   session.awaited = reply.awaited;
   session.patience = bus_.loop.After(reply.patience, [this, fd] {
-    EndWait(fd, "no such frame came");
+    EndWait(fd, Problem("no such frame came"));
     RunLines(fd);
   });
   OnFrame();
@@ -144,7 +144,7 @@ void ControlSocket::EndWait(int fd, const Problem& problem) {
 void ControlSocket::Answer(int fd, const Problem& problem, const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text += line + '\n';
-  text += problem.empty() ? "ok\n" : "error: " + problem + '\n';
+  text += problem ? "error: " + problem.Text() + '\n' : "ok\n";
   if (send(fd, text.data(), text.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(text.size()))
     Close(fd);
 }

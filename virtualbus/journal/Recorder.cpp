@@ -17,7 +17,7 @@ Recorder::~Recorder() {
 
 Problem Recorder::Begin(const std::string& path, Journal& journal) {
   file_ = std::fopen(path.c_str(), "wxe");
-  if (file_ == nullptr) return "cannot record to " + path + ": " + std::strerror(errno);
+  if (file_ == nullptr) return Problem("cannot record to " + path + ": " + std::strerror(errno));
   std::fputs("# seconds, > from the host or < to it, bytes without the length byte\n", file_);
   journal.Listen([this](const Entry& entry) { Write(entry); });
   return {};

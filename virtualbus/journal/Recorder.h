@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/Loop.h"
-#include "base/Text.h"
+#include "base/Problem.h"
 #include "journal/Journal.h"
 
 namespace virtualbus {

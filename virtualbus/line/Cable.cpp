@@ -13,14 +13,14 @@ Cable::~Cable() {
 }
 
 Problem Cable::Plug() {
-  if (plugged_) return "the cable is plugged";
+  if (plugged_) return Problem("the cable is plugged");
   wire_.SetConnected(true);
   // symlink() makes the link or fails: there is no moment in which it could replace another's.
   if (!link_.empty() && symlink(wire_.DevicePath().c_str(), link_.c_str()) != 0) {
     const int error = errno;
     wire_.SetConnected(false);
-    if (error == EEXIST) return link_ + " exists and is not ours";
-    return "cannot make the link " + link_ + ": " + std::strerror(error);
+    if (error == EEXIST) return Problem(link_ + " exists and is not ours");
+    return Problem("cannot make the link " + link_ + ": " + std::strerror(error));
   }
   plugged_ = true;
   journal_.Note("cable plugged: " + Where());
@@ -28,7 +28,7 @@ Problem Cable::Plug() {
 }
 
 Problem Cable::Pull() {
-  if (!plugged_) return "the cable is pulled";
+  if (!plugged_) return Problem("the cable is pulled");
   RemoveLink();
   wire_.SetConnected(false);
   plugged_ = false;

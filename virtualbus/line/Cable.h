@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "base/Text.h"
+#include "base/Problem.h"
 #include "journal/Journal.h"
 #include "line/Wire.h"
 

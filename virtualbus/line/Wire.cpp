@@ -22,7 +22,7 @@ constexpr long kBitsPerByte = 10;  // start, eight, stop
 constexpr milliseconds kLongestGap{20};
 constexpr milliseconds kPieceGap{2};
 
-Problem Failed(const char* what) { return std::string(what) + ": " + std::strerror(errno); }
+Problem Failed(const std::string& what) { return Problem(what + ": " + std::strerror(errno)); }
 
 }  // namespace
 
@@ -34,7 +34,7 @@ Wire::~Wire() {
 Problem Wire::Open(FrameSink on_frame, NoteSink on_note) {
   on_frame_ = std::move(on_frame);
   on_note_ = std::move(on_note);
-  if (Problem problem = OpenPty(); !problem.empty()) return problem;
+  if (Problem problem = OpenPty()) return problem;
   loop_.Watch(master_, [this] { OnReadable(); });
   return {};
 }

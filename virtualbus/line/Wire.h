@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/Loop.h"
+#include "base/Problem.h"
 #include "base/Text.h"
 
 namespace virtualbus {

@@ -75,13 +75,11 @@ void DrawDigitalOutput(Pen& pen, const ViewedCard& viewed) {
   }
 }
 
-void ToggleLine(const ViewedCard& viewed, int item) {
+Problem ToggleLine(const ViewedCard& viewed, int item) {
   const auto line = static_cast<uint8_t>(item);
-  if (As<DigitalInput>(viewed).IsPressed(line)) {
-    viewed.card_operator.Release(viewed.address, line);
-  } else {
-    viewed.card_operator.Press(viewed.address, line);
-  }
+  const bool pressed = As<DigitalInput>(viewed).IsPressed(line);
+  return pressed ? viewed.card_operator.Release(viewed.address, line)
+                 : viewed.card_operator.Press(viewed.address, line);
 }
 
 void DrawDigitalInput(Pen& pen, const ViewedCard& viewed) {
@@ -89,7 +87,8 @@ void DrawDigitalInput(Pen& pen, const ViewedCard& viewed) {
   for (int line = 0; line < kLineCount; ++line) {
     const bool on = As<DigitalInput>(viewed).IsPressed(static_cast<size_t>(line));
     DrawLine(pen, line, on, line == viewed.item);
-    pen.AddSpot({0, LineColumn(line), 1, [viewed, line](int) { ToggleLine(viewed, line); }, {}});
+    pen.AddSpot(
+        {0, LineColumn(line), 1, [viewed, line](int) { return ToggleLine(viewed, line); }, {}});
   }
   if (viewed.item >= 0) pen.Put(0, 28, "line " + HexByte(viewed.item), Look::kDim);
 }
@@ -119,15 +118,15 @@ void DrawMotor(Pen& pen, const ViewedCard& viewed) {
   }
 }
 
-void SetChannel(const ViewedCard& viewed, int item, int value) {
+Problem SetChannel(const ViewedCard& viewed, int item, int value) {
   const auto byte = static_cast<uint8_t>(std::clamp(value, 0, kFullScale));
-  viewed.card_operator.Set(viewed.address, static_cast<uint8_t>(item), {byte});
+  return viewed.card_operator.Set(viewed.address, static_cast<uint8_t>(item), {byte});
 }
 
-void MoveChannel(const ViewedCard& viewed, int item, int steps) {
+Problem MoveChannel(const ViewedCard& viewed, int item, int steps) {
   constexpr int kStep = 8;
   const int value = As<AnalogueInput>(viewed).Value(static_cast<size_t>(item));
-  SetChannel(viewed, item, value + steps * kStep);
+  return SetChannel(viewed, item, value + steps * kStep);
 }
 
 std::string Plot(const Glyphs& shapes, const std::vector<std::optional<uint8_t>>& peaks) {
@@ -150,23 +149,24 @@ void DrawAnalogueInput(Pen& pen, const ViewedCard& viewed) {
             masked ? "masked, reads 00" : Plot(pen.Shapes(), viewed.history.Peaks(index, kPlot)));
     pen.AddSpot({channel, 4, kSlider,
                  [viewed, channel](int offset) {
-                   SetChannel(viewed, channel, offset * kFullScale / (kSlider - 1));
+                   return SetChannel(viewed, channel, offset * kFullScale / (kSlider - 1));
                  },
-                 [viewed, channel](int steps) { MoveChannel(viewed, channel, steps); }});
+                 [viewed, channel](int steps) { return MoveChannel(viewed, channel, steps); }});
   }
 }
 
-// A terminal tells when a key goes down, but not when it comes up again.
-void TapKey(const ViewedCard& viewed, int item) {
+// A terminal reports when a key goes down, but not when it comes up again, so a timer releases the
+// key. Until then the card may be pulled or the key be released; neither is worth a note.
+Problem TapKey(const ViewedCard& viewed, int item) {
   const auto key = static_cast<uint8_t>(item + 1);
-  viewed.card_operator.Press(viewed.address, key);
   viewed.loop.After(kTap, [&card_operator = viewed.card_operator, address = viewed.address, key] {
-    card_operator.Release(address, key);
+    static_cast<void>(card_operator.Release(address, key));
   });
+  return viewed.card_operator.Press(viewed.address, key);
 }
 
-void TurnEncoder(const ViewedCard& viewed, int, int steps) {
-  viewed.card_operator.Turn(viewed.address, steps);
+Problem TurnEncoder(const ViewedCard& viewed, int, int steps) {
+  return viewed.card_operator.Turn(viewed.address, steps);
 }
 
 void DrawKeys(Pen& pen, const ViewedCard& viewed) {
@@ -175,12 +175,12 @@ void DrawKeys(Pen& pen, const ViewedCard& viewed) {
     const bool held = card.Key() == key + 1;
     const Look look = held ? Look::kGood : Look::kPlain;
     pen.Put(0, 2 + key * 3, HexByte(key + 1), key == viewed.item ? Look::kSelected : look);
-    pen.AddSpot({0, 2 + key * 3, 2, [viewed, key](int) { TapKey(viewed, key); }, {}});
+    pen.AddSpot({0, 2 + key * 3, 2, [viewed, key](int) { return TapKey(viewed, key); }, {}});
   }
   const std::string held = card.Key() != 0 ? HexByte(card.Key()) : "--";
   pen.Put(1, 2, Joined({"held ", held, "   encoder ", std::to_string(card.Position())}));
-  pen.AddSpot({1, 12, 16, [viewed](int) { viewed.card_operator.Turn(viewed.address, 1); },
-               [viewed](int steps) { viewed.card_operator.Turn(viewed.address, steps); }});
+  pen.AddSpot({1, 12, 16, [viewed](int) { return TurnEncoder(viewed, 0, 1); },
+               [viewed](int steps) { return TurnEncoder(viewed, 0, steps); }});
 }
 
 void DrawLcd(Pen& pen, const ViewedCard& viewed) {

@@ -25,9 +25,9 @@ struct CardView {
   int rows;   // below the card's heading
   int items;  // 0: nothing to select
   void (*draw)(Pen& pen, const ViewedCard& viewed);
-  void (*act)(const ViewedCard& viewed, int item);  // space bar and click; may be null
-  void (*move)(const ViewedCard& viewed, int item,
-               int steps);  // plus, minus and wheel; may be null
+  Problem (*act)(const ViewedCard& viewed, int item);  // space, click; may be null
+  Problem (*move)(const ViewedCard& viewed, int item,
+                  int steps);  // plus, minus, wheel; may be null
 };
 
 const CardView& ViewOf(const CardKind& kind);

@@ -35,8 +35,8 @@ constexpr std::array<Panel::Key, 12> Panel::kKeys{{
     {kEnter, &Panel::Act, ""},
     {'+', &Panel::More, "+/- move"},
     {'-', &Panel::Less, ""},
-    {'p', &Panel::PullOrPlugSelected, "p pull"},
-    {'c', &Panel::PullOrPlugCable, "c cable"},
+    {'p', &Panel::OnPullKey, "p pull"},
+    {'c', &Panel::OnCableKey, "c cable"},
     {'q', &Panel::Quit, "q quit"},
 }};
 
@@ -106,7 +106,8 @@ void Panel::DrawTitle() {
   terminal_.Put(0, 0, "qelm-bus  ", Look::kBold);
   terminal_.Put(0, 10, state, plugged ? Look::kGood : Look::kBad);
   terminal_.Put(0, 10 + static_cast<int>(state.size()), rest, Look::kPlain);
-  spots_.push_back({0, 10, static_cast<int>(state.size()), [this](int) { PullOrPlugCable(); }, {}});
+  spots_.push_back(
+      {0, 10, static_cast<int>(state.size()), [this](int) { return PullOrPlugCable(); }, {}});
 }
 
 // Cards that do not fit stand in columns to the right; the panel shows those around the selected.
@@ -127,14 +128,17 @@ void Panel::DrawCard(const Place& place, int first_column) {
   std::string heading = HexDigit(place.address) + " " + std::string(slot.kind->word);
   heading.resize(kViewWidth, ' ');
   pen.Put(0, 0, heading, place.address == selected_ ? Look::kSelected : Look::kBold);
-  pen.AddSpot(
-      {0, 0, kViewWidth - 8, [this, address = place.address](int) { selected_ = address; }, {}});
+  const auto select = [this, address = place.address](int) {
+    selected_ = address;
+    return Problem();
+  };
+  pen.AddSpot({0, 0, kViewWidth - 8, select, {}});
   pen.Put(0, kViewWidth - 7, slot.pulled ? "pulled" : "plugged",
           slot.pulled ? Look::kBad : Look::kDim);
   pen.AddSpot({0,
                kViewWidth - 7,
                7,
-               [this, address = place.address](int) { PullOrPlugCard(address); },
+               [this, address = place.address](int) { return PullOrPlugCard(address); },
                {}});
   if (slot.pulled) return;
   const CardView& view = ViewOf(*slot.kind);
@@ -183,16 +187,16 @@ void Panel::OnMouse() {
     if (event.y != spot.row || offset < 0 || offset >= spot.width) continue;
     const auto on_click = spot.on_click;  // the spots are made anew by the next picture
     const auto on_wheel = spot.on_wheel;
-    if ((event.bstate & (BUTTON1_PRESSED | BUTTON1_CLICKED)) != 0) return on_click(offset);
+    if ((event.bstate & (BUTTON1_PRESSED | BUTTON1_CLICKED)) != 0) return Report(on_click(offset));
     if (!on_wheel) return;
-    if ((event.bstate & BUTTON4_PRESSED) != 0) return on_wheel(1);
-    if ((event.bstate & BUTTON5_PRESSED) != 0) return on_wheel(-1);
+    if ((event.bstate & BUTTON4_PRESSED) != 0) return Report(on_wheel(1));
+    if ((event.bstate & BUTTON5_PRESSED) != 0) return Report(on_wheel(-1));
     return;
   }
 }
 
-void Panel::Tell(const Problem& problem) {
-  if (!problem.empty()) bus_.journal.Note(problem);
+void Panel::Report(const Problem& problem) {
+  if (problem) bus_.journal.Note(problem.Text());
 }
 
 void Panel::SelectNext() {
@@ -220,23 +224,23 @@ void Panel::MoveItem(int steps) {
 void Panel::Act() {
   const CardView* const view = SelectedView();
   if (view == nullptr || view->act == nullptr) return;
-  view->act(CardAt(selected_), items_[selected_]);
+  Report(view->act(CardAt(selected_), items_[selected_]));
 }
 
 void Panel::MoveValue(int steps) {
   const CardView* const view = SelectedView();
   if (view == nullptr || view->move == nullptr) return;
-  view->move(CardAt(selected_), items_[selected_], steps);
+  Report(view->move(CardAt(selected_), items_[selected_], steps));
 }
 
-void Panel::PullOrPlugCard(uint8_t address) {
+Problem Panel::PullOrPlugCard(uint8_t address) {
   const bool pulled = bus_.adapter.At(address).pulled;
-  Tell(pulled ? bus_.card_operator.PlugCard(address, nullptr)
-              : bus_.card_operator.PullCard(address));
+  return pulled ? bus_.card_operator.PlugCard(address, nullptr)
+                : bus_.card_operator.PullCard(address);
 }
 
-void Panel::PullOrPlugCable() {
-  Tell(bus_.cable.IsPlugged() ? bus_.cable.Pull() : bus_.cable.Plug());
+Problem Panel::PullOrPlugCable() {
+  return bus_.cable.IsPlugged() ? bus_.cable.Pull() : bus_.cable.Plug();
 }
 
 std::vector<CardBox> Panel::Boxes() const {

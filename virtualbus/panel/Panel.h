@@ -41,7 +41,7 @@ class Panel {
   void OnInput();
   void OnKey(int key);
   void OnMouse();
-  void Tell(const Problem& problem);
+  void Report(const Problem& problem);
 
   void SelectNext();
   void SelectPrevious();
@@ -52,9 +52,10 @@ class Panel {
   void More() { MoveValue(1); }
   void Less() { MoveValue(-1); }
   void MoveValue(int steps);
-  void PullOrPlugCard(uint8_t address);
-  void PullOrPlugSelected() { PullOrPlugCard(selected_); }
-  void PullOrPlugCable();
+  Problem PullOrPlugCard(uint8_t address);
+  Problem PullOrPlugCable();
+  void OnPullKey() { Report(PullOrPlugCard(selected_)); }
+  void OnCableKey() { Report(PullOrPlugCable()); }
   void Quit() { bus_.loop.Stop(); }
 
   std::vector<CardBox> Boxes() const;

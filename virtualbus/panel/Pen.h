@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Problem.h"
 #include "panel/Terminal.h"
 
 namespace virtualbus {
@@ -13,8 +14,8 @@ struct Spot {
   int row;
   int column;
   int width;
-  std::function<void(int offset)> on_click;  // columns from the spot's left edge
-  std::function<void(int steps)> on_wheel;   // may be empty
+  std::function<Problem(int offset)> on_click;  // columns from the spot's left edge
+  std::function<Problem(int steps)> on_wheel;   // may be empty
 };
 
 class Pen {
