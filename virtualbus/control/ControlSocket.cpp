@@ -97,17 +97,16 @@ void ControlSocket::RunLines(int fd) {
 }
 
 void ControlSocket::RunLine(int fd, const std::string& line) {
-  Reply reply;
-  const Problem problem = RunControlLine(bus_, line, reply);
+  const Reply reply = RunControlLine(bus_, line);
   Session& session = sessions_.at(fd);
   if (reply.mark) session.seen = history_.End();
   if (reply.quit) bus_.loop.Stop();
   if (reply.awaited.empty()) {
-    Answer(fd, problem, reply.lines);
+    Answer(fd, reply.problem, reply.lines);
     return;
   }
   session.awaited = reply.awaited;
-  session.patience = bus_.loop.After(reply.patience, [this, fd] {
+  session.give_up = bus_.loop.After(reply.timeout, [this, fd] {
     EndWait(fd, Problem("no such frame came"));
     RunLines(fd);
   });
@@ -135,7 +134,7 @@ void ControlSocket::CheckWaits() {
 
 void ControlSocket::EndWait(int fd, const Problem& problem) {
   Session& session = sessions_.at(fd);
-  bus_.loop.Cancel(session.patience);
+  bus_.loop.Cancel(session.give_up);
   session.awaited.clear();
   Answer(fd, problem, {});
 }
@@ -152,7 +151,7 @@ void ControlSocket::Answer(int fd, const Problem& problem, const std::vector<std
 void ControlSocket::Close(int fd) {
   const auto found = sessions_.find(fd);
   if (found == sessions_.end()) return;
-  bus_.loop.Cancel(found->second.patience);
+  bus_.loop.Cancel(found->second.give_up);
   bus_.loop.Unwatch(fd);
   close(fd);
   sessions_.erase(found);

@@ -26,8 +26,8 @@ class ControlSocket {
     std::string input;
     uint64_t seen = 0;  // frames before this number are of no interest
     FramePattern awaited;
-    Loop::TimerId patience = 0;
-    bool ended = false;  // the script sends no more
+    Loop::TimerId give_up = 0;  // ends the wait
+    bool ended = false;         // the script sends no more
   };
 
   void OnConnect();
