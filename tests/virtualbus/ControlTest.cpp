@@ -147,10 +147,19 @@ TEST_F(Control, StatusCounts) {
   EXPECT_TRUE(status.starts_with("  device /dev/pts/")) << status;
 }
 
+TEST_F(Control, ANoteStandsAmongTheEvents) {
+  Start();
+  EXPECT_EQ(Tell("note  the daemon  ended: 3"), "ok");
+  ExpectOutput(" # the daemon ended: 3\n");
+  EXPECT_EQ(Tell("note " + std::string(200, 'x')), "ok");
+  ExpectOutput(" # " + std::string(200, 'x') + "\n");
+  EXPECT_EQ(Tell("note " + std::string(201, 'x')), "error: a note has at most 200 bytes");
+}
+
 TEST_F(Control, HelpHasALineForEveryCommand) {
   Start();
   const std::string help = Tell("help");
-  EXPECT_EQ(std::count(help.begin(), help.end(), '\n'), 23);
+  EXPECT_EQ(std::count(help.begin(), help.end(), '\n'), 24);
   EXPECT_TRUE(help.starts_with("  set ADDR BLOCK BYTE... ")) << help;
 }
 
@@ -220,6 +229,7 @@ TEST_F(Control, EveryLineThatMakesNoSenseSaysWhy) {
       {"wait frame", "usage: wait frame BYTE|.. ... [within TIME]"},
       {"wait frame 1X", "\"1X\" is no byte (00 to FF)"},
       {"wait frame 10 within 5", "\"5\" is no time (such as 40ms or 2s)"},
+      {"note", "usage: note TEXT..."},
       {"mute", "usage: mute TIME"},
       {"mute x", "\"x\" is no time (such as 40ms or 2s)"},
       {"drop next x", "\"x\" is no number (0 to 1000000)"},
@@ -231,7 +241,7 @@ TEST_F(Control, EveryLineThatMakesNoSenseSaysWhy) {
       {"noise 5", "\"5\" is no chance (0% to 100%)"},
       {"faults", "unknown command \"faults\" (try help)"},
   };
-  for (const auto& [line, why] : lines) EXPECT_EQ(Tell(line), "error: " + why);
+  for (const auto& [line, why] : lines) EXPECT_EQ(Tell(line), "error: " + why) << line;
   EXPECT_EQ(Tell("cable pull"), "ok");
   EXPECT_EQ(Tell("cable pull"), "error: the cable is pulled");
 }

@@ -12,6 +12,7 @@ namespace virtualbus {
 namespace {
 
 constexpr size_t kHelpColumn = 38;
+constexpr size_t kLongestNote = 200;  // a line of the events stays short enough to be read
 
 using FrameCount = Count<0, 1'000'000>;
 
@@ -135,6 +136,14 @@ void WrongAddress(VirtualBus& bus, std::optional<FrameCount> replies) {
   bus.faults.WrongAddress(replies ? replies->value : 1);
 }
 
+Problem Note(VirtualBus& bus, const RestOfLine& text) {
+  if (text.value.size() > kLongestNote) {
+    return Problem("a note has at most " + std::to_string(kLongestNote) + " bytes");
+  }
+  bus.journal.Note(text);
+  return {};
+}
+
 Reply Quit(VirtualBus&) { return {.quit = true}; }
 
 Reply Help(VirtualBus& bus);
@@ -156,6 +165,7 @@ constexpr std::array kCommands{
                    "answer when a frame begins so (.. is any byte)"),
     Row<Mark>("mark", "", "later waits look only at frames from now on"),
     Row<Status>("status", "", "tell the state of the cable and the counts"),
+    Row<Note>("note", "TEXT...", "write a text into the events"),
     Row<Mute>("mute", "TIME", "hear nothing for this time"),
     Row<DropNext>("drop next", "COUNT", "lose the next frames"),
     Row<Late>("late", "TIME", "hold back every reply, until \"late 0ms\""),
