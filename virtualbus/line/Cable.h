@@ -20,6 +20,7 @@ class Cable {
   void SetLink(std::string path) { link_ = std::move(path); }
   Problem Plug();
   Problem Pull();
+  Problem PullOrPlug() { return plugged_ ? Pull() : Plug(); }
   bool IsPlugged() const { return plugged_; }
   std::string Where() const;  // "/dev/ttyUSB0 -> /dev/pts/3"
 

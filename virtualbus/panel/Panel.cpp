@@ -13,6 +13,7 @@ namespace {
 constexpr size_t kEventsKept = 200;
 constexpr int kFewestEvents = 4;
 constexpr int kColumnWidth = kViewWidth + 1;
+constexpr int kStateColumn = kViewWidth - 7;         // "plugged" ends at the right edge of its card
 constexpr std::chrono::milliseconds kDrawPause{50};  // between two pictures
 constexpr std::chrono::seconds kSecond{1};
 constexpr int kEnter = '\n';
@@ -35,14 +36,12 @@ constexpr std::array<Panel::Key, 12> Panel::kKeys{{
     {kEnter, &Panel::Act, ""},
     {'+', &Panel::More, "+/- move"},
     {'-', &Panel::Less, ""},
-    {'p', &Panel::OnPullKey, "p pull"},
-    {'c', &Panel::OnCableKey, "c cable"},
+    {'p', &Panel::PullOrPlugCard, "p pull"},
+    {'c', &Panel::PullOrPlugCable, "c cable"},
     {'q', &Panel::Quit, "q quit"},
 }};
 
-Panel::Panel(VirtualBus& bus) : bus_(bus) {
-  const std::vector<CardBox> boxes = Boxes();
-  if (!boxes.empty()) selected_ = boxes.front().address;
+Panel::Panel(VirtualBus& bus) : bus_(bus), cards_(bus) {
   bus_.loop.Watch(STDIN_FILENO, [this] { OnInput(); });
   EverySecond();
 }
@@ -66,11 +65,7 @@ void Panel::EverySecond() {
   const uint64_t frames = bus_.exchange.Totals().frames;
   frames_per_second_ = frames - frames_before_;
   frames_before_ = frames;
-  for (size_t address = 0; address < kAddressCount; ++address) {
-    const BusAdapter::Slot& slot = bus_.adapter.At(address);
-    if (slot.kind == nullptr || slot.kind->id != KindId::kAnalogueInput) continue;
-    histories_[address].Sample(static_cast<const AnalogueInput&>(*slot.card));
-  }
+  cards_.SampleHistories();
   Redraw();
   bus_.loop.After(kSecond, [this] { EverySecond(); });
 }
@@ -88,7 +83,7 @@ void Panel::Redraw() {
 void Panel::Draw() {
   const int rows_left = terminal_.Rows() - 3 - kFewestEvents;  // title, rule, keys
   const int columns = std::max(1, terminal_.Columns() / kColumnWidth);
-  const int height = CardsHeight(Boxes(), columns, std::max(1, rows_left));
+  const int height = CardsHeight(cards_.Boxes(), columns, std::max(1, rows_left));
   terminal_.Clear();
   spots_.clear();
   DrawCards(height);
@@ -106,14 +101,14 @@ void Panel::DrawTitle() {
   terminal_.Put(0, 0, "qelm-bus  ", Look::kBold);
   terminal_.Put(0, 10, state, plugged ? Look::kGood : Look::kBad);
   terminal_.Put(0, 10 + static_cast<int>(state.size()), rest, Look::kPlain);
-  spots_.push_back(
-      {0, 10, static_cast<int>(state.size()), [this](int) { return PullOrPlugCable(); }, {}});
+  const auto pull_or_plug = [this](int) { return bus_.cable.PullOrPlug(); };
+  spots_.push_back({0, 10, static_cast<int>(state.size()), pull_or_plug, {}});
 }
 
 // Cards that do not fit stand in columns to the right; the panel shows those around the selected.
 void Panel::DrawCards(int height) {
-  const std::vector<Place> places = PlaceCards(Boxes(), height);
-  const auto selected = std::ranges::find(places, selected_, &Place::address);
+  const std::vector<Place> places = PlaceCards(cards_.Boxes(), height);
+  const auto selected = std::ranges::find(places, cards_.Selected(), &Place::address);
   const int visible = std::max(1, terminal_.Columns() / kColumnWidth);
   const int column = selected != places.end() ? selected->column : 0;
   const int first = std::max(0, column - visible + 1);
@@ -123,27 +118,26 @@ void Panel::DrawCards(int height) {
 }
 
 void Panel::DrawCard(const Place& place, int first_column) {
-  const BusAdapter::Slot& slot = bus_.adapter.At(place.address);
-  Pen pen(terminal_, spots_, 1 + place.row, (place.column - first_column) * kColumnWidth);
-  std::string heading = HexDigit(place.address) + " " + std::string(slot.kind->word);
-  heading.resize(kViewWidth, ' ');
-  pen.Put(0, 0, heading, place.address == selected_ ? Look::kSelected : Look::kBold);
-  const auto select = [this, address = place.address](int) {
-    selected_ = address;
+  const uint8_t address = place.address;
+  const auto select = [this, address](int) {
+    cards_.Select(address);
     return Problem();
   };
-  pen.AddSpot({0, 0, kViewWidth - 8, select, {}});
-  pen.Put(0, kViewWidth - 7, slot.pulled ? "pulled" : "plugged",
+  const auto pull_or_plug = [this, address](int) { return cards_.PullOrPlug(address); };
+
+  const BusAdapter::Slot& slot = bus_.adapter.At(address);
+  Pen pen(terminal_, spots_, 1 + place.row, (place.column - first_column) * kColumnWidth);
+  std::string heading = HexDigit(address) + " " + std::string(slot.kind->word);
+  heading.resize(kViewWidth, ' ');
+  pen.Put(0, 0, heading, address == cards_.Selected() ? Look::kSelected : Look::kBold);
+  pen.AddSpot({0, 0, kStateColumn - 1, select, {}});
+  pen.Put(0, kStateColumn, slot.pulled ? "pulled" : "plugged",
           slot.pulled ? Look::kBad : Look::kDim);
-  pen.AddSpot({0,
-               kViewWidth - 7,
-               7,
-               [this, address = place.address](int) { return PullOrPlugCard(address); },
-               {}});
+  pen.AddSpot({0, kStateColumn, kViewWidth - kStateColumn, pull_or_plug, {}});
   if (slot.pulled) return;
   const CardView& view = ViewOf(*slot.kind);
   Pen body(terminal_, spots_, 2 + place.row, (place.column - first_column) * kColumnWidth);
-  view.draw(body, CardAt(place.address));
+  view.draw(body, cards_.At(address));
 }
 
 void Panel::DrawEvents(int first_row) {
@@ -197,71 +191,6 @@ void Panel::OnMouse() {
 
 void Panel::Report(const Problem& problem) {
   if (problem) bus_.journal.Note(problem.Text());
-}
-
-void Panel::SelectNext() {
-  const std::vector<CardBox> boxes = Boxes();
-  if (boxes.empty()) return;
-  const auto next =
-      std::ranges::find_if(boxes, [this](const CardBox& box) { return box.address > selected_; });
-  selected_ = next != boxes.end() ? next->address : boxes.front().address;
-}
-
-void Panel::SelectPrevious() {
-  const std::vector<CardBox> boxes = Boxes();
-  if (boxes.empty()) return;
-  const auto at =
-      std::ranges::find_if(boxes, [this](const CardBox& box) { return box.address >= selected_; });
-  selected_ = at != boxes.begin() ? std::prev(at)->address : boxes.back().address;
-}
-
-void Panel::MoveItem(int steps) {
-  const CardView* const view = SelectedView();
-  if (view == nullptr || view->items == 0) return;
-  items_[selected_] = (items_[selected_] + steps + view->items) % view->items;
-}
-
-void Panel::Act() {
-  const CardView* const view = SelectedView();
-  if (view == nullptr || view->act == nullptr) return;
-  Report(view->act(CardAt(selected_), items_[selected_]));
-}
-
-void Panel::MoveValue(int steps) {
-  const CardView* const view = SelectedView();
-  if (view == nullptr || view->move == nullptr) return;
-  Report(view->move(CardAt(selected_), items_[selected_], steps));
-}
-
-Problem Panel::PullOrPlugCard(uint8_t address) {
-  const bool pulled = bus_.adapter.At(address).pulled;
-  return pulled ? bus_.card_operator.PlugCard(address, nullptr)
-                : bus_.card_operator.PullCard(address);
-}
-
-Problem Panel::PullOrPlugCable() {
-  return bus_.cable.IsPlugged() ? bus_.cable.Pull() : bus_.cable.Plug();
-}
-
-std::vector<CardBox> Panel::Boxes() const {
-  std::vector<CardBox> boxes;
-  for (size_t address = 0; address < kAddressCount; ++address) {
-    const CardKind* const kind = bus_.adapter.At(address).kind;
-    if (kind != nullptr) boxes.push_back({static_cast<uint8_t>(address), 1 + ViewOf(*kind).rows});
-  }
-  return boxes;
-}
-
-ViewedCard Panel::CardAt(uint8_t address) {
-  return {bus_.adapter.At(address), address,
-          bus_.card_operator,       bus_.loop,
-          histories_[address],      address == selected_ ? items_[address] : -1};
-}
-
-// Null while there is nothing to act on.
-const CardView* Panel::SelectedView() {
-  if (bus_.adapter.Present(selected_) == nullptr) return nullptr;
-  return &ViewOf(*bus_.adapter.At(selected_).kind);
 }
 
 }  // namespace virtualbus

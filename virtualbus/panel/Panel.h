@@ -8,9 +8,9 @@
 
 #include "bus/VirtualBus.h"
 #include "journal/Journal.h"
-#include "panel/AnalogueHistory.h"
-#include "panel/CardViews.h"
 #include "panel/Layout.h"
+#include "panel/PanelCards.h"
+#include "panel/Pen.h"
 #include "panel/Terminal.h"
 
 namespace virtualbus {
@@ -43,30 +43,21 @@ class Panel {
   void OnMouse();
   void Report(const Problem& problem);
 
-  void SelectNext();
-  void SelectPrevious();
-  void NextItem() { MoveItem(1); }
-  void PreviousItem() { MoveItem(-1); }
-  void MoveItem(int steps);
-  void Act();
-  void More() { MoveValue(1); }
-  void Less() { MoveValue(-1); }
-  void MoveValue(int steps);
-  Problem PullOrPlugCard(uint8_t address);
-  Problem PullOrPlugCable();
-  void OnPullKey() { Report(PullOrPlugCard(selected_)); }
-  void OnCableKey() { Report(PullOrPlugCable()); }
+  // What the keys do.
+  void SelectNext() { cards_.SelectNext(); }
+  void SelectPrevious() { cards_.SelectPrevious(); }
+  void NextItem() { cards_.MoveItem(1); }
+  void PreviousItem() { cards_.MoveItem(-1); }
+  void Act() { Report(cards_.Act()); }
+  void More() { Report(cards_.MoveValue(1)); }
+  void Less() { Report(cards_.MoveValue(-1)); }
+  void PullOrPlugCard() { Report(cards_.PullOrPlug(cards_.Selected())); }
+  void PullOrPlugCable() { Report(bus_.cable.PullOrPlug()); }
   void Quit() { bus_.loop.Stop(); }
 
-  std::vector<CardBox> Boxes() const;
-  ViewedCard CardAt(uint8_t address);
-  const CardView* SelectedView();
-
   VirtualBus& bus_;
+  PanelCards cards_;
   Terminal terminal_;
-  uint8_t selected_ = 0;
-  std::array<int, kAddressCount> items_{};
-  std::array<AnalogueHistory, kAddressCount> histories_;
   std::deque<std::string> events_;
   std::vector<Spot> spots_;
   uint64_t frames_before_ = 0;
