@@ -46,8 +46,8 @@ Problem Start(VirtualBus& bus, Recorder& recorder, Replayer& replayer, ControlSo
   return RunControlLines(bus, options.lines);
 }
 
-void RunWithPanel(VirtualBus& bus, Signals& signals) {
-  Panel panel(bus);
+void RunWithPanel(VirtualBus& bus, Signals& signals, const std::string& control_path) {
+  Panel panel(bus, control_path);
   signals.OnResize([&] { panel.OnResize(); });
   bus.journal.Listen(PollFilter([&](const Entry& entry) { panel.OnEvent(entry); }));
   bus.loop.Run();
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     return Refuse(problem);
   }
   if (with_panel) {
-    RunWithPanel(bus, signals);
+    RunWithPanel(bus, signals, options->control);
   } else {
     bus.loop.Run();
   }

@@ -12,6 +12,10 @@ namespace {
 
 constexpr size_t kEventsKept = 200;
 constexpr int kFewestEvents = 4;
+constexpr int kTitleRows = 1;
+constexpr int kRuleRows = 1;
+constexpr int kRuleMargin = 2;
+constexpr int kCableColumn = 10;
 constexpr int kColumnWidth = kViewWidth + 1;
 constexpr int kStateColumn = kViewWidth - 7;         // "plugged" ends at the right edge of its card
 constexpr std::chrono::milliseconds kDrawPause{50};  // between two pictures
@@ -41,7 +45,8 @@ constexpr std::array<Panel::Key, 12> Panel::kKeys{{
     {'q', &Panel::Quit, "q quit"},
 }};
 
-Panel::Panel(VirtualBus& bus) : bus_(bus), cards_(bus) {
+Panel::Panel(VirtualBus& bus, std::string control_path)
+    : bus_(bus), control_path_(std::move(control_path)), cards_(bus) {
   bus_.loop.Watch(STDIN_FILENO, [this] { OnInput(); });
   EverySecond();
 }
@@ -81,40 +86,59 @@ void Panel::Redraw() {
 }
 
 void Panel::Draw() {
-  const int rows_left = terminal_.Rows() - 3 - kFewestEvents;  // title, rule, keys
+  const std::vector<std::string> key_lines = KeyLines();
+  const int first_key_row = terminal_.Rows() - static_cast<int>(key_lines.size());
+  const int rows_left = first_key_row - kTitleRows - kRuleRows - kFewestEvents;
   const int columns = std::max(1, terminal_.Columns() / kColumnWidth);
   const int height = CardsHeight(cards_.Boxes(), columns, std::max(1, rows_left));
+  const int rule_row = kTitleRows + height;
   terminal_.Clear();
   spots_.clear();
-  DrawCards(height);
   DrawTitle();
-  DrawEvents(1 + height);
-  DrawKeys();
+  const Hidden hidden = DrawCards(height, columns);
+  terminal_.ClearFrom(rule_row);  // a card may be higher than the terminal
+  DrawRule(rule_row, hidden);
+  DrawEvents(rule_row + kRuleRows, first_key_row);
+  for (size_t i = 0; i < key_lines.size(); ++i) {
+    terminal_.Put(first_key_row + static_cast<int>(i), 0, key_lines[i], Look::kDim);
+  }
   terminal_.Show();
 }
 
 void Panel::DrawTitle() {
   const bool plugged = bus_.cable.IsPlugged();
   const std::string state = plugged ? "cable plugged" : "cable pulled ";
-  const std::string rest = "  " + bus_.cable.Where() + "  " + std::to_string(frames_per_second_) +
-                           " frames/s, " + std::to_string(frames_before_) + " in all";
-  terminal_.Put(0, 0, "qelm-bus  ", Look::kBold);
-  terminal_.Put(0, 10, state, plugged ? Look::kGood : Look::kBad);
-  terminal_.Put(0, 10 + static_cast<int>(state.size()), rest, Look::kPlain);
+  const int rest_column = kCableColumn + static_cast<int>(state.size());
+  std::string rest = "  " + bus_.cable.Where();
+  for (const std::string& part : {"  " + std::to_string(frames_per_second_) + " frames/s",
+                                  ", " + std::to_string(frames_before_) + " in all"}) {
+    if (rest_column + std::ssize(rest + part) > terminal_.Columns()) break;
+    rest += part;
+  }
+  terminal_.Put(0, 0, "qelm-bus", Look::kBold);
+  terminal_.Put(0, kCableColumn, state, plugged ? Look::kGood : Look::kBad);
+  terminal_.Put(0, rest_column, rest, Look::kPlain);
   const auto pull_or_plug = [this](int) { return bus_.cable.PullOrPlug(); };
-  spots_.push_back({0, 10, static_cast<int>(state.size()), pull_or_plug, {}});
+  spots_.push_back({0, kCableColumn, static_cast<int>(state.size()), pull_or_plug, {}});
 }
 
 // Cards that do not fit stand in columns to the right; the panel shows those around the selected.
-void Panel::DrawCards(int height) {
+Panel::Hidden Panel::DrawCards(int height, int columns) {
   const std::vector<Place> places = PlaceCards(cards_.Boxes(), height);
   const auto selected = std::ranges::find(places, cards_.Selected(), &Place::address);
-  const int visible = std::max(1, terminal_.Columns() / kColumnWidth);
-  const int column = selected != places.end() ? selected->column : 0;
-  const int first = std::max(0, column - visible + 1);
+  const int selected_column = selected != places.end() ? selected->column : 0;
+  const int first = std::max(0, selected_column - columns + 1);
+  Hidden hidden;
   for (const Place& place : places) {
-    if (place.column >= first && place.column < first + visible) DrawCard(place, first);
+    if (place.column < first) {
+      ++hidden.to_the_left;
+    } else if (place.column >= first + columns) {
+      ++hidden.to_the_right;
+    } else {
+      DrawCard(place, first);
+    }
   }
+  return hidden;
 }
 
 void Panel::DrawCard(const Place& place, int first_column) {
@@ -140,24 +164,40 @@ void Panel::DrawCard(const Place& place, int first_column) {
   view.draw(body, cards_.At(address));
 }
 
-void Panel::DrawEvents(int first_row) {
-  const int rows = terminal_.Rows() - first_row - 2;
-  terminal_.Put(first_row, 0, std::string(static_cast<size_t>(terminal_.Columns()), '-'),
-                Look::kDim);
+// Between the cards and the events: where control lines go, and which way the other cards are.
+void Panel::DrawRule(int row, const Hidden& hidden) {
+  terminal_.Put(row, 0, std::string(static_cast<size_t>(terminal_.Columns()), '-'), Look::kDim);
+  if (!control_path_.empty()) {
+    terminal_.Put(row, kRuleMargin, " control lines: " + control_path_ + " ", Look::kPlain);
+  }
+  std::string hint;
+  if (hidden.to_the_left > 0) hint += " <- " + std::to_string(hidden.to_the_left) + " more ";
+  if (hidden.to_the_right > 0) hint += " " + std::to_string(hidden.to_the_right) + " more -> ";
+  const int hint_column = terminal_.Columns() - kRuleMargin - static_cast<int>(hint.size());
+  terminal_.Put(row, std::max(0, hint_column), hint, Look::kBold);
+}
+
+void Panel::DrawEvents(int first_row, int end_row) {
+  const int rows = end_row - first_row;
   const auto count = std::min<size_t>(events_.size(), static_cast<size_t>(std::max(rows, 0)));
   for (size_t i = 0; i < count; ++i) {
     const std::string& event = events_[events_.size() - count + i];
-    terminal_.Put(first_row + 1 + static_cast<int>(i), 0, event, Look::kPlain);
+    terminal_.Put(first_row + static_cast<int>(i), 0, event, Look::kPlain);
   }
 }
 
-void Panel::DrawKeys() {
-  std::string line;
+// The help of the keys in as many lines as the terminal's width needs.
+std::vector<std::string> Panel::KeyLines() const {
+  const auto width = static_cast<size_t>(terminal_.Columns());
+  std::vector<std::string> lines(1);
   for (const Key& key : kKeys) {
     if (key.help.empty()) continue;
-    line.append(key.help).append("  ");
+    if (!lines.back().empty() && lines.back().size() + 2 + key.help.size() > width) {
+      lines.emplace_back();
+    }
+    lines.back().append(lines.back().empty() ? "" : "  ").append(key.help);
   }
-  terminal_.Put(terminal_.Rows() - 1, 0, line, Look::kDim);
+  return lines;
 }
 
 void Panel::OnInput() {

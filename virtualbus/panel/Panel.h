@@ -17,7 +17,8 @@ namespace virtualbus {
 
 class Panel {
  public:
-  explicit Panel(VirtualBus& bus);
+  // The path of the control socket is empty where there is none.
+  Panel(VirtualBus& bus, std::string control_path);
   ~Panel();
   Panel(const Panel&) = delete;
   Panel& operator=(const Panel&) = delete;
@@ -28,15 +29,20 @@ class Panel {
  private:
   struct Key;
   static const std::array<Key, 12> kKeys;
+  struct Hidden {  // how many cards are beside those on the screen
+    int to_the_left = 0;
+    int to_the_right = 0;
+  };
 
   void EverySecond();
   void Redraw();
   void Draw();
   void DrawTitle();
-  void DrawCards(int height);
+  Hidden DrawCards(int height, int columns);
   void DrawCard(const Place& place, int first_column);
-  void DrawEvents(int first_row);
-  void DrawKeys();
+  void DrawRule(int row, const Hidden& hidden);
+  void DrawEvents(int first_row, int end_row);
+  std::vector<std::string> KeyLines() const;
 
   void OnInput();
   void OnKey(int key);
@@ -56,6 +62,7 @@ class Panel {
   void Quit() { bus_.loop.Stop(); }
 
   VirtualBus& bus_;
+  std::string control_path_;
   PanelCards cards_;
   Terminal terminal_;
   std::deque<std::string> events_;

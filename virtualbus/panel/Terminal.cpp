@@ -101,6 +101,11 @@ void Terminal::Resize() {
 
 void Terminal::Clear() { erase(); }
 
+void Terminal::ClearFrom(int row) {
+  move(row, 0);
+  clrtobot();
+}
+
 void Terminal::Put(int row, int column, const std::string& text, Look look) {
   attrset(static_cast<int>(Attributes(look)));
   mvaddstr(row, column, Cut(text, COLS - column).c_str());

@@ -32,6 +32,7 @@ class Terminal {
   bool IsReady() const;  // takes output without making us wait
   void Resize();
   void Clear();
+  void ClearFrom(int row);  // that row and all below
   // Cut off at the right edge.
   void Put(int row, int column, const std::string& text, Look look);
   void Show();
