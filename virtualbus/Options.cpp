@@ -18,7 +18,7 @@ std::string Footer() {
   for (const CardKind& kind : kCardKinds) {
     text += "  " + HexDigit(kind.default_address) + "=" + std::string(kind.word) + "\n";
   }
-  return text + "The control lines are told by the line \"help\".";
+  return text + "The control line \"help\" lists all control lines.";
 }
 
 void Describe(CLI::App& app, Options& options) {

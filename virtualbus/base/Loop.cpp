@@ -29,8 +29,8 @@ void Loop::Run() {
   }
 }
 
-// Descriptors come before timers, so that bytes already here count before a wait for them is
-// declared over.
+// Descriptors come before timers: bytes that have arrived are read before a timer gives up waiting
+// for them.
 void Loop::Wait() {
   std::vector<pollfd> polled;
   for (const auto& [fd, callback] : watched_) polled.push_back({fd, POLLIN, 0});

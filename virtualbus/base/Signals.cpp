@@ -8,7 +8,7 @@
 namespace virtualbus {
 
 Signals::Signals(Loop& loop) : loop_(loop) {
-  std::signal(SIGPIPE, SIG_IGN);  // a reader of our lines may go; the bus stays
+  std::signal(SIGPIPE, SIG_IGN);  // the bus goes on when a reader of its output ends
   sigset_t set;
   sigemptyset(&set);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGWINCH}) sigaddset(&set, signal);

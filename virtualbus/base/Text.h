@@ -1,5 +1,5 @@
 // Bytes and the small syntaxes that people type: hexadecimal bytes, addresses, durations, chances.
-// Pure functions; a reader returns nothing when the text is not of its form.
+// Pure functions; a parser returns nothing if the text has another form.
 #pragma once
 
 #include <chrono>

@@ -15,7 +15,7 @@ constexpr size_t kRequestLength = 4;  // one more with a value
 
 Bytes Refused() { return {kRefused}; }
 
-// A host that has met its cards twice sends the same poll several times in one frame.
+// The host polls a card once more in the same frame for each time that it discovered the card anew.
 bool IsRepeatedPoll(const Bytes& request) {
   if (request.size() < kPollLength || request.size() % kPollLength != 0) return false;
   return std::equal(request.begin() + kPollLength, request.end(), request.begin());

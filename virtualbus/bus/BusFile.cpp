@@ -10,7 +10,7 @@ namespace virtualbus {
 
 namespace {
 
-// One file being read; every problem is told with its line.
+// Reads one file; every problem names its line.
 class Reader {
  public:
   Reader(std::string path, BusAdapter& adapter) : path_(std::move(path)), adapter_(adapter) {}

@@ -28,7 +28,7 @@ class Replayer {
   };
   struct Sequence {
     std::vector<Recorded> replies;
-    size_t given = 0;  // how many of them have had their turn
+    size_t given = 0;  // how many of them were used
   };
 
   Problem TakeLine(const std::string& line);
@@ -36,9 +36,9 @@ class Replayer {
 
   bool fast_ = false;
   std::map<std::string, Sequence> sequences_;  // by the frame, in hexadecimal
-  Sequence* asked_ = nullptr;                  // while loading: whom the next reply belongs to
-  std::optional<double> began_;                // time of the first recorded frame
-  std::optional<Time> first_question_;         // of the host that is answered now
+  Sequence* asked_ = nullptr;           // while loading: the frame that the next reply answers
+  std::optional<double> began_;         // time of the first recorded frame
+  std::optional<Time> first_question_;  // of the host that is answered now
 };
 
 }  // namespace virtualbus

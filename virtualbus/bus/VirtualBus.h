@@ -1,4 +1,4 @@
-// The rooms of the program in the order in which they are built; each knows only those before it.
+// The parts of the program in the order in which they are built; each knows only those before it.
 #pragma once
 
 #include "base/Loop.h"
@@ -15,7 +15,7 @@ namespace virtualbus {
 struct VirtualBus {
   explicit VirtualBus(uint32_t seed) : faults(seed) {}
 
-  // The pseudo terminal is there from now on; nobody finds it before the cable is plugged.
+  // Makes the pseudo terminal. The host finds it when the cable is plugged, which makes the link.
   Problem Open() {
     exchange.SetAnswerer([this](const Bytes& request) { return adapter.Answer(request); });
     return wire.Open([this](const Bytes& frame) { exchange.OnFrame(frame); },

@@ -20,7 +20,7 @@ class AnalogueInput : public Card {
   bool IsMasked(size_t channel) const { return (mask_[0] >> channel & 1) != 0; }
 
  private:
-  std::array<uint8_t, kChannelCount> values_{};  // what the world applies, masked or not
+  std::array<uint8_t, kChannelCount> values_{};  // as applied from outside, masked or not
   std::array<uint8_t, 1> mask_{};
   std::array<uint8_t, 1> stored_mask_{};
 };

@@ -1,5 +1,5 @@
-// A card on the bus: the side that the adapter talks to (write, poll, registers) and the side that
-// a person's fingers reach (inputs, keys, encoder). One derived class per card kind, in cards/.
+// A card on the bus: what the adapter asks of it (write, poll, registers) and what an operator does
+// to it (inputs, keys, encoder). One derived class per card kind, in cards/.
 // What a card holds is named in fields, from which show and the bus file are made.
 #pragma once
 
@@ -32,13 +32,13 @@ class Card {
   // What plugging in and REBOOT do: stored settings come back, everything else starts anew.
   virtual void PowerUp() = 0;
 
-  // The adapter's side. A card that cannot do what is asked says false or nothing.
+  // For the adapter. A card that cannot do what is asked returns false or nothing.
   virtual bool Write(std::span<const uint8_t> data);
   virtual Bytes Poll();
   std::optional<uint8_t> ReadRegister(uint8_t number) const;
   bool WriteRegister(uint8_t number, std::optional<uint8_t> value);
 
-  // The world's side.
+  // For the operator. A card without such a part returns false or nothing.
   virtual std::span<uint8_t> Inputs();
   virtual bool Press(uint8_t code);
   virtual bool Release(std::optional<uint8_t> code);

@@ -25,7 +25,7 @@ struct CardKind {
   KindId id;
   std::string_view word;
   uint8_t code;             // in a discovery reply
-  uint8_t default_address;  // where it sits when nobody says otherwise
+  uint8_t default_address;  // when no card is named at the start
   std::unique_ptr<Card> (*make)();
 };
 

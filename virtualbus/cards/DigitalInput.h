@@ -1,4 +1,4 @@
-// 16 input lines in two blocks; a pressed line reads 1. The lines belong to the world outside, so a
+// 16 input lines in two blocks; a pressed line reads 1. The lines are driven from outside, so a
 // reboot of the card does not change them.
 #pragma once
 

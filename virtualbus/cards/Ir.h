@@ -1,4 +1,4 @@
-// An infrared transmitter. It keeps what it was told to send, the newest last.
+// An infrared transmitter. It keeps its last transmissions, the newest last.
 #pragma once
 
 #include <deque>

@@ -27,8 +27,8 @@ constexpr size_t kTextHeader = 3;
 
 Lcd::Lcd() {
   for (size_t row = 0; row < kRows; ++row) {
-    const auto cells = std::span(glass_).subspan(row * kColumns, kColumns);
-    AddField(Group::kStart, "Row" + std::to_string(row), cells, Form::kText);
+    const auto row_cells = std::span(cells_).subspan(row * kColumns, kColumns);
+    AddField(Group::kStart, "Row" + std::to_string(row), row_cells, Form::kText);
   }
   AddField(Group::kStored, "SelfTest", self_test_);
   AddField(Group::kStored, "InitLight", init_light_);
@@ -77,7 +77,8 @@ bool Lcd::Control(uint8_t code) {
 bool Lcd::Text(std::span<const uint8_t> data) {
   const size_t column = data[1];
   const size_t row = data[2];
-  if (column >= kColumns || row >= kRows) return true;  // beside the glass: taken, and not seen
+  if (column >= kColumns || row >= kRows)
+    return true;  // outside the display: accepted, and shows nothing
   cursor_at_ = row * kColumns + column;
   const auto text = data.subspan(kTextHeader, data.size() - kTextHeader - 1);
   Put({reinterpret_cast<const char*>(text.data()), text.size()});
@@ -86,18 +87,18 @@ bool Lcd::Text(std::span<const uint8_t> data) {
 
 void Lcd::Put(std::string_view text) {
   for (const char c : text) {
-    if (cursor_at_ == glass_.size()) return;
-    glass_[cursor_at_++] = c >= ' ' && c <= '~' ? static_cast<uint8_t>(c) : ' ';
+    if (cursor_at_ == cells_.size()) return;
+    cells_[cursor_at_++] = c >= ' ' && c <= '~' ? static_cast<uint8_t>(c) : ' ';
   }
 }
 
 void Lcd::Clear() {
-  glass_.fill(' ');
+  cells_.fill(' ');
   cursor_at_ = 0;
 }
 
 std::string Lcd::Row(size_t row) const {
-  const auto first = glass_.begin() + static_cast<long>(row * kColumns);
+  const auto first = cells_.begin() + static_cast<long>(row * kColumns);
   return {first, first + kColumns};
 }
 

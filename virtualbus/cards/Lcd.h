@@ -1,5 +1,5 @@
 // A display of 4 lines of 20 characters. Text runs on into the next line and stops at the end of
-// the glass. Two options say what the card shows when it boots; they are kept as soon as they are
+// the display. Two options say what the card shows when it boots; they are stored when they are
 // set.
 #pragma once
 
@@ -31,7 +31,7 @@ class Lcd : public Card {
   bool Text(std::span<const uint8_t> data);
   void Put(std::string_view text);
 
-  std::array<uint8_t, kRows * kColumns> glass_{};
+  std::array<uint8_t, kRows * kColumns> cells_{};
   size_t cursor_at_ = 0;
   bool light_ = false;
   bool cursor_ = false;

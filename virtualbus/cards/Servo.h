@@ -1,4 +1,4 @@
-// Six RC servos. A servo goes where it is told, but never past its two end positions.
+// Six RC servos. A servo goes to its position, but never past its two end positions.
 #pragma once
 
 #include <array>

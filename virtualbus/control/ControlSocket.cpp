@@ -52,7 +52,7 @@ Problem ControlSocket::Listen(const std::string& path) {
   bus_.loop.Watch(fd, [this] { OnConnect(); });
   bus_.journal.Listen([this](const Entry& entry) {
     if (entry.what != Entry::What::kFromHost) return;
-    OnConnect();  // who connected before the frame came may wait for it
+    OnConnect();  // a script that connected before the frame may wait for it
     history_.Add(entry.frame);
     OnFrame();
   });
@@ -113,7 +113,7 @@ void ControlSocket::RunLine(int fd, const std::string& line) {
   OnFrame();
 }
 
-// The waits are looked at after the frame is dealt with, so that who waited sees what it did.
+// Waits end after the frame has been answered, so that a script that waited sees what it changed.
 void ControlSocket::OnFrame() {
   if (check_ == 0) check_ = bus_.loop.After({}, [this] { CheckWaits(); });
 }
@@ -139,7 +139,7 @@ void ControlSocket::EndWait(int fd, const Problem& problem) {
   Answer(fd, problem, {});
 }
 
-// A script that does not read its answers is not waited for.
+// A script that does not read its answers is disconnected.
 void ControlSocket::Answer(int fd, const Problem& problem, const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text += line + '\n';

@@ -1,5 +1,5 @@
 // The control socket: any number of scripts, each sending lines and getting "ok" or "error: why" to
-// each in turn. Lines behind a wait stay until it is answered.
+// each in turn. Lines that follow a wait are run when it has been answered.
 #pragma once
 
 #include <map>
@@ -24,7 +24,7 @@ class ControlSocket {
  private:
   struct Session {
     std::string input;
-    uint64_t seen = 0;  // frames before this number are of no interest
+    uint64_t seen = 0;  // waits look only at frames from this number on
     FramePattern awaited;
     Loop::TimerId give_up = 0;  // ends the wait
     bool ended = false;         // the script sends no more

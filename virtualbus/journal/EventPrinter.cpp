@@ -40,7 +40,7 @@ void EventPrinter::WriteWaiting() {
   if (!waiting_.empty()) retry_ = loop_.After(kRetry, [this] { WriteWaiting(); });
 }
 
-// A reader that has gone is no reason to end: the bus serves its host all the same.
+// When the reader has gone, its lines are lost; the bus goes on serving its host.
 void EventPrinter::WriteLine(const std::string& line) {
   [[maybe_unused]] const ssize_t written = write(fd_, line.data(), line.size());
 }

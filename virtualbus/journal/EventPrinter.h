@@ -1,5 +1,5 @@
-// The events as lines of text on a descriptor, for when there is no terminal to draw on.
-// A reader that is too slow loses lines; it never holds up the bus.
+// Prints the events as lines of text, where there is no terminal to draw the panel on.
+// A reader that is too slow loses lines; it never delays the bus.
 #pragma once
 
 #include <cstddef>

@@ -22,7 +22,7 @@ char Mark(Entry::What what) {
 
 }  // namespace
 
-void Journal::Tell(Entry::What what, const Bytes& frame, std::string note) {
+void Journal::Publish(Entry::What what, const Bytes& frame, std::string note) {
   const double seconds = std::chrono::duration<double>(Clock::now() - began_).count();
   const Entry entry{seconds, what, frame, std::move(note)};
   for (const Listener& listener : listeners_) listener(entry);

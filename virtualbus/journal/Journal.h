@@ -1,5 +1,5 @@
-// Everything that happens, told once to whoever listens: the recorder, the printer, the panel and
-// the scripts that wait for a frame.
+// Publishes everything that happens to all who listen: the recorder, the printer, the panel and the
+// scripts that wait for a frame.
 #pragma once
 
 #include <functional>
@@ -26,14 +26,14 @@ class Journal {
 
   void Listen(Listener listener) { listeners_.push_back(std::move(listener)); }
 
-  void FromHost(const Bytes& frame) { Tell(Entry::What::kFromHost, frame, {}); }
+  void FromHost(const Bytes& frame) { Publish(Entry::What::kFromHost, frame, {}); }
   void ToHost(const Bytes& frame, std::string note) {
-    Tell(Entry::What::kToHost, frame, std::move(note));
+    Publish(Entry::What::kToHost, frame, std::move(note));
   }
-  void Note(std::string note) { Tell(Entry::What::kNote, {}, std::move(note)); }
+  void Note(std::string note) { Publish(Entry::What::kNote, {}, std::move(note)); }
 
  private:
-  void Tell(Entry::What what, const Bytes& frame, std::string note);
+  void Publish(Entry::What what, const Bytes& frame, std::string note);
 
   const Time began_ = Clock::now();
   std::vector<Listener> listeners_;

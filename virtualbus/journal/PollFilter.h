@@ -1,5 +1,5 @@
-// Leaves out what nobody wants to read: a poll whose answer is the same as the last one. Both
-// frames of every other poll pass, and so does everything else.
+// Leaves out each poll of a card whose answer is the same as the last one. Both frames of every
+// other poll pass, and so does everything else.
 #pragma once
 
 #include <array>

@@ -15,7 +15,7 @@ Cable::~Cable() {
 Problem Cable::Plug() {
   if (plugged_) return Problem("the cable is plugged");
   wire_.SetConnected(true);
-  // symlink() makes the link or fails: there is no moment in which it could replace another's.
+  // symlink() makes the link or fails; it never replaces another's.
   if (!link_.empty() && symlink(wire_.DevicePath().c_str(), link_.c_str()) != 0) {
     const int error = errno;
     wire_.SetConnected(false);

@@ -1,4 +1,4 @@
-// The USB cable: while it is plugged the device link exists and the line talks.
+// The USB cable: while it is plugged, the device link exists and the line carries frames.
 // A link that this object did not make is never overwritten and never removed.
 #pragma once
 

@@ -1,5 +1,5 @@
 // One frame in, at most one reply out: the adapter's answer (or a recorded one), shaped by the
-// faults, told to the journal and counted.
+// faults, published in the journal and counted.
 #pragma once
 
 #include <cstdint>

@@ -39,7 +39,7 @@ Bytes Faults::Garbage(size_t count) {
   return bytes;
 }
 
-// A byte that noise has spoilt is thrown away by the receiver, so its frame is never complete.
+// A receiver throws a spoilt byte away, so its frame is never complete.
 std::string Faults::WhyLost() {
   noise_hits_reply_ = false;
   if (Clock::now() < muted_until_) return "muted";

@@ -107,7 +107,7 @@ void Wire::Send(const Bytes& bytes, Clock::duration delay, size_t pieces) {
   SendDue();
 }
 
-// What the host leaves unread until its buffer is full is lost, as on a real line.
+// Once the host's buffer is full, further bytes are lost, as on a real line.
 void Wire::SendDue() {
   const Time now = Clock::now();
   Bytes due;

@@ -190,7 +190,7 @@ void DrawLcd(Pen& pen, const ViewedCard& viewed) {
   for (size_t row = 0; row < Lcd::kRows; ++row) {
     const int line = static_cast<int>(row) + 1;
     pen.Put(line, 2, "|");
-    pen.Put(line, 3, card.Row(row), card.Light() ? Look::kGlass : Look::kPlain);
+    pen.Put(line, 3, card.Row(row), card.Light() ? Look::kDisplay : Look::kPlain);
     pen.Put(line, 3 + static_cast<int>(Lcd::kColumns), "|");
   }
   pen.Put(5, 2, edge);

@@ -54,7 +54,7 @@ Panel::Panel(VirtualBus& bus, std::string control_path)
 Panel::~Panel() { bus_.loop.Unwatch(STDIN_FILENO); }
 
 void Panel::OnEvent(const Entry& entry) {
-  // What can be clicked may have been replaced by another card: wait for the next picture.
+  // A card may have been replaced: nothing can be clicked before the next picture.
   if (entry.what == Entry::What::kNote) spots_.clear();
   events_.push_back(FormatEntryWithMeaning(entry));
   if (events_.size() > kEventsKept) events_.pop_front();
@@ -75,7 +75,7 @@ void Panel::EverySecond() {
   bus_.loop.After(kSecond, [this] { EverySecond(); });
 }
 
-// However much happens, a picture is drawn only so often; the frames of the bus come first.
+// Pictures have a pause between them, however much happens: the frames of the bus come first.
 void Panel::Redraw() {
   if (drawing_due_) return;
   drawing_due_ = true;

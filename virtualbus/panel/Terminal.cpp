@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kEscapeDelay = 25;  // milliseconds
 
-enum Pair : short { kGoodPair = 1, kBadPair, kGlassPair, kSelectedPair };
+enum Pair : short { kGoodPair = 1, kBadPair, kDisplayPair, kSelectedPair };
 
 Glyphs ChooseGlyphs() {
   if (std::string_view(nl_langinfo(CODESET)) == "UTF-8") {
@@ -30,11 +30,11 @@ void ChooseColours() {
   use_default_colors();
   init_pair(kGoodPair, COLOR_GREEN, -1);
   init_pair(kBadPair, COLOR_RED, -1);
-  init_pair(kGlassPair, COLOR_BLACK, COLOR_GREEN);
+  init_pair(kDisplayPair, COLOR_BLACK, COLOR_GREEN);
   init_pair(kSelectedPair, COLOR_YELLOW, -1);
 }
 
-// As much of a UTF-8 text as has room; every glyph of ours is one column wide.
+// As much of a UTF-8 text as fits; each of our glyphs is one column wide.
 std::string Cut(const std::string& text, int columns) {
   size_t end = 0;
   for (; end < text.size(); ++end) {
@@ -60,8 +60,8 @@ attr_t Attributes(Look look) {
       return A_BOLD | pair(kGoodPair);
     case Look::kBad:
       return A_BOLD | A_UNDERLINE | pair(kBadPair);
-    case Look::kGlass:
-      return has_colors() ? pair(kGlassPair) : A_REVERSE;
+    case Look::kDisplay:
+      return has_colors() ? pair(kDisplayPair) : A_REVERSE;
   }
   return A_NORMAL;
 }

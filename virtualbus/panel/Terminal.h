@@ -6,7 +6,7 @@
 
 namespace virtualbus {
 
-enum class Look { kPlain, kBold, kDim, kSelected, kGood, kBad, kGlass };
+enum class Look { kPlain, kBold, kDim, kSelected, kGood, kBad, kDisplay };
 
 // What the panel is drawn with, by what the terminal can show.
 struct Glyphs {
