@@ -18,7 +18,7 @@ class Adapter : public testing::Test {
   BusAdapter adapter;
 };
 
-TEST_F(Adapter, HasItsVersionInCharactersOneToFour) {
+TEST_F(Adapter, GivesItsVersionInCharactersOneToFour) {
   const Bytes reply = Ask({0x40, 0x6F, 0x9A});
   EXPECT_EQ(std::string(reply.begin(), reply.begin() + 5), "Xv1.2");
 }

@@ -94,7 +94,7 @@ struct ServoCard : CardTest {
   ServoCard() : CardTest("servo") {}
 };
 
-TEST_F(ServoCard, BootsInTheMiddleAndGoesWhereItIsSent) {
+TEST_F(ServoCard, BootsInTheMiddleAndGoesToItsPosition) {
   ExpectShown("Positions 80 80 80 80 80 80");
   Write({0x00, 0x20, 0x40, 0x60, 0x80, 0xFF});
   ExpectShown("reached 00 20 40 60 80 FF");
@@ -221,11 +221,11 @@ TEST_F(KeysCard, EveryPollSeesOneStepOfTheEncoder) {
   TheCard().Press(0x01);
   TheCard().Turn(5);
   for (const uint8_t state : Bytes{0x41, 0xC1, 0x81, 0x01, 0x41, 0x41}) {
-    EXPECT_EQ(Ask({0x20, 0x02, 0x01}), (Bytes{0x21, 0x02, state}));
+    EXPECT_EQ(Ask({0x20, 0x02, 0x01}), (Bytes{0x21, 0x02, state})) << "to the right";
   }
   TheCard().Turn(-2);
   for (const uint8_t state : Bytes{0x01, 0x81, 0x81}) {
-    EXPECT_EQ(Ask({0x20, 0x02, 0x01}), (Bytes{0x21, 0x02, state}));
+    EXPECT_EQ(Ask({0x20, 0x02, 0x01}), (Bytes{0x21, 0x02, state})) << "to the left";
   }
 }
 
@@ -248,7 +248,7 @@ TEST_F(LcdCard, ShowsATextAtItsPlace) {
   EXPECT_EQ(As<Lcd>().CursorAt(), 38U);
 }
 
-TEST_F(LcdCard, ALongTextRunsOnToTheEndOfTheDisplay) {
+TEST_F(LcdCard, ALongTextRunsOnAndEndsWithTheDisplay) {
   Write({0x00});
   Text(18, 2, "abcd");
   Text(18, 3, "wxyz");

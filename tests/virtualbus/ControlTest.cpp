@@ -59,7 +59,7 @@ TEST_F(Control, PressReleaseAndTurn) {
   EXPECT_EQ(Ask({0x20, 0x08, 0x01}), (Bytes{0x21, 0x08, 0x00}));
 }
 
-TEST_F(Control, ShowTellsWhatACardHolds) {
+TEST_F(Control, ShowListsWhatACardHolds) {
   Start();
   EXPECT_EQ(Tell("show E"),
             "card E lcd\n"

@@ -22,7 +22,7 @@ class PrintedEvents : public BusTest {
   }
 };
 
-TEST_F(PrintedEvents, TellsEventsWithTheirMeaning) {
+TEST_F(PrintedEvents, ShowFramesWithTheirMeaning) {
   Start({"--card", "3=digital-input", "--card", "5=digital-output"});
   Ask({0x40, 0x6F, 0x9A});
   Ask({0x30});
@@ -50,7 +50,7 @@ TEST_F(PrintedEvents, TellsEventsWithTheirMeaning) {
             "# cable pulled\n");
 }
 
-TEST_F(PrintedEvents, TellsAPollOnlyWhenItsAnswerIsNew) {
+TEST_F(PrintedEvents, ShowAPollOnlyWhenItsAnswerIsNew) {
   Start({"--card", "3=digital-input"});
   for (int i = 0; i < 5; ++i) Ask({0x20, 0x03, 0x02});
   Tell("set 3 1 01");
@@ -68,7 +68,7 @@ TEST_F(PrintedEvents, TellsAPollOnlyWhenItsAnswerIsNew) {
             "< 4E                             refused\n");
 }
 
-TEST_F(PrintedEvents, SaysWhatAFaultDid) {
+TEST_F(PrintedEvents, SayWhatAFaultDid) {
   Start({"--card", "3=digital-input", "--plain"});
   Tell("drop next 1");
   host->Send({0x20, 0x03, 0x02});
@@ -116,7 +116,7 @@ TEST(PollFilter, KeepsAPollThatGetsNoAnswer) {
   EXPECT_EQ(seen, "20 03 02;21 03 00 00;20 03 02;");
 }
 
-TEST(PollFilter, TellsARefusedPollOnce) {
+TEST(PollFilter, PassesARefusedPollOnce) {
   std::string seen;
   PollFilter filter([&](const Entry& entry) { seen += Hex(entry.frame) + ";"; });
   for (int i = 0; i < 3; ++i) {

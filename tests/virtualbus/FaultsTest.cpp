@@ -135,7 +135,7 @@ TEST(Noise, TheSameSeedSpoilsTheSameBytes) {
   EXPECT_NE(Fates(5, 0.01, 5000), Fates(6, 0.01, 5000));
 }
 
-TEST(Noise, HitsAsOftenAsItsChance) {
+TEST(Noise, HitsAsOftenAsItsChanceSays) {
   const std::string fates = Fates(1, 0.01, 100000);
   const auto spoilt = 100000 - std::count(fates.begin(), fates.end(), '.');
   EXPECT_GT(spoilt, 900);

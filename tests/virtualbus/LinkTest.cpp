@@ -33,6 +33,7 @@ TEST_F(Link, IsThereWhileTheProgramRuns) {
 
 TEST_F(Link, GoesOnInterruptAndHangUpToo) {
   for (const int signal : {SIGINT, SIGHUP}) {
+    SCOPED_TRACE(signal);
     Start();
     bus->Signal(signal);
     EXPECT_EQ(bus->WaitForExit(), 0);
