@@ -34,8 +34,9 @@ char CharAt(std::string_view command, std::size_t at) {
   return at < command.size() ? command[at] : '\0';
 }
 
+// Where the command ends behind the first digit, that digit is the low one.
 unsigned char HexAt(std::string_view command, std::size_t at) {
-  return HexNum2Byte(CharAt(command, at), CharAt(command, at + 1));
+  return at < command.size() ? Convert_HexStr2Byte(std::string(command.substr(at, 2))) : 0;
 }
 
 unsigned char AddressOf(std::string_view command) {

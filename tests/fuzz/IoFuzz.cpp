@@ -28,13 +28,22 @@ std::vector<std::string> Pieces(const std::string& message, const std::string& s
 
 char At(const std::string& text, std::size_t at) { return at < text.size() ? text[at] : '\0'; }
 
+// Two digits, or one where the text ends behind it.
+unsigned char ByteAt(const std::string& text, std::size_t at) {
+  const bool is_cut = at + 1 == text.size();
+  return is_cut ? HexCharToByte(text[at]) : HexNum2Byte(At(text, at), At(text, at + 1));
+}
+
 bool IsBlock(const std::string& piece) {
   return At(piece, 0) == 'a' && At(piece, 2) == 'b' && At(piece, 4) == 'd';
 }
 
+bool IsLcdText(const std::string& piece) {
+  return At(piece, 0) == 'a' && At(piece, 2) == 'l' && piece.find("PAp") != std::string::npos;
+}
+
 bool EndsProcess(const std::string& piece) {
-  return At(piece, 0) == 'a' && At(piece, 2) == 'l' && piece.find("PAp") != std::string::npos &&
-         piece.size() > 11 + kMaxLcdText;
+  return IsLcdText(piece) && piece.size() > 11 + kMaxLcdText;
 }
 
 void CheckFrame(const std::string& frame, int address) {
@@ -43,6 +52,12 @@ void CheckFrame(const std::string& frame, int address) {
   Require(frame.size() >= 4 && frame[0] == 0x10, "a frame is no write");
   Require(frame[1] == address, "a frame names another card");
   Require(static_cast<std::size_t>(frame[2]) == frame.size() - 3, "a frame miscounts its data");
+}
+
+void CheckPosition(const std::string& frame, const std::string& piece) {
+  Require(frame.size() >= 7 && frame[3] == 9, "a text has no position");
+  Require(static_cast<unsigned char>(frame[4]) == ByteAt(piece, 6), "a text has another column");
+  Require(static_cast<unsigned char>(frame[5]) == ByteAt(piece, 8), "a text has another row");
 }
 
 // One piece alone: a frame for its card and no other, or the words that it is illegal.
@@ -57,6 +72,7 @@ void CheckPiece(Site& site, const std::string& piece) {
   Require(frames.size() + replies.size() / 2 == 1, "a command has not one outcome");
   if (!frames.empty()) {
     CheckFrame(frames[0], address);
+    if (IsLcdText(piece)) CheckPosition(frames[0], piece);
   } else {
     Require(replies.size() == 2, "a rejection is not two entries");
     Require(replies[0] == "COE:Illegal command -> " + piece + "\r\n", "a rejection is misworded");
@@ -64,8 +80,7 @@ void CheckPiece(Site& site, const std::string& piece) {
   }
   if (!IsBlock(piece)) return;
   const std::size_t block = HexCharToByte(At(piece, 3));
-  const unsigned char value = HexNum2Byte(At(piece, 5), At(piece, 6));
-  Require(site.Qelm.Cards[address].BlockData[block] == value, "a block is not stored");
+  Require(site.Qelm.Cards[address].BlockData[block] == ByteAt(piece, 5), "a block is not stored");
 }
 
 }  // namespace

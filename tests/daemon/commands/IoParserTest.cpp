@@ -78,8 +78,17 @@ TEST_F(IoParser, AbsentDigitsReadAsZero) {
     Send(command);
     EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0x00})) << command;
   }
-  Send("a5b1d7");
-  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0x70}));
+}
+
+TEST_F(IoParser, AValueOfOneDigitIsTheLowDigit) {
+  PlugCard(5, 0x03);
+  Send("a5b1dF");
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0x0F}));
+  Send("a5b1d1;a5b0d7");
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0xFF, 0x01}));
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0x07, 0x01}));
+  Send("a5b0dg");
+  EXPECT_EQ(CardQueue(5).DeQueue(), List({0x10, 0x05, 0x02, 0x00, 0x01}));
 }
 
 TEST_F(IoParser, EmptyPiecesArePassedOver) {

@@ -112,7 +112,12 @@ TEST_F(IoStream, LcdTextMayBeEmptyOrAbsent) {
   const QList payload = List({0x10, 0x0E, 0x04, 0x09, 0x00, 0x00, 0x00});
   for (const char* command : {"aElPAp0000t", "aElPAp0000", "aElPAp0", "aElPAp"})
     ExpectFrame(14, command, payload);
-  ExpectFrame(14, "aElPAp1", List({0x10, 0x0E, 0x04, 0x09, 0x10, 0x00, 0x00}));
+}
+
+TEST_F(IoStream, ALcdPositionOfOneDigitIsTheLowDigit) {
+  ExpectFrame(14, "aElPAp1", List({0x10, 0x0E, 0x04, 0x09, 0x01, 0x00, 0x00}));
+  ExpectFrame(14, "aElPAp1F", List({0x10, 0x0E, 0x04, 0x09, 0x1F, 0x00, 0x00}));
+  ExpectFrame(14, "aElPAp1F2", List({0x10, 0x0E, 0x04, 0x09, 0x1F, 0x02, 0x00}));
 }
 
 TEST_F(IoStream, TheMarkInFrontOfTheTextIsNotChecked) {
