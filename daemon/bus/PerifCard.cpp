@@ -17,9 +17,9 @@ struct CardKind {
   unsigned char preset;  // ... with this value
 };
 
-// The first row serves every code that is not in the table.
-constexpr std::array<CardKind, 11> kKinds{{
-    {0x01, "UNIDENTIFIED", kNoCard, 0, 0, 0},
+// The first row serves every code that is in none of the others; its own is not looked at.
+constexpr auto kKinds = std::to_array<CardKind>({
+    {kEmptyType, "UNIDENTIFIED", kNoCard, 0, 0, 0},
     {kEmptyType, "EMPTY", kNoCard, 0, 0, 0},
     {kDigitalOutput, "16 channel DIGITAL OUTPUT", kOutputCard, 2, 2, 0xFF},
     {kDigitalInput, "16 channel DIGITAL INPUT", kInputCard, 2, 0, 0},
@@ -30,7 +30,8 @@ constexpr std::array<CardKind, 11> kKinds{{
     {kLcd, "ALPHANUMERIC LCD CONTROLLER", kOutputCard, 21, 0, 0},
     {kInfrared, "IR REMOTE CONTROLLER", kOutputCard, 1, 0, 0},
     {kSilentType, "CARD?", kNoCard, 0, 0, 0},
-}};
+});
+static_assert(kKinds.size() == 11);
 constexpr const CardKind& kUnidentified = kKinds[0];
 
 const CardKind& FindKind(unsigned char type) {

@@ -20,18 +20,6 @@ inline constexpr int kOutputCard = 0;
 inline constexpr int kInputCard = 1;
 inline constexpr int kNoCard = 3;
 
-// CardType as the card reports it in discovery.
-inline constexpr unsigned char kEmptyType = 0x00;
-inline constexpr unsigned char kDigitalOutput = 0x03;
-inline constexpr unsigned char kDigitalInput = 0x04;
-inline constexpr unsigned char kServo = 0x05;
-inline constexpr unsigned char kMotor = 0x06;
-inline constexpr unsigned char kAnalogueInput = 0x07;
-inline constexpr unsigned char kKeyMatrix = 0x08;
-inline constexpr unsigned char kLcd = 0x09;
-inline constexpr unsigned char kInfrared = 0x0A;
-inline constexpr unsigned char kSilentType = 0xFF;  // the card did not answer discovery
-
 inline constexpr int kAnalogueChannels = 6;
 
 class PERIFCARD {
@@ -63,7 +51,7 @@ class PERIFCARD {
   int IoKind = kNoCard;                               // kOutputCard, kInputCard or kNoCard
   int BlockCount = 0;                                 // data blocks the card has, 0..21
   unsigned char Address = 0;                          // 0..15
-  unsigned char CardType = kEmptyType;                // type code
+  unsigned char CardType = kEmptyType;                // as discovery reported it
   std::array<char, 40> CardName{};                    // display name of CardType, zero-terminated
   std::array<unsigned char, 20> BlockData{};          // last value written or read, by block
   std::array<unsigned char, 20> BlockChanged{};       // 1: changed since the last report

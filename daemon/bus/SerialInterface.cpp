@@ -8,6 +8,7 @@
 #include <ctime>
 #include <span>
 
+#include "bus/ReplyError.h"
 #include "runtime/Pause.h"
 #include "runtime/Shared.h"
 

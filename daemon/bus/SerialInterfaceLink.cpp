@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "bus/ReplyError.h"
 #include "bus/SerialInterface.h"
 #include "runtime/Pause.h"
 #include "runtime/Values.h"

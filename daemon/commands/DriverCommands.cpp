@@ -61,10 +61,11 @@ struct InputCard {
   unsigned char last_block;
 };
 
-constexpr std::array<InputCard, 2> kReportable{{
+constexpr auto kReportable = std::to_array<InputCard>({
     {kDigitalInput, 1},
     {kAnalogueInput, 5},
-}};
+});
+static_assert(kReportable.size() == 2);
 
 const InputCard* FindReportable(unsigned char type) {
   for (const InputCard& row : kReportable)

@@ -57,11 +57,13 @@ struct BlockCard {
   unsigned char blocks;
 };
 
-constexpr std::array<BlockCard, 3> kBlockCards{{
+// A motor card takes four of its six.
+constexpr auto kBlockCards = std::to_array<BlockCard>({
     {kDigitalOutput, 2},
     {kServo, 6},
     {kMotor, 4},
-}};
+});
+static_assert(kBlockCards.size() == 3);
 
 // Every block of the card goes out each time. A card that takes no blocks gets an
 // empty payload, which the serial thread passes over.
@@ -103,15 +105,16 @@ struct LcdControl {
   unsigned char code;
 };
 
-constexpr std::array<LcdControl, 7> kLcdControls{{
-    {"CL", 0},  // clear
-    {"LO", 1},  // backlight on
-    {"LF", 2},  // backlight off
-    {"CO", 3},  // cursor on
-    {"CF", 4},  // cursor off
-    {"BO", 5},  // blinking on
-    {"BF", 6},  // blinking off
-}};
+constexpr auto kLcdControls = std::to_array<LcdControl>({
+    {"CL", kLcdClear},
+    {"LO", kLcdLightOn},
+    {"LF", kLcdLightOff},
+    {"CO", kLcdCursorOn},
+    {"CF", kLcdCursorOff},
+    {"BO", kLcdBlinkOn},
+    {"BF", kLcdBlinkOff},
+});
+static_assert(kLcdControls.size() == 7);
 
 bool ControlLcd(QELM& qelm, std::string_view command) {
   const unsigned char address = AddressOf(command);

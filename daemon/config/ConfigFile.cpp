@@ -27,7 +27,7 @@ struct ConfigAttribute {
   void (*store)(CONFIG_DESCRIPTOR& config, const char* value);
 };
 
-constexpr std::array<ConfigAttribute, 5> kAttributes{{
+constexpr auto kAttributes = std::to_array<ConfigAttribute>({
     {"Debuglog", "File", [](CONFIG_DESCRIPTOR& c, const char* v) { c.LogFile = v; }},
     {"Debuglog", "Loglevel", [](CONFIG_DESCRIPTOR& c, const char* v) { c.LogLevel = ATOI(v); }},
     {"Speed", "Percent",
@@ -36,7 +36,8 @@ constexpr std::array<ConfigAttribute, 5> kAttributes{{
      [](CONFIG_DESCRIPTOR& c, const char* v) { c.EnablePoll = ATOB(v); }},
     {"AutoDiscover", "Action",
      [](CONFIG_DESCRIPTOR& c, const char* v) { c.AutoDiscover = ATOB(v); }},
-}};
+});
+static_assert(kAttributes.size() == 5);
 
 void ReportUnreadable() {
   setlogmask(LOG_UPTO(LOG_NOTICE));

@@ -26,11 +26,12 @@ struct Greeting {
   const char* text;
 };
 
-constexpr std::array<Greeting, 3> kGreetings{{
+constexpr auto kGreetings = std::to_array<Greeting>({
     {"CAE", "QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n"},
     {"IO", "QELM IO interface is ready\r\n"},
     {"MON", "QELM MON interface is ready\r\n"},
-}};
+});
+static_assert(kGreetings.size() == 3);
 
 // Reports leave at once, and a client whose host has vanished is noticed some day:
 // the port serves nobody else meanwhile.

@@ -33,27 +33,6 @@ std::string Convert_QList2String(const QList& l) {
   return {l.begin(), std::find(l.begin(), room, '\0')};
 }
 
-int GetQListError(const QList& l) {
-  constexpr int kEmpty = 5;
-  if (l.empty()) return kEmpty;
-  switch (l.front()) {
-    case 'T':
-      return kReplyTimeout;
-    case 0x12:
-      return 2;
-    case '#':
-    case '$':
-      return 3;
-    case 'N':
-      return 4;
-    case 'B':
-    case 'C':
-      return 6;
-    default:
-      return kReplyGood;
-  }
-}
-
 QList MakeQList(std::initializer_list<unsigned char> bytes) {
   QList list;
   for (const unsigned char byte : bytes) list.push_back(static_cast<char>(byte));

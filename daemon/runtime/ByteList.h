@@ -12,12 +12,6 @@
 
 using QList = std::list<char>;
 
-// What the first byte of a card's reply says of it.
-enum ReplyError : int {
-  kReplyGood = 0,
-  kReplyTimeout = 1,  // "TME", made by the host itself
-};
-
 // The text conversions hold this many characters at the most.
 inline constexpr std::size_t kMaxText = 999;
 
@@ -39,9 +33,6 @@ void Convert_QList2BinBuff(const QList& l, char* out);
 
 // The bytes up to the first zero byte, kMaxText of them at the most.
 std::string Convert_QList2String(const QList& l);
-
-// Sorts a reply by its first byte: 0 good, 1 time-out, 2 to 6 the kinds of refusal.
-int GetQListError(const QList& l);
 
 // A list of the given byte values.
 QList MakeQList(std::initializer_list<unsigned char> bytes);

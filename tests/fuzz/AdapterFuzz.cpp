@@ -14,6 +14,7 @@
 #include "CardModel.h"
 #include "Finding.h"
 #include "Site.h"
+#include "bus/ReplyError.h"
 #include "runtime/ByteList.h"
 
 namespace {

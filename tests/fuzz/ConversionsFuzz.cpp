@@ -9,6 +9,7 @@
 
 #include "Finding.h"
 #include "StandIns.h"
+#include "bus/ReplyError.h"
 #include "config/Speed.h"
 #include "runtime/ByteDump.h"
 #include "runtime/ByteList.h"

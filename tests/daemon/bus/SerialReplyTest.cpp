@@ -1,4 +1,5 @@
 // What the replies do to the card table and to the reports.
+#include "bus/ReplyError.h"
 #include "support/SerialTest.h"
 
 namespace {
@@ -9,6 +10,23 @@ class SerialReply : public SerialTest {
 };
 
 }  // namespace
+
+TEST(ReplyError, SortsRepliesByTheirFirstByte) {
+  EXPECT_EQ(GetQListError({}), 5);
+  EXPECT_EQ(GetQListError(TextBytes("TME")), 1);
+  EXPECT_EQ(GetQListError(Bytes({0x54})), 1);
+  EXPECT_EQ(GetQListError(Bytes({0x12})), 2);
+  EXPECT_EQ(GetQListError(TextBytes("#")), 3);
+  EXPECT_EQ(GetQListError(TextBytes("$")), 3);
+  EXPECT_EQ(GetQListError(TextBytes("N")), 4);
+  EXPECT_EQ(GetQListError(TextBytes("B")), 6);
+  EXPECT_EQ(GetQListError(TextBytes("C")), 6);
+}
+
+TEST(ReplyError, EveryOtherFirstByteIsAGoodReply) {
+  for (const int first : {0x00, 0x11, 0x21, 0x31, 0x41, 0x44, 0x4C, 0x51, 0xD4, 0xFF})
+    EXPECT_EQ(GetQListError(Bytes({first, 'T'})), 0) << first;
+}
 
 TEST_F(SerialReply, ADiscoveryReplySetsAllSixteenCards) {
   RoundWithReply(16, List({'1', 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0xFF, 0x00, 0x01,

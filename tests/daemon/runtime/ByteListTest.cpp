@@ -68,25 +68,7 @@ TEST(ByteList, ConversionsLeaveTheListAlone) {
   const QList list = List({0x41, 0x42});
   QList passed = list;
   Convert_QList2String(passed);
-  GetQListError(passed);
   EXPECT_EQ(passed, list);
-}
-
-TEST(ByteList, SortsRepliesByTheirFirstByte) {
-  EXPECT_EQ(GetQListError({}), 5);
-  EXPECT_EQ(GetQListError(List("TME")), 1);
-  EXPECT_EQ(GetQListError(List({0x54})), 1);
-  EXPECT_EQ(GetQListError(List({0x12})), 2);
-  EXPECT_EQ(GetQListError(List("#")), 3);
-  EXPECT_EQ(GetQListError(List("$")), 3);
-  EXPECT_EQ(GetQListError(List("N")), 4);
-  EXPECT_EQ(GetQListError(List("B")), 6);
-  EXPECT_EQ(GetQListError(List("C")), 6);
-}
-
-TEST(ByteList, EveryOtherFirstByteIsAGoodReply) {
-  for (const int first : {0x00, 0x11, 0x21, 0x31, 0x41, 0x44, 0x4C, 0x51, 0xD4, 0xFF})
-    EXPECT_EQ(GetQListError(List({first, 'T'})), 0) << first;
 }
 
 TEST(ByteList, MakesAListOfByteValues) {
