@@ -142,25 +142,27 @@ bool WriteLcd(QELM& qelm, std::string_view command) {
 
 // A command begins with "a" and an address; the first row that fits decides.
 struct IoCommand {
-  char kind;                                          // third character
-  char data_mark;                                     // fifth character, 0 for any
-  std::string_view contains;                          // occurs in the command
-  std::string_view lacks;                             // does not occur, unless empty
+  char kind;
+  char data_mark;  // 0: any
+  std::string_view contains;
   bool (*run)(QELM& qelm, std::string_view command);  // false: illegal after all
 };
 
-constexpr std::array<IoCommand, 4> kIoCommands{{
-    {'b', 'd', "", "", WriteBlock},
-    {'s', 0, "HS", "", SendInfrared},
-    {'l', 0, "", "PAp", ControlLcd},
-    {'l', 0, "PAp", "", WriteLcd},
-}};
+// clang-format off
+constexpr auto kIoCommands = std::to_array<IoCommand>({
+    // third char.  fifth  and somewhere  then
+    {'b',           'd',   "",            WriteBlock},
+    {'s',           0,     "HS",          SendInfrared},
+    {'l',           0,     "PAp",         WriteLcd},
+    {'l',           0,     "",            ControlLcd},
+});
+// clang-format on
+static_assert(kIoCommands.size() == 4);
 
 bool Fits(const IoCommand& row, std::string_view command) {
   if (CharAt(command, 0) != 'a' || CharAt(command, kKindAt) != row.kind) return false;
   if (row.data_mark != 0 && CharAt(command, kDataMarkAt) != row.data_mark) return false;
-  if (command.find(row.contains) == std::string_view::npos) return false;
-  return row.lacks.empty() || command.find(row.lacks) == std::string_view::npos;
+  return command.find(row.contains) != std::string_view::npos;
 }
 
 bool RunCommand(QELM& qelm, std::string_view command) {
