@@ -18,27 +18,38 @@ std::string Format(const char* format, unsigned number) {
   return text.data();
 }
 
-// A reply text's {name} and what stands for it.
-struct Field {
-  std::string_view name;
-  std::string text;
-};
+// What stands for the placeholders, in their order.
+using PlaceholderTexts = std::array<std::string, kPlaceholders.size()>;
 
-using Fields = std::array<Field, 8>;
+PlaceholderTexts TextsOf(const std::string& line, const std::string& state, unsigned value,
+                         unsigned answer) {
+  const std::string address = AddressText(line);
+  const std::string channel = ChannelText(line);
+  return {
+      address,
+      Format("%X", Digit(address)),
+      BankText(line),
+      channel,
+      Format("%d", Digit(channel)),
+      state,
+      Format("%.2X", value),
+      Format("%.2X", answer),
+  };
+}
 
-std::string Expand(std::string_view reply, const Fields& fields) {
-  std::string text;
+std::string Expand(std::string_view reply, const PlaceholderTexts& texts) {
+  std::string expanded;
   while (!reply.empty()) {
     const std::size_t open = reply.find('{');
-    text += reply.substr(0, open);
+    expanded += reply.substr(0, open);
     if (open == std::string_view::npos) break;
     const std::size_t close = reply.find('}', open);
     const std::string_view name = reply.substr(open + 1, close - open - 1);
-    for (const Field& field : fields)
-      if (field.name == name) text += field.text;
+    for (std::size_t i = 0; i < texts.size(); ++i)
+      if (kPlaceholders[i] == name) expanded += texts[i];
     reply.remove_prefix(close + 1);
   }
-  return text;
+  return expanded;
 }
 
 // ON or OFF sets the remembered state; any other word sends what was set before.
@@ -54,21 +65,25 @@ std::string StateText(const std::string& line, unsigned char& state) {
 
 unsigned char RegisterOf(const CardRequest& request, const std::string& line) {
   if (!request.has_channels) return request.reg;
-  const unsigned char first = BankText(line) == "B" ? request.reg_bank_b : request.reg;
+  const bool is_bank_b = request.reg_bank_b != 0 && BankText(line) == "B";
+  const unsigned char first = is_bank_b ? request.reg_bank_b : request.reg;
   return static_cast<unsigned char>(first + Digit(ChannelText(line)));
+}
+
+bool IsTakenBy(const RequiredCard& required, const PERIFCARD& card) {
+  return required.type < 0 || LoadShared(card.CardType) == required.type;
 }
 
 }  // namespace
 
 void RequestCard(QELM& qelm, const CardRequest& request, const std::string& line) {
-  const std::string address_text = AddressText(line);
-  const unsigned char address = Digit(address_text);
+  const unsigned char address = Digit(AddressText(line));
   PERIFCARD& card = qelm.Cards[address];
 
   const bool has_state = request.lcd_state != nullptr;
   const std::string state = has_state ? StateText(line, qelm.*request.lcd_state) : "";
-  if (request.card_type != kAnyCard && LoadShared(card.CardType) != request.card_type) {
-    qelm.ReplyOnCae(request.wrong_card);
+  if (!IsTakenBy(request.card, card)) {
+    qelm.ReplyOnCae(request.card.refusal);
     return;
   }
 
@@ -84,17 +99,8 @@ void RequestCard(QELM& qelm, const CardRequest& request, const std::string& line
     return;
   }
 
-  const std::string channel = ChannelText(line);
-  const Fields fields{{
-      {"x", address_text},
-      {"X", Format("%X", address)},
-      {"p", BankText(line)},
-      {"c", channel},
-      {"n", Format("%d", Digit(channel))},
-      {"ss", state},
-      {"vv", Format("%.2X", value)},
-      {"got", Format("%.2X", LoadShared(card.QueryReply[kReplyValue]))},
-  }};
+  const PlaceholderTexts texts =
+      TextsOf(line, state, value, LoadShared(card.QueryReply[kReplyValue]));
   for (const char* reply : request.done)
-    if (reply != nullptr) qelm.ReplyOnCae(Expand(reply, fields));
+    if (reply != nullptr) qelm.ReplyOnCae(Expand(reply, texts));
 }

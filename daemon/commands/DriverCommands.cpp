@@ -2,11 +2,13 @@
 
 #include <array>
 #include <cstdio>
+#include <span>
 
 #include "bus/PerifCard.h"
 #include "bus/SerialInterface.h"
+#include "commands/CaeCommands.h"
 #include "commands/CaeLine.h"
-#include "commands/HelpTexts.h"
+#include "commands/IoHelp.h"
 #include "config/Speed.h"
 #include "net/SocketInterface.h"
 #include "runtime/Pause.h"
@@ -154,6 +156,9 @@ void ReportInput(QELM& qelm, const std::string& line) {
   qelm.ReplyOnCae("CIA: LAST INPUT STATE SENT ON IO INTERFACE");
 }
 
-void ShowHelp(QELM& qelm, const std::string& /*line*/) { ShowTexts(qelm, kHelp); }
+void ShowHelp(QELM& qelm, const std::string& /*line*/) {
+  ShowTexts(qelm, CaeHelp());
+  ShowTexts(qelm, kIoHelp);
+}
 
 void ShowIoExamples(QELM& qelm, const std::string& /*line*/) { ShowTexts(qelm, kIoExamples); }

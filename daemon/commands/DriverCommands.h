@@ -2,7 +2,6 @@
 // Each gets the line it was found in and replies on CAE. Main thread.
 #pragma once
 
-#include <span>
 #include <string>
 
 #include "core/qelm.h"
