@@ -1,6 +1,11 @@
 // What HELP and IOEXAMPLES answer, line for line, misspellings included.
 #pragma once
 
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
 // clang-format off
 inline constexpr const char* kHelpLines[] = {
     "QELM quick HELP:",
@@ -99,3 +104,14 @@ inline constexpr const char* kExampleLines[] = {
     "    To have changes on IO interface: aFb3d00 ... aFb3d20 ........... aFb3dFF",
 };
 // clang-format on
+
+// What HELP answered, without the lines of commands that the text above does not know: it
+// is fixed, and a new command may have its line anywhere in it.
+inline std::vector<std::string> WithoutNewCommands(std::vector<std::string> lines) {
+  std::erase_if(lines, [](const std::string& line) {
+    const bool is_known =
+        std::find(std::begin(kHelpLines), std::end(kHelpLines), line) != std::end(kHelpLines);
+    return line.starts_with(" - ") && !is_known;
+  });
+  return lines;
+}

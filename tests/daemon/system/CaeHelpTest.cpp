@@ -13,20 +13,31 @@ class CaeHelp : public DaemonTest {
     StartDaemon();
     cae = Connect(kCae);
   }
+
+  // The lines up to the prompt.
+  std::vector<std::string> Screen() {
+    std::string text = cae.ReadUntil("\r\n\r>\r\n\r");
+    std::vector<std::string> lines;
+    for (auto end = text.find("\r\n\r"); end != text.npos; end = text.find("\r\n\r")) {
+      lines.push_back(text.substr(0, end));
+      text.erase(0, end + 3);
+    }
+    EXPECT_EQ(lines.back(), ">");
+    lines.pop_back();
+    return lines;
+  }
 };
 
 }  // namespace
 
 TEST_F(CaeHelp, HelpShowsItsLines) {
-  ASSERT_EQ(std::size(kHelpLines), 69U);
   cae.Send("HELP\r\n");
-  for (const char* line : kHelpLines) cae.ExpectBytes(std::string(line) + "\r\n\r");
-  cae.ExpectBytes(">\r\n\r");
+  const std::vector<std::string> expected(std::begin(kHelpLines), std::end(kHelpLines));
+  EXPECT_EQ(WithoutNewCommands(Screen()), expected);
   ExpectAnswer();
 }
 
 TEST_F(CaeHelp, IoexamplesShowsItsLines) {
-  ASSERT_EQ(std::size(kExampleLines), 22U);
   cae.Send("IOEXAMPLES\r\n");
   for (const char* line : kExampleLines) cae.ExpectBytes(std::string(line) + "\r\n\r");
   cae.ExpectBytes(">\r\n\r");
