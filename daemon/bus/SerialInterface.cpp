@@ -107,14 +107,18 @@ bool SERIAL_INTERFACE::OnTask() {
 
 void SERIAL_INTERFACE::OpenLink() {
   if (!Init()) {
-    Fd.Close();
-    LinkState = kLinkClosed;
+    CloseLink();
     sleepsec(2);
     return;
   }
   if (AutoDiscover == 0) return;
   CardQueues[kDriverQueue]->ToQueue(MakeQList({kFrameDiscovery}));
   sleepsec(1);
+}
+
+void SERIAL_INTERFACE::CloseLink() {
+  Fd.Close();
+  LinkState = kLinkClosed;
 }
 
 QList SERIAL_INTERFACE::Comm2HW(QList frame) {
@@ -183,8 +187,7 @@ bool SERIAL_INTERFACE::HandleReply(const QList& bytes) {
   const int error = GetQListError(bytes);
   if (error == kReplyTimeout) {
     LogLine("INF", "comm timeout " + DeviceName);
-    Fd.Close();
-    LinkState = kLinkClosed;
+    CloseLink();
     return false;
   }
   if (error != kReplyGood) return true;

@@ -19,6 +19,14 @@
 #include "runtime/SharedFd.h"
 #include "runtime/Thread.h"
 
+// The link:
+//
+//                 a device opens                 the adapter answers
+//   kLinkClosed ─────────────────► kLinkChecking ───────────────────► kLinkUp
+//        ▲                               │                               │
+//        └── no answer: again in 2 s ────┴──── an exchange timed out ────┘
+//
+// The states are entered in CloseLink and, the other two, in CheckDevice.
 enum LinkState_t : int {
   kLinkClosed = 0,
   kLinkChecking = 1,  // a device is open, the adapter has not answered yet
@@ -77,6 +85,7 @@ class SERIAL_INTERFACE final : public CThread {
   class Reply;
 
   void OpenLink();
+  void CloseLink();
   bool OpenDevice(const std::string& failure);
   bool CheckDevice();
   bool SearchDevices();

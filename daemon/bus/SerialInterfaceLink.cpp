@@ -94,13 +94,12 @@ bool SERIAL_INTERFACE::Init() {
 bool SERIAL_INTERFACE::SearchDevices() {
   const std::list<std::string> devices = GetUSBDevices();
   if (devices.empty()) LogLine("ERR", "ttyUSB devices couldn't be found");
-  LinkState = kLinkClosed;
+  CloseLink();
   for (const std::string& device : devices) {
     DeviceName = device;
     if (!OpenDevice("unable to  open ")) continue;
     if (CheckDevice()) return true;
-    Fd.Close();
-    LinkState = kLinkClosed;
+    CloseLink();
   }
   return false;
 }

@@ -98,11 +98,19 @@ bool SOCKET_INTERFACE::Init() {
   }
   // Logged first: as soon as the state is seen, the thread logs that it waits.
   LogEvent("INF", "", " listening on port " + port);
-  Publish<int>(Descriptor.State, kListening);
-  // Closed by command meanwhile.
-  if (ListenSocket.IsWithdrawn()) PublishIf<int>(Descriptor.State, kListening, kClosed);
+  EnterListening();
   return true;
 }
+
+// CloseByCommand withdraws the socket before it closes the session: whichever of the two
+// threads comes last, the state ends at kClosed.
+void SOCKET_INTERFACE::EnterListening() {
+  Publish<int>(Descriptor.State, kListening);
+  if (ListenSocket.IsWithdrawn()) EnterClosed();
+}
+
+// RetryCount is zero by now: the thread counts its closed passes from here.
+void SOCKET_INTERFACE::EnterClosed() { Publish<int>(Descriptor.State, kClosed); }
 
 bool SOCKET_INTERFACE::OnTask() {
   SleepMicroseconds(LoadShared(Descriptor.ThreadDelay));
@@ -125,8 +133,7 @@ void SOCKET_INTERFACE::AcceptClient() {
       accept4(ListenSocket.Number(), reinterpret_cast<sockaddr*>(&peer), &length, SOCK_CLOEXEC);
   if (client < 0) {
     LogEvent("ERR", "socket accept error on ");
-    // A listening socket that was taken away would never accept again.
-    PublishIf<int>(Descriptor.State, kAccepting, ListenSocket.IsWithdrawn() ? kClosed : kListening);
+    EnterListening();
     return;
   }
   SetClientOptions(client);
@@ -183,10 +190,10 @@ void SOCKET_INTERFACE::LoseClient() {
   ClientSocket.Close();
   ListenSocket.Close();
   StoreShared(RetryCount, 0);
-  Publish<int>(Descriptor.State, kClosed);
+  EnterClosed();
 }
 
-// Twice the pause between the close and the new listening socket.
+// The second pass of two seconds opens the port again.
 void SOCKET_INTERFACE::Reopen() {
   ClientSocket.Close();
   ListenSocket.Close();
@@ -196,13 +203,11 @@ void SOCKET_INTERFACE::Reopen() {
 }
 
 void SOCKET_INTERFACE::CloseByCommand() {
-  // Zero before the state is seen: the thread counts its closed passes from here.
   StoreShared(RetryCount, 0);
   LogEvent("INF", "connection is closed by command on ");
-  // Before the state: a port that opens in this moment looks behind its own.
   ListenSocket.Withdraw();
-  Publish<int>(Descriptor.State, kClosed);
-  // Behind it: the end of the client is no end of its own.
+  // Publish kClosed before withdrawing the client, or the thread logs a client-side close.
+  EnterClosed();
   ClientSocket.Withdraw();
 }
 

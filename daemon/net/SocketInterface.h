@@ -17,6 +17,17 @@
 
 struct sockaddr_in;
 
+// The session:
+//
+//                 Init                 next pass             a client came
+//   kNotStarted ─────────► kListening ───────────► kAccepting ───────────► kConnected
+//                           ▲      ▲                    │                      │
+//         Init, about four  │      └── accept failed ───┘                      │ the client
+//         seconds later     │                                                  ▼ has gone
+//                           └─────────────────────────────────────────────── kClosed
+//
+// CloseByCommand leads from every state to kClosed. The states are entered in
+// EnterListening, OnTask, Welcome and EnterClosed.
 enum SessionState_t : int {
   kNotStarted = 0,  // Init has not succeeded yet; nothing retries it
   kListening = 1,
@@ -64,6 +75,8 @@ class SOCKET_INTERFACE final : public CThread {
   int DataMode;                     // DataMode_t, constant
 
  private:
+  void EnterListening();
+  void EnterClosed();
   void AcceptClient();
   void Welcome(const sockaddr_in& peer);
   void ServeClient();

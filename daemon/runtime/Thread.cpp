@@ -54,8 +54,7 @@ bool CThread::Start() {
   if (error == 0) return true;
 
   Handle = 0;
-  RunState = kThreadFault;
-  Errors |= kNoThread;
+  Fault(kNoThread);
   std::fprintf(stderr, "error: could not create thread, pthread_create failed (%d)!\n", error);
   return false;
 }
@@ -80,9 +79,7 @@ bool CThread::Event(void* object) {
   {
     const CMutexGuard guard(Mutex);
     if (Type == kIntervalDriven) {
-      // Down stays down: Stop waits for it.
-      if (RunState != kThreadDown) RunState = kThreadFault;
-      Errors |= kIllegalEvent;
+      Fault(kIllegalEvent);
       return false;
     }
   }
@@ -174,8 +171,8 @@ void CThread::RunKernel() {
   {
     const CMutexGuard guard(Mutex);
     Running = true;
-    RunState = kThreadWaiting;
     ThreadId = pthread_self();
+    EnterWaiting();
   }
   while (true) {
     const ThreadType_t type = GetType();
@@ -208,9 +205,15 @@ bool CThread::KernelPass() {
 bool CThread::EndPass(bool good) {
   const CMutexGuard guard(Mutex);
   Current = nullptr;
-  RunState = good ? kThreadWaiting : kThreadShutting;
+  if (good)
+    EnterWaiting();
+  else
+    RunState = kThreadShutting;
   return good;
 }
+
+// The mutex is held.
+void CThread::EnterWaiting() { RunState = kThreadWaiting; }
 
 // Every wake-up is followed by a pass, also one that came while a pass was running.
 bool CThread::HasWakeUp() {
@@ -224,10 +227,11 @@ void CThread::WakeUp() {
   Wake.SetWith([this] { ++WakeUps; });
 }
 
+// The mutex is held, or there is no thread yet. A thread that has ended
+// stays down, or Stop would wait for it for ever.
 void CThread::Fault(ThreadError error) {
-  const CMutexGuard guard(Mutex);
-  RunState = kThreadFault;
   Errors |= error;
+  if (error != kIllegalEvent || RunState != kThreadDown) RunState = kThreadFault;
 }
 
 bool CThread::IsRunning() {

@@ -23,6 +23,18 @@ enum ThreadType_t : int {
   kIntervalDriven = 1,
 };
 
+// The run state:
+//
+//                Start                     a pass begins
+//   kThreadDown ───────► kThreadWaiting ─────────────────► kThreadBusy
+//        ▲                      ▲                               │
+//        │ the thread ends      └──────── the pass is good ─────┤
+//        │                                                      ▼ it is not, or Stop
+//        └───────────────────────────────────────────── kThreadShutting
+//
+// The states are entered in RunKernel, EnterWaiting, KernelPass and EndPass. Fault enters
+// kThreadFault, where a part of the thread cannot be made, and at an Event that an
+// interval-driven thread does not take.
 enum RunState_t : int {
   kThreadBusy = 0,      // inside a pass
   kThreadWaiting = 1,   // between passes
@@ -90,6 +102,7 @@ class CThread {
   void RunKernel();
   bool KernelPass();
   bool EndPass(bool good);
+  void EnterWaiting();
   bool HasWakeUp();
   bool IsAlive();
   bool Lives() const;
