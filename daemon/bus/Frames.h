@@ -17,7 +17,7 @@ inline constexpr int kQueueCount = 17;
 // Blocks that a card record holds and reports.
 inline constexpr int kBlockCount = 16;
 
-// The length byte says no more than that.
+// The most that the length byte can say.
 inline constexpr std::size_t kMaxPayload = 255;
 
 // First payload byte, host to adapter.
@@ -30,8 +30,8 @@ inline constexpr unsigned char kFrameRequest = 0x50;        // address, operatio
 inline constexpr std::array<unsigned char, 3> kHardwareCheckPayload{kFrameHardwareCheck, 0x6F,
                                                                     0x9A};
 
-// First payload byte, adapter to host. One that stands neither here nor below is a plain
-// acknowledgement.
+// First payload byte, adapter to host. A reply with any other first byte is a plain
+// acknowledgement, unless it is one of the refusals below.
 inline constexpr unsigned char kReplyDiscovery = '1';  // a type code for each address
 inline constexpr unsigned char kReplyPoll = '!';       // address, a byte for each block
 inline constexpr unsigned char kReplyQuery = 'Q';      // address, further bytes
@@ -44,8 +44,8 @@ inline constexpr unsigned char kRefusalN = 'N';
 inline constexpr unsigned char kRefusalB = 'B';
 inline constexpr unsigned char kRefusalC = 'C';
 
-// Begins the daemon's own "TME", which stands for a reply that did not come in time: an
-// adapter whose reply begins so loses the link.
+// First byte of "TME", the daemon's own word for a reply that did not come in time. An
+// adapter that begins a reply with it makes the daemon close the link.
 inline constexpr unsigned char kTimeoutMark = 'T';
 
 // Where the parts of a poll or query reply stand.

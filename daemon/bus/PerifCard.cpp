@@ -13,11 +13,11 @@ struct CardKind {
   const char* name;
   int io_kind;
   int block_count;
-  int preset_blocks;     // so many blocks start ...
-  unsigned char preset;  // ... with this value
+  int preset_blocks;  // how many blocks start with the value below
+  unsigned char preset;
 };
 
-// The first row serves every code that is in none of the others; its own is not looked at.
+// The first row stands for every code that is in no other row; its own code is not used.
 constexpr auto kKinds = std::to_array<CardKind>({
     {kEmptyType, "UNIDENTIFIED", kNoCard, 0, 0, 0},
     {kEmptyType, "EMPTY", kNoCard, 0, 0, 0},
@@ -77,7 +77,7 @@ bool PERIFCARD::setCardData(unsigned char type, unsigned char address) {
   return &kind != &kUnidentified;
 }
 
-// A frame holds 85 polls of the card; it grows no further.
+// A frame has room for 85 polls of the card; further ones are left out.
 void PERIFCARD::AppendPoll(unsigned char address, int blocks) {
   const QList poll = MakeQList({kFramePoll, address, static_cast<unsigned char>(blocks)});
   const CMutexGuard guard(PollLock);
@@ -117,7 +117,7 @@ bool PERIFCARD::CompareBlocks(std::span<const unsigned char> blocks) {
   return changed;
 }
 
-// The reply that completes an average belongs to none: it is dropped.
+// The reply after the last sample makes the average be taken, and is itself dropped.
 bool PERIFCARD::AverageChannels(std::span<const unsigned char> blocks) {
   bool changed = false;
   const bool is_complete = SampleCount >= LoadShared(SamplesPerAverage);

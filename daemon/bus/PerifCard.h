@@ -27,17 +27,18 @@ class PERIFCARD {
   // Back to the empty state. Address and SampleCount stay as they are.
   void clearPerifCard();
 
-  // Takes on the kind that discovery reported; false for an unknown code. Never
-  // clears: a card that is found again is polled once more in the same frame.
+  // Sets the record to the kind that discovery reported; false for an unknown code. It
+  // does not clear the record first: a card that is discovered a second time is polled
+  // twice in each frame from then on.
   bool setCardData(unsigned char type, unsigned char address);
 
   // Takes the blocks of a poll reply and marks those that changed; true if any did.
-  // What a short reply does not hold is 0 for an analogue card and left alone for the
-  // others. Serial thread.
+  // Blocks that a short reply lacks count as 0 on an analogue card and stay as they are
+  // on the others. Serial thread.
   bool TakeInput(std::span<const unsigned char> blocks);
 
-  // Files the first 16 bytes of a reply, absent ones as 0, and the marker byte last:
-  // whoever sees the marker sees the reply. Serial thread.
+  // Files the first 16 bytes of a reply, absent ones as 0. The marker byte is written
+  // last: a thread that sees the marker sees the whole reply. Serial thread.
   void FileQueryReply(std::span<const unsigned char> reply);
   // Master loop, before a request.
   void ClearQueryReply();
@@ -50,7 +51,7 @@ class PERIFCARD {
 
   int IoKind = kNoCard;                               // kOutputCard, kInputCard or kNoCard
   int BlockCount = 0;                                 // data blocks the card has, 0..21
-  unsigned char Address = 0;                          // 0..15
+  unsigned char Address = 0;                          // 0..15; not read by the daemon
   unsigned char CardType = kEmptyType;                // as discovery reported it
   std::array<char, 40> CardName{};                    // display name of CardType, zero-terminated
   std::array<unsigned char, 20> BlockData{};          // last value written or read, by block

@@ -1,4 +1,4 @@
-// What the first byte of a card's reply says of it. A pure function.
+// Sorts the replies of the bus by their first byte. A pure function.
 #pragma once
 
 #include "runtime/ByteList.h"

@@ -34,7 +34,8 @@ constexpr int kReadsPerLook = 64;  // between two looks at the clock
 
 constexpr std::size_t kReadSize = 255;
 
-// Polls that wait while the link is down would be worth nothing once it is up.
+// While the link is down, polls pile up on the queues; more than this would be of no use
+// once it is up.
 constexpr std::size_t kMaxWaitingPolls = 64;
 
 // What the calling thread has had of the processor. On a busy machine the time on the
@@ -92,7 +93,7 @@ class SERIAL_INTERFACE::Reply {
 };
 
 SERIAL_INTERFACE::~SERIAL_INTERFACE() {
-  Stop();  // no round may run on queues that are gone
+  Stop();  // before the queues that a round uses are deleted
   for (QEQUEUE* queue : CardQueues) delete queue;
   Fd.Close();
 }
@@ -137,7 +138,7 @@ void SERIAL_INTERFACE::DiscardStaleInput() {
   [[maybe_unused]] const ssize_t count = read(Fd.Number(), stale.data(), stale.size());
 }
 
-// One write; what does not fit the length byte is cut.
+// Sends the frame in one write. Bytes beyond what a length byte can count are cut off.
 void SERIAL_INTERFACE::SendFrame(const QList& frame) {
   std::array<unsigned char, 1 + kMaxPayload> buffer{};
   const std::size_t length = std::min(frame.size(), kMaxPayload);
@@ -165,8 +166,7 @@ bool SERIAL_INTERFACE::AwaitReply(int budget) {
   return AwaitingReply == 0 && attempts < budget;
 }
 
-// A reply that is longer than the buffer is read to its end and kept up to the
-// buffer's.
+// A reply longer than the buffer is read to its end; what does not fit is dropped.
 void SERIAL_INTERFACE::StoreReceived(const unsigned char* bytes, std::size_t count) {
   const auto at = std::min(static_cast<std::size_t>(RxCount), RxBuffer.size());
   std::copy_n(bytes, std::min(count, RxBuffer.size() - at), RxBuffer.begin() + at);
@@ -174,7 +174,7 @@ void SERIAL_INTERFACE::StoreReceived(const unsigned char* bytes, std::size_t cou
   if (RxCount > RxBuffer[0]) AwaitingReply = 0;
 }
 
-// One frame of each queue a round: no card can starve the others.
+// Sends one frame of each queue a round, so that no card can starve the others.
 void SERIAL_INTERFACE::ServeQueues() {
   for (QEQUEUE* queue : CardQueues) {
     if (queue->IsEmpty()) continue;
@@ -205,7 +205,7 @@ void SERIAL_INTERFACE::HandleDiscovery(const Reply& reply) {
                                static_cast<unsigned char>(address));
 }
 
-// What the card's last poll left marked as changed is reported again.
+// Blocks that the card's last poll marked as changed are reported again.
 void SERIAL_INTERFACE::HandleQuery(const Reply& reply) {
   Cards[reply.Address()].FileQueryReply(reply.From(0));
   WriteInputReports(reply.Address());

@@ -2,8 +2,8 @@
 //
 // It finds and opens the adapter, sends the frames that wait for the cards, one of
 // each queue a round, and turns the replies into card table entries, input reports
-// and answers to card requests. QELM owns it. What the others want sent they put on
-// CardQueues; nobody else touches the device.
+// and answers to card requests. QELM owns it. Other threads put what is to be sent on
+// CardQueues; none of them touches the device.
 #pragma once
 
 #include <array>
@@ -34,7 +34,7 @@ enum LinkState_t : int {
 };
 
 enum DeviceMode_t : int {
-  kNamedDevice = 1,    // DeviceName and no other
+  kNamedDevice = 1,    // DeviceName and no other; unused, see docs/design/contract.md
   kSearchDevices = 2,  // whichever ttyUSB device has the adapter
 };
 
@@ -54,14 +54,14 @@ class SERIAL_INTERFACE final : public CThread {
   bool SetSerialParams();
   // True when the bus adapter answered on the open device.
   bool HardwareCheck(const std::string& device);
-  // One exchange: the payload of the reply, "TME" without one in time, "LCE" for an
-  // empty frame, which is not sent.
+  // One exchange. Returns the payload of the reply, "TME" if none came in time, or "LCE"
+  // for an empty frame, which is not sent.
   QList Comm2HW(QList frame);
 
   // Serial thread only, once it runs.
   LOGGER Logger;
   std::string DeviceName;       // path of the device in use
-  SHARED_FD Fd;                 // the device; the master loop withdraws it at the end
+  SHARED_FD Fd;                 // the device; the master loop withdraws it at a signal
   int LinkState = kLinkClosed;  // LinkState_t
   int DeviceMode = kSearchDevices;
   QEQUEUE* OutQueue = nullptr;                // reports; owned by QELM

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kOpenFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_SYNC | O_CLOEXEC;
 
-// Some converters want the settings this way too; the others refuse it.
+// Some converters need the settings by this request as well; the others refuse it.
 constexpr unsigned long kSetAttributes = 0x403C7414;
 
 termios RawLine() {
@@ -37,8 +37,8 @@ termios RawLine() {
 }  // namespace
 
 std::list<std::string> SERIAL_INTERFACE::GetUSBDevices() {
-  // Room for ttyUSB0 to ttyUSB99 and the line feed; a longer name comes in two pieces,
-  // and neither is its path.
+  // Room for ttyUSB0 to ttyUSB99 and the line feed. A longer name is read in two pieces,
+  // neither of which is a device: docs/design/contract.md.
   std::array<char, 10> name{};
   std::list<std::string> devices;
   FILE* pipe = popen("ls /dev | grep ttyUSB", "re");
@@ -104,7 +104,7 @@ bool SERIAL_INTERFACE::SearchDevices() {
   return false;
 }
 
-// The two ways to come here word their failure differently, by a blank.
+// `failure` differs by a blank between the two modes: docs/design/contract.md.
 bool SERIAL_INTERFACE::OpenDevice(const std::string& failure) {
   Fd.Close();
   Fd.Adopt(open(DeviceName.c_str(), kOpenFlags));

@@ -9,7 +9,7 @@
 class QELM;
 
 enum class Match {
-  kNothing,    // never: an old word that is still compared
+  kNothing,    // never fires; see docs/design/contract.md
   kWholeLine,  // the line is the word and the separator, nothing else
   kContains,   // word and separator occur, in any place and order
   kWord,       // the word occurs; a separator is not needed

@@ -1,8 +1,8 @@
 // The parameters of a line of the administration interface. Pure functions.
 //
-// Each text is what stands at a place relative to the first ":" or "=" of the line;
-// what is not there is empty. The digits are upper-case hexadecimal, everything else
-// reads as 0.
+// Each text is found by its place before or behind the first ":" or "=" of the line, and
+// is empty where the line has nothing there. Digits are upper-case hexadecimal; any other
+// character reads as 0.
 #pragma once
 
 #include <string>

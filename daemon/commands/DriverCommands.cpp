@@ -124,21 +124,21 @@ void ShowCards(QELM& qelm, const std::string& /*line*/) { ShowTable(qelm, "DISCO
 void DiscoverCards(QELM& qelm, const std::string& /*line*/) {
   const unsigned char was_polling = LoadShared(qelm.SerialInterface->EnablePoll);
   SetGlobalPolling(qelm, 0);
-  sleepsec(1);  // a poll under way can finish
+  sleepsec(1);  // lets a poll under way finish
   for (int address = 0; address < kCardCount; ++address) qelm.Cards[address].clearPerifCard();
   qelm.SerialInterface->CardQueues[kDriverQueue]->ToQueue(MakeQList({kFrameDiscovery}));
-  sleepsec(1);  // the serial thread fills the table
+  sleepsec(1);  // lets the serial thread fill the table
   ShowTable(qelm, "FORCED DISCOVER LIST:");
   SetGlobalPolling(qelm, was_polling);
 }
 
 void CloseSession(QELM& qelm, const std::string& /*line*/) {
   qelm.ReplyOnCae("QELM: Bye Bye...");
-  sleepsec(1);  // the farewell is written meanwhile
+  sleepsec(1);  // lets the interface write the farewell
   qelm.CaeInterface->CloseByCommand();
 }
 
-// Goes the way of an input change: to the IO client, and to the monitor.
+// The report takes the way of an input change, by SerialQueue to the IO client and MON.
 void ReportInput(QELM& qelm, const std::string& line) {
   const unsigned address = Digit(AddressText(line));
   const unsigned block = Digit(ValueText(line, 1));

@@ -1,5 +1,5 @@
 // The administration commands that act on the daemon and on the bus as a whole.
-// Each gets the line it was found in and replies on CAE. Main thread.
+// Each gets the whole line of the client and replies on CAE. Main thread.
 #pragma once
 
 #include <string>

@@ -31,6 +31,6 @@ void QELM::ParseCaeLine(const std::string& line) {
     matched = true;
     command.run(*this, line);
   }
-  // Clients take the unknown-command line and its prompt as one message.
+  // After an unknown command, clients expect the error and the prompt in one message.
   ReplyOnCae(matched ? ">" : "CIE: UNKNOWN COMMAND " + cae.OutSeparator + ">");
 }

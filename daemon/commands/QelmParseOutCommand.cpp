@@ -65,8 +65,8 @@ constexpr auto kBlockCards = std::to_array<BlockCard>({
 });
 static_assert(kBlockCards.size() == 3);
 
-// Every block of the card goes out each time. A card that takes no blocks gets an
-// empty payload, which the serial thread passes over.
+// All blocks of the card, whichever changed. For a card that takes no blocks the payload
+// is empty, and the serial thread drops it unsent.
 QList BlockPayload(const PERIFCARD& card, unsigned char address) {
   for (const BlockCard& row : kBlockCards) {
     if (LoadShared(card.CardType) != row.type) continue;
@@ -145,7 +145,7 @@ struct IoCommand {
   char kind;
   char data_mark;  // 0: any
   std::string_view contains;
-  bool (*run)(QELM& qelm, std::string_view command);  // false: illegal after all
+  bool (*run)(QELM& qelm, std::string_view command);  // false: the command is illegal
 };
 
 // clang-format off
@@ -176,7 +176,7 @@ void ServeCommand(QELM& qelm, const std::string& command) {
     if (RunCommand(qelm, command)) return;
     qelm.ReplyOnCae("COE:Illegal command -> " + command);
   } catch (int value) {
-    // A safety net under the conversions: a message must not end the loop.
+    // Nothing here throws a number: docs/design/contract.md.
     std::printf("Caught an exception -- value is: %d\nka>%s<\n", value, command.c_str());
     qelm.ReplyOnCae("COE:Parser exception -> " + command);
   }

@@ -17,7 +17,7 @@ constexpr const char* kUnreadable = "Unable to load config, or unable to parse X
 constexpr int kLowestPort = 1025;
 constexpr std::size_t kMaxInterfaces = 4;
 
-// Entries keep what an earlier list of interfaces left in them.
+// A second list of interfaces starts from what the first one left in these.
 using Entries = std::array<INTERFACE_DESCRIPTOR, kMaxInterfaces>;
 
 // One attribute of one kind of element: where its value goes.
@@ -61,12 +61,12 @@ std::string ReplaceAll(std::string text, std::string_view from, char to) {
   return text;
 }
 
-// Writing CR and LF into an attribute is easier as \r and \n.
+// The file writes CR and LF as \r and \n.
 std::string DecodeSeparator(const char* value) {
   return ReplaceAll(ReplaceAll(value, "\\r", '\r'), "\\n", '\n');
 }
 
-// False where the port is not one a program without privileges may listen on.
+// False for a port that only a privileged program may listen on.
 bool ReadEntry(const pugi::xml_node& node, INTERFACE_DESCRIPTOR& entry) {
   for (const pugi::xml_attribute& attribute : node.attributes()) {
     const std::string_view name = attribute.name();

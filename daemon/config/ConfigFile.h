@@ -3,6 +3,6 @@
 
 #include "config/Descriptors.h"
 
-// Never fails by exception: Status tells. What was read before an error is kept; of
-// a file that cannot be read or parsed, syslog gets one message as well.
+// Does not throw: Status names the first error, and what was read before it is kept. A
+// file that cannot be read or parsed is also reported to syslog, in one message.
 CONFIG_DESCRIPTOR ReadConfigFile(const char* path);

@@ -31,7 +31,7 @@ struct CONFIG_DESCRIPTOR {
   INTERFACE_DESCRIPTOR IoDescriptor;
   INTERFACE_DESCRIPTOR CaeDescriptor;
   INTERFACE_DESCRIPTOR MonDescriptor;
-  INTERFACE_DESCRIPTOR SpareDescriptor;  // never filled
+  INTERFACE_DESCRIPTOR SpareDescriptor;  // never filled: docs/design/contract.md
   std::string LogFile;
   int LogLevel = 0;
   std::string Status = "NONE";      // "NONE", or the first error found

@@ -1,4 +1,4 @@
-// The master loop, where the clients and the card bus meet.
+// The master loop: moves messages between the clients and the card bus.
 #include <csignal>
 
 #include "bus/SerialInterface.h"
@@ -34,7 +34,7 @@ void QELM::MasterThread() {
   }
 }
 
-// True when the process is to end. The cell keeps the signal.
+// True when the process is to end. The cell is not reset.
 bool QELM::ServeSignal() {
   const int signal = LoadShared(*SignalFlag);
   if (signal == kNoSignal) return false;
@@ -47,7 +47,7 @@ bool QELM::ServeSignal() {
   return true;
 }
 
-// The monitor hears of a report only while somebody works on the IO interface.
+// The monitor gets a report only while a client is connected on IO.
 void QELM::ForwardReport() {
   if (SerialQueue->IsEmpty()) return;
   QList report = SerialQueue->DeQueue();
@@ -63,7 +63,7 @@ void QELM::ServeIoMessage() {
   if (Convert_QList2String(message) == "EXIT" + Config.IoDescriptor.InpSeparator) {
     IoInterface->OutQueue->ToQueue(
         Convert_String2QList("QELM: Bye Bye..." + Config.IoDescriptor.OutSeparator));
-    sleepsec(1);  // the farewell is written meanwhile
+    sleepsec(1);  // lets the interface write the farewell
     IoInterface->CloseByCommand();
     return;
   }
@@ -71,7 +71,7 @@ void QELM::ServeIoMessage() {
   if (HasClient(*MonInterface)) MonInterface->OutQueue->ToQueue(message);
 }
 
-// Nothing typed on the monitor is ever acted upon.
+// What a client types on MON has no effect.
 void QELM::DiscardMonInput() {
   while (!MonQueue->IsEmpty()) MonQueue->DeQueue();
 }

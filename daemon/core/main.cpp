@@ -1,5 +1,5 @@
-// Start-up of the daemon. The process always ends through exit(): its threads run
-// until then, so nothing they use is torn down.
+// Start-up of the daemon. The process always ends through exit(), which destroys nothing
+// that the running threads still use.
 #include <unistd.h>
 
 #include <csignal>

@@ -20,7 +20,7 @@ QELM::QELM(const LOGGER& logger, int* signalFlag)
   for (int i = 0; i < kCardRecords; ++i) Cards[i].clearPerifCard();
 }
 
-// The queues go before the threads that use them, so the threads are halted first.
+// The queues are deleted before the threads that use them, so the threads are halted first.
 QELM::~QELM() {
   for (SOCKET_INTERFACE* interface : {CaeInterface, IoInterface, MonInterface})
     if (interface != nullptr) interface->Halt();
@@ -63,7 +63,7 @@ void QELM::InitInterfaces() {
   StoreShared(SerialInterface->ThreadDelay, Config.ThreadDelay);
 }
 
-// A port that cannot be opened has been logged; the others are built all the same.
+// Init logs a port that cannot be opened; the daemon goes on without it.
 SOCKET_INTERFACE* QELM::OpenInterface(const INTERFACE_DESCRIPTOR& descriptor, QEQUEUE* in_queue) {
   auto* interface = new SOCKET_INTERFACE(descriptor, Logger, in_queue, kTextData);
   interface->Init();

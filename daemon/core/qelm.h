@@ -60,7 +60,7 @@ class QELM {
   SERIAL_INTERFACE* SerialInterface = nullptr;
   int* SignalFlag;   // the process-wide cell; not owned
   PERIFCARD* Cards;  // kCardRecords of them, shared with the serial thread
-  char* WorkBuffer;  // 16 bytes, used by nothing
+  char* WorkBuffer;  // 16 bytes, unused: docs/design/contract.md
 
   // The last ON (0xFF) or OFF (0x00) of the LCD boot options, main thread only.
   unsigned char SelfTestState = 0;

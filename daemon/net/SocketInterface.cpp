@@ -33,8 +33,8 @@ constexpr auto kGreetings = std::to_array<Greeting>({
 });
 static_assert(kGreetings.size() == 3);
 
-// Reports leave at once, and a client whose host has vanished is noticed some day:
-// the port serves nobody else meanwhile.
+// TCP_NODELAY sends each report at once. SO_KEEPALIVE finds out that a client's host has
+// vanished: until then the port would serve nobody else.
 void SetClientOptions(int client) {
   const int on = 1;
   setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
@@ -47,7 +47,7 @@ std::string DottedAddress(const sockaddr_in& peer) {
   return text.data();
 }
 
-// The item as it goes over the wire.
+// The bytes that are sent for an item.
 std::string WireBytes(const QList& item, int data_mode) {
   std::string bytes(item.begin(), item.end());
   if (data_mode == kBinaryData)
@@ -96,7 +96,7 @@ bool SOCKET_INTERFACE::Init() {
     LogEvent("ERR", "", " listening error on port " + port);
     return false;
   }
-  // Logged first: as soon as the state is seen, the thread logs that it waits.
+  // Log before the state changes, or the thread logs first that it waits for a client.
   LogEvent("INF", "", " listening on port " + port);
   EnterListening();
   return true;
@@ -117,7 +117,7 @@ bool SOCKET_INTERFACE::OnTask() {
   if (PublishIf<int>(Descriptor.State, kListening, kAccepting)) AcceptClient();
   if (Observe(Descriptor.State) == kConnected) ServeClient();
   if (Observe(Descriptor.State) == kClosed) Reopen();
-  if (Descriptor.Name == "DMI") {
+  if (Descriptor.Name == "DMI") {  // no interface has this name: docs/design/contract.md
     LogEvent("INF", "On task ");
     while (IsRunning()) Sleep(5000);
   }
@@ -141,9 +141,9 @@ void SOCKET_INTERFACE::AcceptClient() {
   if (Observe(Descriptor.State) == kAccepting) Welcome(peer);
 }
 
-// The greeting is queued before the state lets the master loop queue anything.
+// Queue the greeting before the state changes, or the master loop may queue a line first.
 void SOCKET_INTERFACE::Welcome(const sockaddr_in& peer) {
-  // The port is printed as it stands in the address, its bytes in network order.
+  // The port number is printed with its bytes swapped: docs/design/contract.md.
   LogEvent("INF", "client is connected on ",
            " from " + DottedAddress(peer) + ":" + ITOA(peer.sin_port));
   for (const Greeting& greeting : kGreetings)
@@ -165,7 +165,7 @@ void SOCKET_INTERFACE::Receive() {
   }
   if ((client.revents & (POLLIN | POLLHUP | POLLERR)) == 0) return;
 
-  // Zeros behind the data end a text, and stand for what a binary count promises.
+  // The zeros behind the data end a text, and fill up a binary item that came short.
   std::array<char, kReadSize + 1> buffer{};
   if (read(client.fd, buffer.data(), kReadSize) <= 0) {
     LoseClient();
@@ -175,8 +175,8 @@ void SOCKET_INTERFACE::Receive() {
                                            : Convert_CharBuff2QList(buffer.data()));
 }
 
-// Also in the pass in which the client has gone: the item taken then is lost. After a
-// close by command the items wait for the next client.
+// In the pass that finds the client gone, one more item is taken and lost. After a close
+// by command none is: they wait for the next client.
 void SOCKET_INTERFACE::Transmit() {
   if (OutQueue->IsEmpty() || ClientSocket.IsWithdrawn()) return;
   const std::string bytes = WireBytes(OutQueue->DeQueue(), DataMode);
@@ -185,7 +185,7 @@ void SOCKET_INTERFACE::Transmit() {
 }
 
 void SOCKET_INTERFACE::LoseClient() {
-  if (Observe(Descriptor.State) != kConnected) return;  // closed by command meanwhile
+  if (Observe(Descriptor.State) != kConnected) return;  // CloseByCommand was faster
   LogEvent("INF", "connection is closed by client on ");
   ClientSocket.Close();
   ListenSocket.Close();
@@ -222,7 +222,7 @@ void SOCKET_INTERFACE::Halt() {
   Stop();
 }
 
-// Every event names the interface in the middle.
+// The name of the interface stands in the middle of every text.
 void SOCKET_INTERFACE::LogEvent(const std::string& tag, const std::string& before,
                                 const std::string& after) {
   Logger.LOG(tag, before + Descriptor.Name + " interface" + after, 1);

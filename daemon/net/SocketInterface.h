@@ -1,9 +1,8 @@
 // SOCKET_INTERFACE, one TCP port with a worker thread of its own.
 //
 // QELM owns three: CAE, IO and MON. Each serves one client at a time. What a client
-// sends goes to InQueue as it was read, what the master loop puts on OutQueue is
-// written to the client, one item a pass. The meaning of the bytes is the master
-// loop's business.
+// sends goes to InQueue as it was read; what the master loop puts on OutQueue is
+// written to the client, one item a pass. This class does not interpret the bytes.
 #pragma once
 
 #include <string>
@@ -37,7 +36,7 @@ enum SessionState_t : int {
 };
 
 enum DataMode_t : int {
-  kBinaryData = 1,  // items with a length byte in front
+  kBinaryData = 1,  // items with a length byte in front; unused, docs/design/contract.md
   kTextData = 2,    // items end at a zero byte and go out with a carriage return behind
 };
 
@@ -55,14 +54,15 @@ class SOCKET_INTERFACE final : public CThread {
   // One pass of the session; always true. The interface's own thread.
   bool OnTask() override;
 
-  // Ends the session, whatever it is at; the port opens again shortly. Master loop.
+  // Ends the session, in whatever state it is; the port opens again about four seconds
+  // later. Master loop.
   void CloseByCommand();
 
   // Logs a caught signal. Master loop.
   void mf_SIGhandler(int signal);
 
-  // Ends the thread, also one that waits for a client. Whoever owns what its passes
-  // use calls this before releasing it; the destructor does too.
+  // Ends the thread, even while it waits for a client. To be called before anything that
+  // the thread uses is released; the destructor calls it too.
   void Halt();
 
   INTERFACE_DESCRIPTOR Descriptor;  // State and ThreadDelay are shared, the rest is constant

@@ -1,5 +1,4 @@
-// A bare condition: whoever waits is woken by a Set, and a Set that finds nobody
-// waiting leaves no trace.
+// A bare condition: a Set wakes a waiting thread, and has no effect if none waits.
 //
 // Owned by the CThread that waits on it. One thread waits, any thread sets.
 #pragma once
@@ -28,9 +27,9 @@ class CEventClass {
   // Waits for a Set. Returns true with the event's mutex held, until Reset.
   bool Wait();
 
-  // As Wait, but looks for a reason first and after every wake-up, under the
-  // event's mutex: what happened before the wait is not lost, and a wake-up
-  // without a reason goes on waiting.
+  // As Wait, but checks for a reason before it waits and after every wake-up, under the
+  // event's mutex. So a Set that came before the wait is not lost, and a wake-up without
+  // a reason goes on waiting.
   template <class Reason>
   bool WaitFor(Reason reason) {
     pthread_mutex_lock(&Mutex);
@@ -46,5 +45,5 @@ class CEventClass {
  private:
   pthread_cond_t Condition;
   pthread_mutex_t Mutex;
-  bool Created = true;  // whatever the initialisation said
+  bool Created = true;  // always: docs/design/contract.md
 };

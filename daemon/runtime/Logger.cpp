@@ -17,7 +17,7 @@ void LOGGER::LOG(const std::string& tag, const std::string& text, int level) {
   const CMutexGuard guard(Mutex);
   FILE* file = std::fopen(LogFile.c_str(), "ae");
   if (file == nullptr) return;
-  // A filtered event leaves its file open.
+  // An event below the level leaves its file open: docs/design/contract.md.
   if (level < LogLevel) return;  // NOLINT(clang-analyzer-unix.Stream)
 
   tm local{};

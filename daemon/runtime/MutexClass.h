@@ -1,7 +1,7 @@
 // A POSIX mutex that knows its owner.
 //
-// Whoever holds data guards it with one of these, through a CMutexGuard. Any
-// thread may call every method.
+// A class guards its data with one of these, through a CMutexGuard. Any thread may call
+// every method.
 #pragma once
 
 #include <pthread.h>
@@ -26,8 +26,9 @@ class CMutexClass {
 
  private:
   pthread_mutex_t Mutex;
-  std::atomic<pthread_t> Owner = 0;  // 0 when free; only its own thread ever finds itself here
-  bool Created = true;               // whatever the initialisation said
+  std::atomic<pthread_t> Owner =
+      0;                // 0 when free; a thread can find its own id here only if it holds the mutex
+  bool Created = true;  // always: docs/design/contract.md
 };
 
 // Holds a CMutexClass for the length of a scope.

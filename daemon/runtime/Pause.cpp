@@ -13,10 +13,10 @@
 
 namespace {
 
-// The shell could not run its command. Killed, or gone where SIGCHLD is ignored, it had
-// begun.
+// True when the shell could not run its command. A shell that was killed had begun to, and
+// so had one whose end cannot be read because SIGCHLD is ignored.
 bool HasFailed(int wait_status) {
-  constexpr int kKilled = 128;  // the shell tells the end of its child so, and above
+  constexpr int kKilled = 128;  // the shell exits with this or more when a signal ends its child
   if (wait_status == -1 || !WIFEXITED(wait_status)) return false;
   return WEXITSTATUS(wait_status) > 0 && WEXITSTATUS(wait_status) < kKilled;
 }
@@ -41,9 +41,9 @@ void sleepsec(int seconds) {
       std::snprintf(command.data(), command.size(), "sleep %s", ITOA(seconds).c_str());
   if (length >= static_cast<int>(command.size())) EndAtLimit("sleep command over 99 characters");
 
-  // Close-on-exec: the children of other threads must not hold this pipe.
+  // "e": a child that another thread forks meanwhile must not keep this pipe open.
   FILE* pipe = popen(command.data(), "re");
   if (pipe != nullptr && !HasFailed(pclose(pipe))) return;
-  // Without a shell the pause must hold all the same, or every retry becomes a busy loop.
+  // Without a shell, pause all the same: otherwise every retry becomes a busy loop.
   if (seconds > 0) sleep(static_cast<unsigned int>(seconds));
 }

@@ -9,7 +9,7 @@ void QEQUEUE::ToQueue(QList item) {
 
 QList QEQUEUE::DeQueue() {
   QList result;
-  if (IsEmpty()) return result;  // the only consumer asks: nobody empties it meanwhile
+  if (IsEmpty()) return result;  // only this thread takes items, so none vanishes meanwhile
   const CMutexGuard guard(Lock);
   result = std::move(Items.front());
   Items.pop_front();

@@ -2,8 +2,7 @@
 // in, first out, each message copied in and out.
 //
 // Created by the start-up code or by the interface it serves. Any thread may fill a
-// queue; each queue has exactly one thread that takes from it, and that thread
-// learns of a message only by looking.
+// queue; exactly one thread takes from it, and has to look whether there is a message.
 #pragma once
 
 #include <cstddef>

@@ -1,9 +1,9 @@
 // Access to the plain fields that two threads share without a lock.
 //
-// The records stay plain, so that they can be copied and laid out as they are;
-// what makes the access atomic is how it is written. Relaxed access serves flags,
-// delays and data bytes that stand alone. A field that announces other fields
-// (a session's State, the first byte of QueryReply) is published and observed.
+// The fields stay plain, so that the records can be copied; these functions make each
+// access atomic. Flags, delays and data bytes that stand alone are loaded and stored. A
+// field that announces others (a session's State, the first byte of QueryReply) is
+// published and observed.
 #pragma once
 
 #include <atomic>
@@ -36,7 +36,7 @@ void Publish(T& field, T value) {
   SharedRef(field).store(value, std::memory_order_release);
 }
 
-// Publishes `to` only where `from` still stands; false leaves the field alone.
+// Publishes `to` if the field still holds `from`; otherwise changes nothing and returns false.
 template <class T>
 bool PublishIf(T& field, T from, T to) {
   return SharedRef(field).compare_exchange_strong(from, to, std::memory_order_acq_rel);

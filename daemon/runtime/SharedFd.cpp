@@ -15,10 +15,10 @@ void SHARED_FD::Adopt(int fd) {
 void SHARED_FD::Close() {
   const int fd = Release();
   if (fd < 0) return;
-  // A child of another thread holds the number until it begins its program; a port must be
-  // free before that.
+  // A child that another thread has just forked holds a copy until its exec. The shutdown
+  // reaches the copy too, so that the port is free at once.
   shutdown(fd, SHUT_RDWR);
-  close(fd);  // without the mutex: a device may take its time over it
+  close(fd);  // without the mutex: closing a device may take long
 }
 
 bool SHARED_FD::IsWithdrawn() {
@@ -30,9 +30,9 @@ void SHARED_FD::Withdraw() {
   const CMutexGuard guard(Mutex);
   if (Fd < 0 || Withdrawn) return;
   Withdrawn = true;
-  shutdown(Fd, SHUT_RDWR);  // a blocked call holds the socket open; this ends the call
+  shutdown(Fd, SHUT_RDWR);  // ends a blocked call, which would keep the socket open
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
-  if (nothing < 0) return;  // no descriptor left: shut down is all it can be
+  if (nothing < 0) return;  // no descriptor left: the shutdown has to do
   dup3(nothing, Fd, O_CLOEXEC);
   close(nothing);
 }

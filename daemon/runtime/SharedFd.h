@@ -1,9 +1,9 @@
 // SHARED_FD, a descriptor that one thread uses and another may take away.
 //
-// When one thread closes a number under another, the number can be somebody else's
-// file a moment later. So only the owner thread ever frees the number: whoever
-// withdraws it closes what is behind it, which the other side sees at once, and
-// leaves /dev/null there until the owner comes by and closes.
+// If one thread closed a number that another still uses, the system could give that
+// number to a new file. So only the owner thread frees it. Withdraw closes the file or
+// the connection behind the number at once and puts /dev/null there, until the owner
+// calls Close.
 #pragma once
 
 #include "runtime/MutexClass.h"
@@ -16,16 +16,16 @@ class SHARED_FD {
 
   // Owner thread only.
   void Adopt(int fd);                // takes over an open descriptor, or -1
-  void Close();                      // frees the number; nothing happens where there is none
+  void Close();                      // frees the number, if there is one
   int Number() const { return Fd; }  // -1 when closed
   bool IsOpen() const { return Fd >= 0; }
-  bool IsWithdrawn();  // somebody took away what Number stood for
+  bool IsWithdrawn();  // another thread has called Withdraw since Adopt
 
   // Any other thread. Wakes an owner that is blocked in accept or write.
   void Withdraw();
 
  private:
-  int Release();  // from here on nobody else knows the number
+  int Release();  // takes the number out, so that Withdraw no longer finds it
 
   CMutexClass Mutex;  // guards the two below against Withdraw
   int Fd = -1;        // written by the owner only

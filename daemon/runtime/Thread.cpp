@@ -34,7 +34,7 @@ bool CThread::OnTask(void* object) {
 }
 
 bool CThread::OnTask() {
-  std::printf("\nthread is alive\n");
+  std::printf("\nthread is alive\n");  // no thread of the daemon: docs/design/contract.md
   return true;
 }
 
@@ -60,7 +60,7 @@ bool CThread::Start() {
 }
 
 void CThread::EndAfterPass() {
-  // A thread that was created but has not begun would set Running again.
+  // Wait until the thread has begun: only then does it set Running, and would undo this.
   while (!HasBegun()) Sleep(GetIdle());
   const CMutexGuard guard(Mutex);
   Running = false;
@@ -69,7 +69,8 @@ void CThread::EndAfterPass() {
 void CThread::Stop() {
   EndAfterPass();
   if (!IsAlive()) return;
-  // A thread whose pass has failed is on its way out and keeps the event's mutex.
+  // A thread whose pass has failed ends by itself and keeps the event's mutex: an Event
+  // would wait for it for ever.
   const int state = ThreadState();
   if (state != kThreadShutting && state != kThreadDown) Event(static_cast<void*>(nullptr));
   while (IsAlive()) Sleep(GetIdle());
@@ -93,7 +94,7 @@ bool CThread::Event(CTask* task) {
     const CMutexGuard guard(Mutex);
     task->SetThreadId(ThreadId);
   }
-  // Queued before the thread can see the task, which may run it at once.
+  // Set the status before the thread can see the task: it may run it at once.
   const TaskStatus_t before = task->GetStatus();
   task->SetStatus(kTaskQueued);
   if (Event(static_cast<void*>(task))) return true;
@@ -144,7 +145,7 @@ void CThread::SetThreadType(ThreadType_t type, long idle) {
   WakeUp();
 }
 
-void CThread::SetPriority(long /*priority*/) {}
+void CThread::SetPriority(long /*priority*/) {}  // does nothing: docs/design/contract.md
 
 bool CThread::PingThread(long timeout) {
   long elapsed = 0;
@@ -178,7 +179,7 @@ void CThread::RunKernel() {
     const ThreadType_t type = GetType();
     if (type == kEventDriven) Wake.WaitFor([this] { return HasWakeUp(); });
     const bool good = KernelPass();
-    // A pass that failed keeps the event's mutex; one that Stop ended must not.
+    // A pass that failed keeps the event's mutex; one that Stop ended releases it.
     if (type == kEventDriven && (good || !IsRunning())) Wake.Reset();
     if (!good) break;
     if (GetType() == kIntervalDriven) Sleep(GetIdle());
@@ -222,7 +223,7 @@ bool CThread::HasWakeUp() {
   return true;
 }
 
-// Never called with the thread's mutex held: a pass takes it under the event's.
+// Not to be called with the thread's mutex held: a pass takes it while it holds the event's.
 void CThread::WakeUp() {
   Wake.SetWith([this] { ++WakeUps; });
 }

@@ -123,7 +123,7 @@ class CThread {
   int RunState = kThreadDown;
   long Idle = 100;  // pause between passes, in units of 100 nanoseconds
   ThreadType_t Type = kEventDriven;
-  std::size_t StackSize = 0;  // 0: the system's default
+  std::size_t StackSize = 0;  // 0, the system's default: docs/design/contract.md
   unsigned Errors = 0;        // ThreadError bits
   CMutexClass Mutex;          // guards all of the above but Wake
   // Guarded by the event's mutex.

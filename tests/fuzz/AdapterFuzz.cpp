@@ -1,6 +1,6 @@
 // What comes back from the bus adapter, as frames or as noise, whole or in pieces, in
-// time or late. The input is a list of steps, and of answers that the frames of the
-// steps take one after the other:
+// time or late. The input is a list of steps and answers: each frame that a step sends
+// takes the next answer.
 //
 //   step, address        what is put on which queue, then a round
 //   manner, n, n bytes   one answer; as noise without its length byte
@@ -19,7 +19,7 @@
 
 namespace {
 
-// The halves of an answer's manner: how long it takes, how it is cut.
+// The manner of an answer: by its upper half how late it is, by its lower how it is cut.
 constexpr int kJustInTime = 13;
 constexpr int kTooLate = 14;
 constexpr int kNoise = 15;
@@ -83,7 +83,7 @@ class AdapterRun {
     }
   }
 
-  // One answer of the input, and what it must make of the reply.
+  // The next answer of the input, and the reply that the daemon must make of it.
   Wire::Answer Serve(const std::string& frame) {
     Require(frame.size() >= 2 && frame.size() == 1U + static_cast<unsigned char>(frame[0]),
             "a frame miscounts");
@@ -104,7 +104,7 @@ class AdapterRun {
     return answer;
   }
 
-  // Waiting up to the budget takes longer than all the rest: once in a run is enough.
+  // A wait to the end of the budget takes longer than everything else: one in a run will do.
   long EmptyReads(int manner) {
     if (manner < kJustInTime) return manner;
     if (WasLate) return 0;
@@ -112,7 +112,7 @@ class AdapterRun {
     return manner == kJustInTime ? Budget - 2 : manner == kTooLate ? Budget - 1 : Budget;
   }
 
-  // An acknowledgement where the input has no more.
+  // An acknowledgement once the input is used up.
   std::string NextAnswer(bool is_noise) {
     if (Input.empty()) return "\1A";
     const std::size_t size = std::min<std::size_t>(Next(), Input.size());
@@ -122,8 +122,8 @@ class AdapterRun {
     return bytes;
   }
 
-  // The reply is the pieces up to the length that the first byte tells, if the last of
-  // them comes before the last read of the budget.
+  // The reply has as many bytes as its first byte says, if the last of them comes before
+  // the last read of the budget.
   std::string ExpectReply(const Wire::Answer& answer) {
     std::deque<std::string> line = Bus.Link.Waiting();
     line.insert(line.end(), answer.pieces.begin(), answer.pieces.end());
@@ -175,7 +175,7 @@ class AdapterRun {
   std::deque<unsigned char> Input;
   Site Bus;
   CardModel Model;
-  std::string Reply;  // that the frame under way must get
+  std::string Reply;  // expected for the frame under way
   long Budget = 0;
   int Timeouts = 0;
   bool WasLate = false;

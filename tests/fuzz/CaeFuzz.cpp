@@ -16,8 +16,7 @@ namespace {
 
 constexpr std::array<const char*, 4> kSeparators{"\r\n", ";", "", "\r"};
 
-// Commands with a long answer, and of how many entries: the lines of the text, three
-// input cards. All others have one or two.
+// Commands with a long answer, and how many entries it has. All others have one or two.
 struct LongAnswer {
   std::string_view word;
   std::size_t entries;

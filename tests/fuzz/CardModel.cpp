@@ -37,7 +37,6 @@ void CardModel::Take(const std::string& reply) {
   }
   if (reply[0] == '!') {
     Poll(card, reply.substr(2));
-    // Nothing new, nothing marked: nothing to report.
     Report(address);
   }
 }

@@ -1,4 +1,4 @@
-// What the card table must hold after a reply, told a second time and independently.
+// What the card table must hold after a reply, worked out independently of the daemon.
 #pragma once
 
 #include <array>
@@ -13,10 +13,10 @@ class CardModel {
   void Take(const std::string& reply);
   void Clear();  // before a new discovery
 
-  // The input reports that the replies so far call for; they are forgotten.
+  // The input reports due since the last call.
   std::vector<std::string> TakeReports();
 
-  // The table agrees in every field that a reply can change.
+  // Fails unless the table agrees in every field that a reply can change.
   void Compare(const PERIFCARD* cards) const;
 
  private:

@@ -60,7 +60,7 @@ void CheckPosition(const std::string& frame, const std::string& piece) {
   Require(static_cast<unsigned char>(frame[5]) == ByteAt(piece, 8), "a text has another row");
 }
 
-// One piece alone: a frame for its card and no other, or the words that it is illegal.
+// One command alone gives a frame for its card and no other, or the error on CAE.
 void CheckPiece(Site& site, const std::string& piece) {
   const int address = HexCharToByte(At(piece, 1));
   const QList list(piece.begin(), piece.end());
@@ -94,7 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   bool must_end = false;
   for (const std::string& piece : pieces) must_end |= EndsProcess(piece);
 
-  // Whole, and again piece by piece.
+  // First the whole message, then piece by piece.
   Site whole([](const std::string&) { return Wire::Answer{}; });
   whole.Qelm.Config.IoDescriptor.InpSeparator = separator;
   bool ended = false;

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Built once: each comes with a thread, which is ended or waits for ever.
+// Built once for all runs, since each has a thread. It is ended, or waits for ever.
 SOCKET_INTERFACE* BuildInterface() {
   auto* interface = new SOCKET_INTERFACE({}, LOGGER(), nullptr, kTextData);
   interface->Halt();

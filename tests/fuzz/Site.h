@@ -1,5 +1,5 @@
-// The daemon between two messages: one card of every kind on the bus, clients on all
-// ports, and no thread that runs. What it queues stays where it was put.
+// The daemon between two messages: one card of every kind on the bus, a client on every
+// port, and no running thread, so that what it queues stays on the queues.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ class Site {
   Site(const Site&) = delete;
   Site& operator=(const Site&) = delete;
 
-  // What the CAE client is to be sent, an entry each.
+  // The entries queued for the CAE client; they are taken off.
   std::vector<std::string> CaeReplies() const;
   std::vector<std::string> FramesFor(int address) const;
 
@@ -34,5 +34,5 @@ inline constexpr unsigned char kSiteCards[16] = {
     kSilentType, 0x42,       kServo, kInfrared,     kEmptyType, kEmptyType,
     kEmptyType,  kEmptyType, kLcd,   kAnalogueInput};
 
-// What one read of a client's message leaves of these bytes.
+// What the daemon gets of these bytes: one read, up to the first zero byte.
 std::string AsRead(const std::string& bytes);

@@ -1,5 +1,5 @@
-// These names are the daemon's own and the C library's. The linker takes the first
-// definition it meets, and this file stands ahead of both.
+// The daemon and the C library define these functions too. The linker takes the first
+// definition it meets, and this file comes before theirs.
 #include "StandIns.h"
 
 #include <syslog.h>
@@ -20,7 +20,7 @@ void DuringPauses(std::function<void()> action) { pause_action = std::move(actio
 
 void EndAtLimit(const char* limit) { throw ProcessEnd{limit}; }
 
-// Also waits for a thread that is to end: it must get the processor.
+// The code under test also waits with it for a thread to end, which needs the processor.
 void Sleep(unsigned int /*units*/) { usleep(10); }
 
 void SleepMicroseconds(int /*microseconds*/) {}

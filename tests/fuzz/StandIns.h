@@ -1,5 +1,5 @@
-// What the code under test meets here instead of the system: no pause lasts, and an
-// end of the process at a fixed limit is an exception that the target can expect.
+// Replaces parts of the system for the code under test: no pause lasts, and where the
+// process would end at a fixed limit, the target gets an exception.
 #pragma once
 
 #include <functional>
@@ -8,5 +8,5 @@ struct ProcessEnd {
   const char* limit;
 };
 
-// Runs wherever the code under test waits whole seconds; null for nothing.
+// Runs the action wherever the code under test waits whole seconds; null for none.
 void DuringPauses(std::function<void()> action);

@@ -33,7 +33,7 @@ ssize_t __wrap_write(int fd, const void* buffer, size_t size) {
 
 int __wrap_close(int fd) { return fd == Wire::kDescriptor ? 0 : __real_close(fd); }
 
-// Nobody else wants the processor.
+// There is no other thread to yield to.
 int __wrap_sched_yield() { return 0; }
 }
 
@@ -55,7 +55,7 @@ std::size_t Wire::Read(char* buffer, std::size_t size) {
   return count;
 }
 
-// What an earlier answer left on the line comes before this one.
+// What is left of an earlier answer is read before this one.
 void Wire::Write(const std::string& bytes) {
   Answer answer = OnFrame(bytes);
   std::move(answer.pieces.begin(), answer.pieces.end(), std::back_inserter(Line.pieces));

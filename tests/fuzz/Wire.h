@@ -1,6 +1,6 @@
-// The bus adapter's end of the serial link, by wrapped reads and writes of one
-// descriptor number: no device, no second thread, and a wait of 150,000 empty reads
-// takes a millisecond.
+// The bus adapter's end of the serial link, made of wrapped reads and writes of one
+// descriptor number. It needs no device and no second thread, and a wait of 150,000
+// empty reads takes a millisecond.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 class Wire {
  public:
-  // What comes back for a frame: so many reads find nothing, then one piece a read.
+  // What comes back for a frame: first the empty reads, then one piece a read.
   struct Answer {
     long empty_reads = 0;
     std::deque<std::string> pieces{};
