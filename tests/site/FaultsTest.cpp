@@ -40,7 +40,7 @@ bool AtRealPace() { return std::getenv("REAL_PACE") != nullptr; }
 
 LaunchOptions Pace() {
   if (!AtRealPace()) return {};
-  return {.quick = false, .environment = {{"LD_PRELOAD", ""}}};
+  return {.quick = false};
 }
 
 class Faults : public SiteTest, public testing::WithParamInterface<Fault> {

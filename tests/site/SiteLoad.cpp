@@ -30,7 +30,7 @@ void SiteLoad::StartLoad(const std::vector<std::string>& options) {
   WriteConfig({.percent = "100", .poll = "TRUE"});
   StartBus(all);
   StartDaemonOnBus(static_cast<std::size_t>(std::count(all.begin(), all.end(), "--card")),
-                   {.quick = false, .environment = {{"LD_PRELOAD", ""}}});
+                   {.quick = false});
   io = Connect(kIo);
   reader_ = std::jthread([this] { ReadReports(); });
 }

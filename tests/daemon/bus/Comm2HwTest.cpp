@@ -109,20 +109,20 @@ TEST_F(Comm2Hw, WaitsTwiceAsLongForACheckAndForADiscovery) {
 }
 
 TEST_F(Comm2Hw, OffersTheProcessorEarlyAndSeldom) {
-  const GiveWayRecord record(Bus);
-  Bus.ExpectFrame(kFrame);
-  Serial.Comm2HW(kFrame);
-  EXPECT_EQ(record.YieldReads, (std::vector<long>{16, 64, 256, 1024}));
+  const GiveWayRecord record(bus);
+  bus.ExpectFrame(kFrame);
+  serial.Comm2HW(kFrame);
+  EXPECT_EQ(record.yield_reads, (std::vector<long>{16, 64, 256, 1024}));
 }
 
 TEST_F(Comm2Hw, SleepsAsLongAsItReadsAMillisecondAtATime) {
-  const GiveWayRecord record(Bus);
-  Bus.ExpectFrame(kFrame);
+  const GiveWayRecord record(bus);
+  bus.ExpectFrame(kFrame);
   const double begin = ProcessorMicroseconds();
-  Serial.Comm2HW(kFrame);
+  serial.Comm2HW(kFrame);
   const double read_for = ProcessorMicroseconds() - begin;
 
-  const auto& sleeps = record.Microseconds;
+  const auto& sleeps = record.microseconds;
   const double slept = std::accumulate(sleeps.begin(), sleeps.end(), 0.0);
   EXPECT_GT(slept, 0.9 * read_for);
   EXPECT_LE(slept, read_for);
@@ -131,11 +131,11 @@ TEST_F(Comm2Hw, SleepsAsLongAsItReadsAMillisecondAtATime) {
 }
 
 TEST_F(Comm2Hw, APromptReplyCostsNeitherAnOfferNorASleep) {
-  const GiveWayRecord record(Bus);
-  Bus.ExpectFrame(kFrame).Reply(TextBytes("OK")).AtRead(16);
-  EXPECT_EQ(Text(Serial.Comm2HW(kFrame)), "OK");
-  EXPECT_EQ(record.YieldReads, std::vector<long>());
-  EXPECT_EQ(record.Microseconds, std::vector<unsigned>());
+  const GiveWayRecord record(bus);
+  bus.ExpectFrame(kFrame).Reply(List("OK")).AtRead(16);
+  EXPECT_EQ(Text(serial.Comm2HW(kFrame)), "OK");
+  EXPECT_EQ(record.yield_reads, std::vector<long>());
+  EXPECT_EQ(record.microseconds, std::vector<unsigned>());
 }
 
 TEST_F(Comm2Hw, TheReadBeforeTheLastStillBringsAReply) {

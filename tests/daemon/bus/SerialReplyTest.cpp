@@ -13,19 +13,19 @@ class SerialReply : public SerialTest {
 
 TEST(ReplyError, SortsRepliesByTheirFirstByte) {
   EXPECT_EQ(GetQListError({}), 5);
-  EXPECT_EQ(GetQListError(TextBytes("TME")), 1);
-  EXPECT_EQ(GetQListError(Bytes({0x54})), 1);
-  EXPECT_EQ(GetQListError(Bytes({0x12})), 2);
-  EXPECT_EQ(GetQListError(TextBytes("#")), 3);
-  EXPECT_EQ(GetQListError(TextBytes("$")), 3);
-  EXPECT_EQ(GetQListError(TextBytes("N")), 4);
-  EXPECT_EQ(GetQListError(TextBytes("B")), 6);
-  EXPECT_EQ(GetQListError(TextBytes("C")), 6);
+  EXPECT_EQ(GetQListError(List("TME")), 1);
+  EXPECT_EQ(GetQListError(List({0x54})), 1);
+  EXPECT_EQ(GetQListError(List({0x12})), 2);
+  EXPECT_EQ(GetQListError(List("#")), 3);
+  EXPECT_EQ(GetQListError(List("$")), 3);
+  EXPECT_EQ(GetQListError(List("N")), 4);
+  EXPECT_EQ(GetQListError(List("B")), 6);
+  EXPECT_EQ(GetQListError(List("C")), 6);
 }
 
 TEST(ReplyError, EveryOtherFirstByteIsAGoodReply) {
   for (const int first : {0x00, 0x11, 0x21, 0x31, 0x41, 0x44, 0x4C, 0x51, 0xD4, 0xFF})
-    EXPECT_EQ(GetQListError(Bytes({first, 'T'})), 0) << first;
+    EXPECT_EQ(GetQListError(List({first, 'T'})), 0) << first;
 }
 
 TEST_F(SerialReply, ADiscoveryReplySetsAllSixteenCards) {

@@ -32,6 +32,6 @@ int __wrap_usleep(useconds_t microseconds) {
 }
 }
 
-GiveWayRecord::GiveWayRecord(const MockBus& bus) : Bus(bus) { active = this; }
+GiveWayRecord::GiveWayRecord(const MockBus& bus) : bus_(bus) { active = this; }
 
 GiveWayRecord::~GiveWayRecord() { active = nullptr; }

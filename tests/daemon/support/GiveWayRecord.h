@@ -14,12 +14,12 @@ class GiveWayRecord {
   GiveWayRecord(const GiveWayRecord&) = delete;
   GiveWayRecord& operator=(const GiveWayRecord&) = delete;
 
-  std::vector<long> YieldReads;        // how many reads came before each yield
-  std::vector<unsigned> Microseconds;  // of each sleep
+  std::vector<long> yield_reads;       // how many reads came before each yield
+  std::vector<unsigned> microseconds;  // of each sleep
 
-  void Yield() { YieldReads.push_back(Bus.Reads()); }
-  void Sleep(unsigned microseconds) { Microseconds.push_back(microseconds); }
+  void Yield() { yield_reads.push_back(bus_.Reads()); }
+  void Sleep(unsigned time) { microseconds.push_back(time); }
 
  private:
-  const MockBus& Bus;
+  const MockBus& bus_;
 };
