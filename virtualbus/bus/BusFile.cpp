@@ -103,7 +103,7 @@ Problem Reader::ReadFields(pugi::xml_node card_element, std::string_view name, C
 Problem Reader::ReadField(pugi::xml_node element, pugi::xml_attribute attribute, const Card& card) {
   const ptrdiff_t here = element.offset_debug();
   const std::string name = attribute.name();
-  const auto group =
+  const auto* const group =
       std::ranges::find(kGroups, std::string_view(element.name()), &GroupName::element);
   const auto field = std::ranges::find_if(card.Fields(), [&](const Card::Field& candidate) {
     return candidate.group == group->group && candidate.name == name;

@@ -98,7 +98,7 @@ void Lcd::Clear() {
 }
 
 std::string Lcd::Row(size_t row) const {
-  const auto first = cells_.begin() + static_cast<long>(row * kColumns);
+  const auto* const first = cells_.begin() + static_cast<long>(row * kColumns);
   return {first, first + kColumns};
 }
 
