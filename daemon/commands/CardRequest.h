@@ -42,9 +42,10 @@ static_assert(kPlaceholders.size() == 8);
 
 // Every {placeholder} of the reply is one of them.
 constexpr bool HasOnlyPlaceholders(std::string_view reply) {
-  for (auto open = reply.find('{'); open != reply.npos; open = reply.find('{', open + 1)) {
+  constexpr auto kNone = std::string_view::npos;
+  for (auto open = reply.find('{'); open != kNone; open = reply.find('{', open + 1)) {
     const std::size_t close = reply.find('}', open);
-    if (close == reply.npos) return false;
+    if (close == kNone) return false;
     const std::string_view name = reply.substr(open + 1, close - open - 1);
     if (std::find(kPlaceholders.begin(), kPlaceholders.end(), name) == kPlaceholders.end())
       return false;
