@@ -70,7 +70,7 @@ long Bus::Frames() {
 Time Bus::AwaitEvent(const std::string& text) {
   while (const auto event = NextEvent(kPatience))
     if (event->text.find(text) != std::string::npos) return event->when;
-  throw std::runtime_error("the bus did not tell of " + text);
+  throw std::runtime_error("the bus printed no line with " + text);
 }
 
 void Bus::ForgetEvents(milliseconds quiet) {

@@ -35,7 +35,7 @@ class Bus {
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;
 
-  // An order, and what it tells.
+  // Sends a control line; returns the answer.
   std::string Order(const std::string& line);
   long Frames();
 

@@ -17,8 +17,8 @@ class Measurer {
  public:
   explicit Measurer(System& system) : system_(system) {}
 
-  // Microseconds, of single commands and of single changes. Each comes at a moment of
-  // chance: whoever works in rounds is met anywhere in them.
+  // Microseconds, of single commands and of single changes. They come at random times, so
+  // that a system that works in rounds is measured at any point of its round.
   std::vector<double> CommandLatencies(int count, microseconds apart);
   std::vector<double> InputLatencies(int count);
 

@@ -27,7 +27,7 @@ std::vector<std::string> Ser2net(const std::string& accepter, const std::string&
                       << "\n  connector: serialdev(nouucplock=true)," << device
                       << ",460800n81,local\n"
                       << options;
-  // It tells on standard error that there is no mdns in a sandbox.
+  // Its standard error says only that a sandbox has no mdns.
   return {"sh", "-c", "exec ser2net -n -c " + file + " 2>/dev/null"};
 }
 

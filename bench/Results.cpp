@@ -34,7 +34,7 @@ std::string Text(double value) {
   return Number(value, std::abs(value) < 100 ? "%.1f" : "%.0f", "-");
 }
 
-// What a system does; what it uses meanwhile is told as it is.
+// What a system does is compared; what it uses meanwhile is only listed.
 bool IsCompared(const Measure& m) { return m.unit == "us" || m.unit == "/s"; }
 
 std::string Json(double value) { return Number(value, "%.3f", "null"); }

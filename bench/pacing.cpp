@@ -18,7 +18,8 @@
 
 namespace {
 
-constexpr int kReadsPerYield = 16;
+// Where the daemon offers the processor while a prompt reply may come.
+bool IsOffer(int reads) { return reads == 16 || reads == 64 || reads == 256 || reads == 1024; }
 
 class Box {
  public:
@@ -85,7 +86,7 @@ void ServeDevice(int device, Boxes& boxes) {
   for (int reads = 1; reply.empty() || reply.size() <= static_cast<unsigned char>(reply[0]);
        ++reads) {
     reply += ReadSome(device);
-    if (reads % kReadsPerYield == 0) sched_yield();
+    if (IsOffer(reads)) sched_yield();
   }
   boxes.to_send.Put(reply);
 }

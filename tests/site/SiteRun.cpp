@@ -18,7 +18,7 @@ class SiteRun : public SiteLoad {
     for (long write = 0; !over || write < writes; ++write) {
       while (write >= writes && !over) std::this_thread::sleep_for(kPause);
       if (write >= writes) return;
-      if (script.Tell("wait frame 10 0A 02 " + ValueOf(write) + " within 9s") != "ok")
+      if (script.Order("wait frame 10 0A 02 " + ValueOf(write) + " within 9s") != "ok")
         ++unseen_writes;
     }
   }
@@ -39,7 +39,7 @@ TEST_F(SiteRun, LosesNothing) {
   StartLoad({"--seed", "1"});
   PrintMemory("start");
   virtualbus::Script script(kControlPath);
-  script.Tell("mark");
+  script.Order("mark");
   Bus("noise 0.1%");
   {
     std::jthread watcher([&] { WatchWrites(script); });

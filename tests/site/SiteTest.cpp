@@ -58,7 +58,7 @@ void SiteTest::StartSite(Place place) {
 }
 
 std::string SiteTest::Bus(const std::string& line, Place place) {
-  std::string answer = script_->Tell(line);
+  std::string answer = script_->Order(line);
   if (!answer.ends_with("ok")) FAIL_AT(place) << line << ": " << answer;
   return answer.substr(0, answer.size() - 2);
 }

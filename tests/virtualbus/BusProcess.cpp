@@ -79,7 +79,7 @@ std::string Script::Answer() {
   }
 }
 
-std::string Script::Tell(const std::string& line) {
+std::string Script::Order(const std::string& line) {
   Send(line + '\n');
   return Answer();
 }

@@ -57,8 +57,8 @@ class Script {
   explicit Script(const std::string& path) : socket_(Stream::ToPath(path)) {}
 
   void Send(const std::string& text) { socket_.Send(text); }
-  std::string Answer();                       // up to and with the "ok" or "error" line
-  std::string Tell(const std::string& line);  // without the last line feed
+  std::string Answer();                        // up to and with the "ok" or "error" line
+  std::string Order(const std::string& line);  // without the last line feed
 
  private:
   Stream socket_;
@@ -69,7 +69,7 @@ class BusTest : public testing::Test {
   // Starts it with a link and a control socket, and waits until both can be used.
   void Start(std::vector<std::string> arguments = {});
   Bytes Ask(const Bytes& payload) const { return host->Ask(payload); }
-  std::string Tell(const std::string& line) { return script->Tell(line); }
+  std::string Order(const std::string& line) { return script->Order(line); }
   void ExpectOutput(const std::string& text) const;  // sooner or later
 
   TempDir folder;

@@ -10,17 +10,17 @@ const std::string kKinds =
 
 TEST_F(Control, SetChangesInputBlocks) {
   Start();
-  EXPECT_EQ(Tell("set 3 0 40"), "ok");
+  EXPECT_EQ(Order("set 3 0 40"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x03, 0x40, 0x00}));
-  EXPECT_EQ(Tell("set F 2 01 02 03"), "ok");
+  EXPECT_EQ(Order("set F 2 01 02 03"), "ok");
   EXPECT_EQ(Ask({0x20, 0x0F, 0x06}), (Bytes{0x21, 0x0F, 0, 0, 1, 2, 3, 0}));
-  EXPECT_EQ(Tell("set 8 0 C5"), "ok");
+  EXPECT_EQ(Order("set 8 0 C5"), "ok");
   EXPECT_EQ(Ask({0x20, 0x08, 0x01}), (Bytes{0x21, 0x08, 0xC5}));
 }
 
 TEST_F(Control, ARampEndsAtItsLastValue) {
   Start();
-  EXPECT_EQ(Tell("ramp F 3 10 FF 50ms"), "ok");
+  EXPECT_EQ(Order("ramp F 3 10 FF 50ms"), "ok");
   Bytes reply;
   uint8_t before = 0x10;
   EXPECT_TRUE(WaitUntil([&] {
@@ -29,39 +29,39 @@ TEST_F(Control, ARampEndsAtItsLastValue) {
     before = reply[5];
     return reply[5] == 0xFF;
   }));
-  EXPECT_EQ(Tell("ramp F 3 FF 00 0ms"), "ok");
+  EXPECT_EQ(Order("ramp F 3 FF 00 0ms"), "ok");
   EXPECT_EQ(Ask({0x20, 0x0F, 0x06})[5], 0x00);
 }
 
 TEST_F(Control, SetEndsARamp) {
   Start();
-  EXPECT_EQ(Tell("ramp F 3 00 FF 24000s"), "ok");
-  EXPECT_EQ(Tell("set F 3 77"), "ok");
-  EXPECT_EQ(Tell("ramp F 4 00 FF 24000s"), "ok");
-  EXPECT_EQ(Tell("ramp F 4 42 42 0s"), "ok");
+  EXPECT_EQ(Order("ramp F 3 00 FF 24000s"), "ok");
+  EXPECT_EQ(Order("set F 3 77"), "ok");
+  EXPECT_EQ(Order("ramp F 4 00 FF 24000s"), "ok");
+  EXPECT_EQ(Order("ramp F 4 42 42 0s"), "ok");
   EXPECT_EQ(Ask({0x20, 0x0F, 0x06}), (Bytes{0x21, 0x0F, 0, 0, 0, 0x77, 0x42, 0}));
 }
 
 TEST_F(Control, PressReleaseAndTurn) {
   Start();
-  EXPECT_EQ(Tell("press 3 06"), "ok");
-  EXPECT_EQ(Tell("press 3 0F"), "ok");
+  EXPECT_EQ(Order("press 3 06"), "ok");
+  EXPECT_EQ(Order("press 3 0F"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x03, 0x40, 0x80}));
-  EXPECT_EQ(Tell("release 3 06"), "ok");
+  EXPECT_EQ(Order("release 3 06"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x03, 0x00, 0x80}));
-  EXPECT_EQ(Tell("release 3"), "ok");
+  EXPECT_EQ(Order("release 3"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x03, 0x00, 0x00}));
-  EXPECT_EQ(Tell("press 8 05"), "ok");
-  EXPECT_EQ(Tell("turn 8 +1"), "ok");
+  EXPECT_EQ(Order("press 8 05"), "ok");
+  EXPECT_EQ(Order("turn 8 +1"), "ok");
   EXPECT_EQ(Ask({0x20, 0x08, 0x01}), (Bytes{0x21, 0x08, 0x45}));
-  EXPECT_EQ(Tell("release 8 05"), "ok");
-  EXPECT_EQ(Tell("turn 8 -1"), "ok");
+  EXPECT_EQ(Order("release 8 05"), "ok");
+  EXPECT_EQ(Order("turn 8 -1"), "ok");
   EXPECT_EQ(Ask({0x20, 0x08, 0x01}), (Bytes{0x21, 0x08, 0x00}));
 }
 
 TEST_F(Control, ShowListsWhatACardHolds) {
   Start();
-  EXPECT_EQ(Tell("show E"),
+  EXPECT_EQ(Order("show E"),
             "card E lcd\n"
             "  Row0 \"SELF TEST OK        \"\n"
             "  Row1 \"                    \"\n"
@@ -73,37 +73,38 @@ TEST_F(Control, ShowListsWhatACardHolds) {
             "  cursor off\n"
             "  blinking off\n"
             "ok");
-  EXPECT_EQ(Tell("show 4"),
+  EXPECT_EQ(Order("show 4"),
             "card 4 motor\n"
             "  Drive 00 00 00 00\n"
             "  SilentRanges 00 00 00\n"
             "  stored SilentRanges 00 00 00\n"
             "  speed 0 0 0\n"
             "ok");
-  EXPECT_EQ(Tell("card 3 pull"), "ok");
-  EXPECT_EQ(Tell("show 3"), "card 3 digital-input (pulled)\n  Lines 00 00\nok");
+  EXPECT_EQ(Order("card 3 pull"), "ok");
+  EXPECT_EQ(Order("show 3"), "card 3 digital-input (pulled)\n  Lines 00 00\nok");
 }
 
 TEST_F(Control, CardsArePulledPluggedAndReplaced) {
   Start({"--card", "5=digital-output"});
   EXPECT_EQ(Ask({0x10, 0x05, 0x02, 0x00, 0x00}), Bytes{0x06});
-  EXPECT_EQ(Tell("card 5 pull"), "ok");
-  EXPECT_EQ(Tell("card 5 plug"), "ok");
-  EXPECT_EQ(Tell("show 5"), "card 5 digital-output\n  Lines FF FF\nok") << "it boots";
-  EXPECT_EQ(Tell("card 1 plug servo"), "ok");
-  EXPECT_EQ(Tell("card 5 pull"), "ok");
-  EXPECT_EQ(Tell("card 5 plug ir"), "ok");
+  EXPECT_EQ(Order("card 5 pull"), "ok");
+  EXPECT_EQ(Order("card 5 plug"), "ok");
+  EXPECT_EQ(Order("show 5"), "card 5 digital-output\n  Lines FF FF\nok") << "it boots";
+  EXPECT_EQ(Order("card 1 plug servo"), "ok");
+  EXPECT_EQ(Order("card 5 pull"), "ok");
+  EXPECT_EQ(Order("card 5 plug ir"), "ok");
   EXPECT_EQ(Ask({0x30}), (Bytes{0x31, 0, 0x05, 0, 0, 0, 0x0A, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(Control, AWaitIsAnsweredByAFrameThatCame) {
   Start();
   EXPECT_EQ(Ask({0x10, 0x05, 0x02, 0xFF, 0xFB}), Bytes{0x06});
-  EXPECT_EQ(Tell("wait frame 10 05 .."), "ok");
-  EXPECT_EQ(Tell("wait frame 10 05 .. within 1ms"), "error: no such frame came") << "it is used up";
+  EXPECT_EQ(Order("wait frame 10 05 .."), "ok");
+  EXPECT_EQ(Order("wait frame 10 05 .. within 1ms"), "error: no such frame came")
+      << "it is used up";
   EXPECT_EQ(Ask({0x10, 0x05, 0x02, 0xFF, 0xFA}), Bytes{0x06});
-  EXPECT_EQ(Tell("mark"), "ok");
-  EXPECT_EQ(Tell("wait frame 10 05 within 1ms"), "error: no such frame came") << "it is forgotten";
+  EXPECT_EQ(Order("mark"), "ok");
+  EXPECT_EQ(Order("wait frame 10 05 within 1ms"), "error: no such frame came") << "it is forgotten";
 }
 
 TEST_F(Control, AWaitIsAnsweredByAFrameYetToCome) {
@@ -120,27 +121,27 @@ TEST_F(Control, ScriptsDoNotDisturbEachOther) {
   Start();
   Script waiting(folder.Path("control"));
   waiting.Send("wait frame 99\n");
-  EXPECT_EQ(Tell("set 3 0 01"), "ok");
+  EXPECT_EQ(Order("set 3 0 01"), "ok");
   {
     Script gone(folder.Path("control"));
     gone.Send("wait frame 99\nset 3 0 FF\n");
   }
   EXPECT_EQ(Ask({0x99}), Bytes{0x4E});
   EXPECT_EQ(waiting.Answer(), "ok");
-  EXPECT_EQ(Tell("mark"), "ok");
+  EXPECT_EQ(Order("mark"), "ok");
 }
 
 TEST_F(Control, StatusCounts) {
   Start();
   Ask({0x30});
   Ask({0x99});
-  EXPECT_EQ(Tell("drop next 1"), "ok");
+  EXPECT_EQ(Order("drop next 1"), "ok");
   host->Send({0x30});
-  EXPECT_EQ(Tell("wait frame 30"), "ok") << "the one that was answered";
-  EXPECT_EQ(Tell("wait frame 30"), "ok") << "the one that was lost";
-  EXPECT_EQ(Tell("split 2"), "ok");
+  EXPECT_EQ(Order("wait frame 30"), "ok") << "the one that was answered";
+  EXPECT_EQ(Order("wait frame 30"), "ok") << "the one that was lost";
+  EXPECT_EQ(Order("split 2"), "ok");
   Ask({0x30});
-  const std::string status = Tell("status");
+  const std::string status = Order("status");
   EXPECT_NE(status.find("\n  cable plugged\n  frames 4\n  replies 3\n  lost 1\n  shaped 1\nok"),
             std::string::npos)
       << status;
@@ -149,30 +150,30 @@ TEST_F(Control, StatusCounts) {
 
 TEST_F(Control, ANoteStandsAmongTheEvents) {
   Start();
-  EXPECT_EQ(Tell("note  the daemon  ended: 3"), "ok");
+  EXPECT_EQ(Order("note  the daemon  ended: 3"), "ok");
   ExpectOutput(" # the daemon ended: 3\n");
-  EXPECT_EQ(Tell("note " + std::string(200, 'x')), "ok");
+  EXPECT_EQ(Order("note " + std::string(200, 'x')), "ok");
   ExpectOutput(" # " + std::string(200, 'x') + "\n");
-  EXPECT_EQ(Tell("note " + std::string(201, 'x')), "error: a note has at most 200 bytes");
+  EXPECT_EQ(Order("note " + std::string(201, 'x')), "error: a note has at most 200 bytes");
 }
 
 TEST_F(Control, HelpHasALineForEveryCommand) {
   Start();
-  const std::string help = Tell("help");
+  const std::string help = Order("help");
   EXPECT_EQ(std::count(help.begin(), help.end(), '\n'), 24);
   EXPECT_TRUE(help.starts_with("  set ADDR BLOCK BYTE... ")) << help;
 }
 
 TEST_F(Control, QuitEndsTheProgram) {
   Start();
-  EXPECT_EQ(Tell("quit"), "ok");
+  EXPECT_EQ(Order("quit"), "ok");
   EXPECT_EQ(bus->WaitForExit(), 0);
 }
 
 TEST_F(Control, BlankLinesAreOkAndBlanksDoNotMatter) {
   Start();
-  EXPECT_EQ(Tell(""), "ok");
-  EXPECT_EQ(Tell("   set   3  0   40\r"), "ok");
+  EXPECT_EQ(Order(""), "ok");
+  EXPECT_EQ(Order("   set   3  0   40\r"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x03, 0x40, 0x00}));
 }
 
@@ -181,12 +182,12 @@ TEST_F(Control, ALineWithoutEndIsGivenUp) {
   Script endless(folder.Path("control"));
   endless.Send(std::string(5000, 'x'));
   EXPECT_EQ(endless.Answer(), "error: the line is too long");
-  EXPECT_EQ(Tell("mark"), "ok");
+  EXPECT_EQ(Order("mark"), "ok");
 }
 
 TEST_F(Control, EveryLineThatMakesNoSenseSaysWhy) {
   Start();
-  EXPECT_EQ(Tell("card 4 pull"), "ok");
+  EXPECT_EQ(Order("card 4 pull"), "ok");
   const std::pair<const char*, std::string> lines[] = {
       {"dance", "unknown command \"dance\" (try help)"},
       {"SET 3 0 40", "unknown command \"SET 3 0 40\" (try help)"},
@@ -241,9 +242,9 @@ TEST_F(Control, EveryLineThatMakesNoSenseSaysWhy) {
       {"noise 5", "\"5\" is no chance (0% to 100%)"},
       {"faults", "unknown command \"faults\" (try help)"},
   };
-  for (const auto& [line, why] : lines) EXPECT_EQ(Tell(line), "error: " + why) << line;
-  EXPECT_EQ(Tell("cable pull"), "ok");
-  EXPECT_EQ(Tell("cable pull"), "error: the cable is pulled");
+  for (const auto& [line, why] : lines) EXPECT_EQ(Order(line), "error: " + why) << line;
+  EXPECT_EQ(Order("cable pull"), "ok");
+  EXPECT_EQ(Order("cable pull"), "error: the cable is pulled");
 }
 
 }  // namespace

@@ -27,11 +27,11 @@ TEST_F(PrintedEvents, ShowFramesWithTheirMeaning) {
   Ask({0x40, 0x6F, 0x9A});
   Ask({0x30});
   Ask({0x10, 0x05, 0x02, 0xFF, 0xFB});
-  Tell("press 3 06");
+  Order("press 3 06");
   Ask({0x50, 0x05, 0x01, 0xAB});
-  Tell("card 5 pull");
+  Order("card 5 pull");
   Ask({0x10, 0x05, 0x02, 0xFF, 0xFB});
-  Tell("cable pull");
+  Order("cable pull");
   EXPECT_TRUE(WaitUntil([&] { return Lines().ends_with("# cable pulled\n"); })) << Lines();
   const std::string lines = Lines();
   EXPECT_EQ(lines.substr(lines.find("> 40")),
@@ -53,7 +53,7 @@ TEST_F(PrintedEvents, ShowFramesWithTheirMeaning) {
 TEST_F(PrintedEvents, ShowAPollOnlyWhenItsAnswerIsNew) {
   Start({"--card", "3=digital-input"});
   for (int i = 0; i < 5; ++i) Ask({0x20, 0x03, 0x02});
-  Tell("set 3 1 01");
+  Order("set 3 1 01");
   for (int i = 0; i < 5; ++i) Ask({0x20, 0x03, 0x02});
   Ask({0x99});
   EXPECT_TRUE(WaitUntil([&] { return Lines().ends_with("refused\n"); })) << Lines();
@@ -70,9 +70,9 @@ TEST_F(PrintedEvents, ShowAPollOnlyWhenItsAnswerIsNew) {
 
 TEST_F(PrintedEvents, SayWhatAFaultDid) {
   Start({"--card", "3=digital-input", "--plain"});
-  Tell("drop next 1");
+  Order("drop next 1");
   host->Send({0x20, 0x03, 0x02});
-  Tell("wrong-address");
+  Order("wrong-address");
   Ask({0x20, 0x03, 0x02});
   ExpectOutput("# frame lost: dropped\n");
   ExpectOutput("< 21 03 00 00  # wrong address");

@@ -20,54 +20,54 @@ class LineFaults : public BusTest {
 
 TEST_F(LineFaults, DroppedFramesAreNeitherAnsweredNorDone) {
   Plug();
-  EXPECT_EQ(Tell("drop next 2"), "ok");
+  EXPECT_EQ(Order("drop next 2"), "ok");
   Write();
   Poll();
   ExpectNothingWaiting();
-  EXPECT_EQ(Tell("show 5"), "card 5 digital-output\n  Lines FF FF\nok");
+  EXPECT_EQ(Order("show 5"), "card 5 digital-output\n  Lines FF FF\nok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), kPollReply);
 }
 
 TEST_F(LineFaults, AMutedLineHearsNothingForAWhile) {
   Plug();
-  EXPECT_EQ(Tell("mute 24000s"), "ok");
+  EXPECT_EQ(Order("mute 24000s"), "ok");
   Write();
-  EXPECT_EQ(Tell("wait frame 10"), "ok");
-  EXPECT_EQ(Tell("mute 0ms"), "ok");
+  EXPECT_EQ(Order("wait frame 10"), "ok");
+  EXPECT_EQ(Order("mute 0ms"), "ok");
   ExpectNothingWaiting();
-  EXPECT_EQ(Tell("mute 30ms"), "ok");
+  EXPECT_EQ(Order("mute 30ms"), "ok");
   EXPECT_TRUE(WaitUntil([this] {
     Poll();
-    return Tell("status").find("replies 1\n") == std::string::npos;
+    return Order("status").find("replies 1\n") == std::string::npos;
   }));
   EXPECT_EQ(host->ReceiveReply(), kPollReply);
 }
 
 TEST_F(LineFaults, LateRepliesComeWholeAfterTheirDelay) {
   Plug();
-  EXPECT_EQ(Tell("late 60ms"), "ok");
+  EXPECT_EQ(Order("late 60ms"), "ok");
   const auto began = std::chrono::steady_clock::now();
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), kPollReply);
   EXPECT_GE(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(60));
   Poll();
-  EXPECT_EQ(Tell("late 0ms"), "ok");
+  EXPECT_EQ(Order("late 0ms"), "ok");
   EXPECT_EQ(Ask({0x99}), kPollReply) << "a later reply does not overtake";
   EXPECT_EQ(host->ReceiveReply(), Bytes{0x4E});
 }
 
 TEST_F(LineFaults, SplitRepliesComeInPieces) {
   Plug();
-  EXPECT_EQ(Tell("split 3"), "ok");
+  EXPECT_EQ(Order("split 3"), "ok");
   const auto began = std::chrono::steady_clock::now();
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), kPollReply);
   EXPECT_GE(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(4)) << "two gaps";
-  EXPECT_EQ(Tell("split 255"), "ok");
+  EXPECT_EQ(Order("split 255"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), kPollReply);
 }
 
 TEST_F(LineFaults, AWrongLengthIsOneTooHigh) {
   Plug();
-  EXPECT_EQ(Tell("wrong-length"), "ok");
+  EXPECT_EQ(Order("wrong-length"), "ok");
   Poll();
   EXPECT_EQ(host->Receive(5), (Bytes{0x05, 0x21, 0x03, 0x00, 0x00}));
   Poll();
@@ -76,7 +76,7 @@ TEST_F(LineFaults, AWrongLengthIsOneTooHigh) {
 
 TEST_F(LineFaults, AWrongAddressIsTheNextOne) {
   Plug();
-  EXPECT_EQ(Tell("wrong-address 2"), "ok");
+  EXPECT_EQ(Order("wrong-address 2"), "ok");
   EXPECT_EQ(Ask({0x30}).size(), 17U) << "has none, so it waits for a reply that does";
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), (Bytes{0x21, 0x04, 0x00, 0x00}));
   EXPECT_EQ(Ask({0x50, 0x05, 0x01, 0xAB}), (Bytes{0x51, 0x06, 0xAB, 0x00}));
@@ -87,11 +87,11 @@ TEST_F(LineFaults, GarbageComesAtOnceAndTheSameForASeed) {
   Bytes first;
   for (int run = 0; run < 2; ++run) {
     Start({"--seed", "7"});
-    EXPECT_EQ(Tell("garbage 20"), "ok");
+    EXPECT_EQ(Order("garbage 20"), "ok");
     const Bytes garbage = host->Receive(20);
     if (run == 0) first = garbage;
     EXPECT_EQ(garbage, first);
-    EXPECT_EQ(Tell("quit"), "ok");
+    EXPECT_EQ(Order("quit"), "ok");
     bus->WaitForExit();
   }
 }
@@ -100,9 +100,9 @@ TEST_F(LineFaults, OffEndsThemAll) {
   Plug();
   for (const char* line : {"mute 100s", "drop next 9", "late 9s", "split 3", "wrong-length 9",
                            "wrong-address 9", "noise 100%"}) {
-    EXPECT_EQ(Tell(line), "ok") << line;
+    EXPECT_EQ(Order(line), "ok") << line;
   }
-  EXPECT_EQ(Tell("faults off"), "ok");
+  EXPECT_EQ(Order("faults off"), "ok");
   EXPECT_EQ(Ask({0x20, 0x03, 0x02}), kPollReply);
 }
 

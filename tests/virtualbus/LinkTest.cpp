@@ -73,22 +73,22 @@ TEST_F(Link, ThatSomeoneReplacedIsNotRemoved) {
 
 TEST_F(Link, APulledCableTakesItAwayAndSilencesTheLine) {
   Start({"--card", "3=digital-input"});
-  EXPECT_EQ(Tell("cable pull"), "ok");
+  EXPECT_EQ(Order("cable pull"), "ok");
   EXPECT_FALSE(Exists("ttyUSB0"));
   host->Send({0x20, 0x03, 0x02});
-  EXPECT_EQ(Tell("cable plug"), "ok");
+  EXPECT_EQ(Order("cable plug"), "ok");
   EXPECT_TRUE(Exists("ttyUSB0"));
   EXPECT_EQ(Ask({0x99}), Bytes{0x4E}) << "the poll of the silent time was not answered";
 }
 
 TEST_F(Link, ACableIsNotPluggedOverAnothersLink) {
   Start();
-  EXPECT_EQ(Tell("cable pull"), "ok");
+  EXPECT_EQ(Order("cable pull"), "ok");
   const std::string path = folder.Write("ttyUSB0", "mine");
-  EXPECT_EQ(Tell("cable plug"), "error: " + path + " exists and is not ours");
+  EXPECT_EQ(Order("cable plug"), "error: " + path + " exists and is not ours");
   EXPECT_EQ(ReadFile(path), "mine");
   std::filesystem::remove(path);
-  EXPECT_EQ(Tell("cable plug"), "ok");
+  EXPECT_EQ(Order("cable plug"), "ok");
 }
 
 TEST_F(Link, TheControlSocketIsForItsOwnerOnly) {
@@ -102,7 +102,7 @@ TEST_F(Link, AControlSocketInUseIsLeftAlone) {
   Start();
   const std::string path = folder.Path("control");
   EXPECT_EQ(Refusal({"--control", path}), "qelm-bus: " + path + " exists and is not ours\n");
-  EXPECT_EQ(Tell("mark"), "ok");
+  EXPECT_EQ(Order("mark"), "ok");
 }
 
 TEST_F(Link, AControlSocketPathHasALongestLength) {

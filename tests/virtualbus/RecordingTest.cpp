@@ -54,7 +54,7 @@ TEST_F(Replay, GivesBackWhatWasRecorded) {
   std::vector<Bytes> replies;
   for (const Bytes& question : questions) {
     replies.push_back(Ask(question));
-    Tell("set 3 0 " + std::to_string(10 + replies.size()));
+    Order("set 3 0 " + std::to_string(10 + replies.size()));
   }
   bus.reset();
 
@@ -67,10 +67,10 @@ TEST_F(Replay, ARecordingIsALinePerFrameWithItsTime) {
   const std::string file = folder.Path("recording");
   Start({"--record", file, "--card", "3=digital-input"});
   Ask({0x20, 0x03, 0x02});
-  Tell("drop next 1");
+  Order("drop next 1");
   host->Send({0x30});
-  Tell("wait frame 30");
-  Tell("quit");
+  Order("wait frame 30");
+  Order("quit");
   bus->WaitForExit();
   std::istringstream recording(ReadFile(file));
   std::string lines;
