@@ -1,0 +1,49 @@
+// The dialogue on the daemon's console port (CAE): lines in, whole answers out.
+//
+//   greeting ──> ready ──Ask()──> asked ──lines, ">"──> ready
+//
+// Every answer ends with a prompt. A "COE:" line says that a command of the IO port was illegal;
+// it brings a prompt of its own, at any moment, and belongs to no answer. Lines of an earlier
+// client may come before the greeting: they are nobody's.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace hub::protocol {
+
+using Lines = std::vector<std::string>;
+
+class Console {
+ public:
+  struct Sinks {
+    std::function<void()> ready;                       // greeted, the first prompt has come
+    std::function<void(Lines answer)> answer;          // without the prompt
+    std::function<void(std::string command)> illegal;  // an IO command that was refused
+    std::function<void(std::string line)> unexpected;  // nobody has asked for this
+  };
+
+  explicit Console(Sinks sinks) : sinks_(std::move(sinks)) {}
+
+  // One line that was received, without its end.
+  void Take(std::string line);
+
+  // A line was sent. Only one at a time: IsReady() before.
+  void Ask() { state_ = State::kAsked; }
+
+  bool IsReady() const { return state_ == State::kReady; }
+
+ private:
+  enum class State { kUngreeted, kGreeted, kReady, kAsked };
+
+  void TakePrompt();
+
+  Sinks sinks_;
+  State state_ = State::kUngreeted;
+  bool prompt_of_illegal_ = false;  // the next prompt is that of a "COE:" line
+  Lines answer_;
+};
+
+}  // namespace hub::protocol

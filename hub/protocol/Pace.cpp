@@ -1,0 +1,33 @@
+#include "protocol/Pace.h"
+
+#include <algorithm>
+
+namespace hub::protocol {
+
+namespace {
+
+constexpr int kSlowest = 1;
+constexpr int kFastest = 100;
+constexpr Microseconds kLongestPause{5000};
+constexpr Microseconds kShortestPause{1};
+
+// The system's own share of a pause, as measured on the boards: a sleep of 1 us lasts so long.
+constexpr Microseconds kWakeUp{70};
+
+// An exchange of a few bytes at 460800 baud, and the adapter's own time.
+constexpr Microseconds kExchange{300};
+
+}  // namespace
+
+Microseconds RoundPause(int percent) {
+  const int within = std::clamp(percent, kSlowest, kFastest);
+  return kLongestPause -
+         (kLongestPause - kShortestPause) * (within - kSlowest) / (kFastest - kSlowest);
+}
+
+Microseconds RoundTime(int percent, size_t frames_a_round) {
+  return RoundPause(percent) + kWakeUp +
+         kExchange * static_cast<long>(std::max<size_t>(frames_a_round, 1));
+}
+
+}  // namespace hub::protocol

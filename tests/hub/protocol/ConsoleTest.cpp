@@ -1,0 +1,90 @@
+#include "protocol/Console.h"
+
+#include <gtest/gtest.h>
+
+namespace hub::protocol {
+namespace {
+
+class ConsoleTest : public testing::Test {
+ protected:
+  void Take(const Lines& lines) {
+    for (const std::string& line : lines) console.Take(line);
+  }
+
+  void Greet() { Take({"QELM CAE interface is ready", "(Type HELP for help)", ">"}); }
+
+  int ready = 0;
+  std::vector<Lines> answers;
+  Lines illegal;
+  Lines unexpected;
+  Console console{{
+      .ready = [this] { ++ready; },
+      .answer = [this](Lines answer) { answers.push_back(std::move(answer)); },
+      .illegal = [this](std::string command) { illegal.push_back(std::move(command)); },
+      .unexpected = [this](std::string line) { unexpected.push_back(std::move(line)); },
+  }};
+};
+
+TEST_F(ConsoleTest, IsReadyAtTheFirstPromptBehindTheGreeting) {
+  Take({"QELM CAE interface is ready", "(Type HELP for help)"});
+  EXPECT_FALSE(console.IsReady());
+  Take({">"});
+  EXPECT_TRUE(console.IsReady());
+  EXPECT_EQ(ready, 1);
+}
+
+TEST_F(ConsoleTest, AnAnswerEndsWithThePrompt) {
+  Greet();
+  console.Ask();
+  EXPECT_FALSE(console.IsReady());
+  Take({"CIA: DRIVER VERSION 1.20", ">"});
+  EXPECT_EQ(answers, (std::vector<Lines>{{"CIA: DRIVER VERSION 1.20"}}));
+  EXPECT_TRUE(console.IsReady());
+}
+
+TEST_F(ConsoleTest, AnIllegalCommandBringsAPromptThatIsNotTheAnswers) {
+  Greet();
+  console.Ask();
+  Take({"COE:Illegal command -> a5x1", ">", "CIA: DRIVER VERSION 1.20", "COE:Illegal command -> b",
+        ">", "more", ">"});
+  EXPECT_EQ(answers, (std::vector<Lines>{{"CIA: DRIVER VERSION 1.20", "more"}}));
+  EXPECT_EQ(illegal, (Lines{"a5x1", "b"}));
+}
+
+TEST_F(ConsoleTest, AnIllegalCommandComesAlsoWhenNobodyHasAsked) {
+  Greet();
+  Take({"COE:Illegal command -> a5x1", ">"});
+  EXPECT_EQ(illegal, (Lines{"a5x1"}));
+  EXPECT_TRUE(console.IsReady());
+  console.Ask();
+  Take({">"});
+  EXPECT_EQ(answers, (std::vector<Lines>{{}}));
+}
+
+TEST_F(ConsoleTest, WhatAnEarlierClientLeftIsNobodys) {
+  Take({">", "CIA: DRIVER VERSION 1.20", ">", "COE:Illegal command -> old", ">"});
+  EXPECT_EQ(ready, 0);
+  Greet();
+  EXPECT_EQ(ready, 1);
+  EXPECT_TRUE(illegal.empty());
+  EXPECT_TRUE(answers.empty());
+}
+
+TEST_F(ConsoleTest, ALineThatNobodyAskedForIsUnexpected) {
+  Greet();
+  Take({"what is this"});
+  EXPECT_EQ(unexpected, (Lines{"what is this"}));
+  EXPECT_TRUE(console.IsReady());
+}
+
+TEST_F(ConsoleTest, AnAnswerWithoutEndIsCut) {
+  Greet();
+  console.Ask();
+  for (int i = 0; i < 1001; ++i) console.Take("line");
+  console.Take(">");
+  ASSERT_EQ(answers.size(), 1U);
+  EXPECT_EQ(answers[0].size(), 1000U);
+}
+
+}  // namespace
+}  // namespace hub::protocol
