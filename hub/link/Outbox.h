@@ -1,0 +1,91 @@
+// The commands on their way to the daemon, never faster than the bus takes them.
+//
+// The daemon queues without a limit and sends one frame a card a round, so the waiting is done
+// here: one command a card a round goes out, and never are more than 255 bytes under way. What
+// the daemon has acted on it repeats on MON; that echo is the receipt.
+//
+//   Offer ──> waiting (by card) ──TakeDue──> under way ──TakeEcho──> received
+//
+// Up to 64 commands a card wait as they came. Behind them blocks are merged, the last value of
+// each counts, and a text or a code is refused. Pure: time comes in as an argument.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "protocol/ConsoleReplies.h"
+#include "protocol/IoCommand.h"
+
+namespace hub::link {
+
+using SteadyTime = std::chrono::steady_clock::time_point;
+
+// Names a command to whoever offered it.
+using Ticket = uint64_t;
+
+class Outbox {
+ public:
+  static constexpr size_t kMostWaiting = 64;  // a card
+
+  struct Received {
+    protocol::IoCommand command;
+    std::vector<Ticket> tickets;  // more than one where commands were merged
+  };
+
+  // Nothing where the card takes no more: too fast.
+  std::optional<Ticket> Offer(const protocol::IoCommand& command);
+
+  // The round of the bus, as the pace makes it.
+  void SetRound(std::chrono::microseconds round) { round_ = round; }
+
+  // The commands that may go now, with their ends, as one write; empty where none may.
+  std::string TakeDue(SteadyTime now);
+
+  // When TakeDue can have something again; nothing while only an echo can change that.
+  std::optional<SteadyTime> NextDue() const;
+
+  // A line of MON. Nothing where it is no command that is under way.
+  std::optional<Received> TakeEcho(std::string_view line);
+
+  // The session is over: every ticket that was not received, oldest first. The outbox is empty.
+  std::vector<Ticket> Abandon();
+
+  size_t BytesUnderWay() const { return bytes_under_way_; }
+  uint64_t MergedCount() const { return merged_count_; }
+
+ private:
+  struct Entry {
+    protocol::IoCommand command;
+    std::vector<Ticket> tickets;
+  };
+  struct UnderWay {
+    std::string line;
+    Entry entry;
+  };
+  struct CardQueue {
+    std::deque<Entry> waiting;        // in the order in which they came
+    std::map<uint8_t, Entry> levels;  // behind them, by block
+    SteadyTime free_at{};             // the card's next round
+    bool IsEmpty() const { return waiting.empty() && levels.empty(); }
+  };
+
+  static Entry TakeNext(CardQueue& queue);
+  static const Entry& Next(const CardQueue& queue);
+
+  std::chrono::microseconds round_{5000};
+  std::array<CardQueue, protocol::kCardCount> queues_;
+  size_t first_card_ = 0;  // whose turn it is, so that no card waits for ever behind the others
+  std::deque<UnderWay> under_way_;  // oldest first
+  size_t bytes_under_way_ = 0;
+  Ticket last_ticket_ = 0;
+  uint64_t merged_count_ = 0;
+};
+
+}  // namespace hub::link

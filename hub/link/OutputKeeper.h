@@ -1,0 +1,73 @@
+// Outputs that stay what clients asked for.
+//
+// A command carries the whole card as the daemon has it on record. A discovery puts that record
+// back to its start values, so the next command would switch other lines of the card too. This
+// class knows both, what was asked for and what is on record, and says what to send again.
+//
+// A frame shows the asked value of the blocks that were sent and the start value of the others,
+// so with several blocks off their start value the first frames are wrong for a round each. The
+// order makes the wrong as small as can be: the block with the most lines off goes first.
+// Pure; one thread.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "model/Kinds.h"
+#include "protocol/ConsoleReplies.h"
+#include "protocol/IoCommand.h"
+
+namespace hub::link {
+
+class OutputKeeper {
+ public:
+  using Commands = std::vector<protocol::WriteBlock>;
+
+  static constexpr size_t kMostBlocks = 6;
+
+  // The kind of card that is there; a card of another kind forgets what was asked for.
+  void SetKind(unsigned address, model::Kind kind);
+
+  // Whether the card is restored at all.
+  void SetKept(unsigned address, bool kept) { cards_[address].kept = kept; }
+
+  // What a client asked for, as it goes to the daemon.
+  void NoteAsked(const protocol::WriteBlock& command);
+
+  // What the store remembers from before: asked for, and not known to be on record.
+  void Remember(const protocol::WriteBlock& command);
+
+  // The daemon's record of all cards is at its start values: a discovery.
+  void NoteDiscovery();
+
+  // The daemon began anew, or nobody knows what is on record.
+  void ForgetRecord();
+
+  // The card itself has begun anew and the record has not: one command makes it right again.
+  Commands AfterReboot(unsigned address) const;
+
+  // What makes the card show what was asked for; empty where it does, or is not kept.
+  Commands Restore(unsigned address) const;
+
+  // Where the record is not known: a command, with the card's other blocks around it.
+  Commands Complete(const protocol::WriteBlock& command) const;
+
+  std::optional<uint8_t> Asked(unsigned address, unsigned block) const;
+
+ private:
+  struct Block {
+    std::optional<uint8_t> asked;
+    std::optional<uint8_t> on_record;
+  };
+  struct Card {
+    model::Kind kind = model::Kind::kUnknown;
+    bool kept = true;
+    std::array<Block, kMostBlocks> blocks{};
+  };
+
+  std::array<Card, protocol::kCardCount> cards_{};
+};
+
+}  // namespace hub::link
