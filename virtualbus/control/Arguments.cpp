@@ -7,11 +7,15 @@ namespace {
 constexpr std::string_view kAnyByte = "..";
 constexpr std::string_view kWithin = "within";
 
+Problem IsNo(const std::string& word, const std::string& what) {
+  return Problem("\"" + word + "\" is no " + what);
+}
+
 // Takes one word, which the caller has parsed.
 template <typename Value>
 Problem Take(Words& words, const std::optional<Value>& parsed, const std::string& what,
              Value& into) {
-  if (!parsed) return Problem("\"" + words.front() + "\" is no " + what);
+  if (!parsed) return IsNo(words.front(), what);
   into = *parsed;
   words = words.subspan(1);
   return {};
@@ -45,9 +49,10 @@ Problem Read(Words& words, Chance& chance) {
 }
 
 Problem Read(Words& words, Kind& kind) {
-  const CardKind* const found = FindKind(words.front());
-  const auto parsed = found != nullptr ? std::optional(found) : std::nullopt;
-  return Take(words, parsed, "card kind (" + KindWords() + ")", kind.value);
+  kind.value = FindKind(words.front());
+  if (kind.value == nullptr) return IsNo(words.front(), "card kind (" + KindWords() + ")");
+  words = words.subspan(1);
+  return {};
 }
 
 Problem Read(Words& words, PlugAction& action) {
