@@ -211,14 +211,14 @@ void DrawIr(Pen& pen, const ViewedCard& viewed) {
 }
 
 constexpr std::array<CardView, 8> kViews{{
-    {KindId::kServo, 3, 0, DrawServo, nullptr, nullptr},
-    {KindId::kDigitalInput, 1, kLineCount, DrawDigitalInput, ToggleLine, nullptr},
-    {KindId::kMotor, 3, 0, DrawMotor, nullptr, nullptr},
-    {KindId::kDigitalOutput, 1, 0, DrawDigitalOutput, nullptr, nullptr},
-    {KindId::kKeys, 2, kKeyCount, DrawKeys, TapKey, TurnEncoder},
-    {KindId::kIr, 1, 0, DrawIr, nullptr, nullptr},
-    {KindId::kLcd, 6, 0, DrawLcd, nullptr, nullptr},
-    {KindId::kAnalogueInput, 6, 6, DrawAnalogueInput, nullptr, MoveChannel},
+    {KindId::kServo, 3, 0, 0, DrawServo, nullptr, nullptr},
+    {KindId::kDigitalInput, 1, kLineCount, -1, DrawDigitalInput, ToggleLine, nullptr},
+    {KindId::kMotor, 3, 0, 0, DrawMotor, nullptr, nullptr},
+    {KindId::kDigitalOutput, 1, 0, 0, DrawDigitalOutput, nullptr, nullptr},
+    {KindId::kKeys, 2, kKeyCount, 1, DrawKeys, TapKey, TurnEncoder},
+    {KindId::kIr, 1, 0, 0, DrawIr, nullptr, nullptr},
+    {KindId::kLcd, 6, 0, 0, DrawLcd, nullptr, nullptr},
+    {KindId::kAnalogueInput, 6, 6, 1, DrawAnalogueInput, nullptr, MoveChannel},
 }};
 
 }  // namespace

@@ -24,6 +24,7 @@ struct CardView {
   KindId kind;
   int rows;   // below the card's heading
   int items;  // 0: nothing to select
+  int right;  // from an item to the one on its right: lines are drawn with 00 rightmost
   void (*draw)(Pen& pen, const ViewedCard& viewed);
   Problem (*act)(const ViewedCard& viewed, int item);  // space, click; may be null
   Problem (*move)(const ViewedCard& viewed, int item,

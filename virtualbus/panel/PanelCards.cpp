@@ -52,7 +52,7 @@ void PanelCards::SelectPrevious() {
 void PanelCards::MoveItem(int steps) {
   const CardView* const view = SelectedView();
   if (view == nullptr || view->items == 0) return;
-  items_[selected_] = (items_[selected_] + steps + view->items) % view->items;
+  items_[selected_] = (items_[selected_] + steps * view->right + view->items) % view->items;
 }
 
 Problem PanelCards::Act() {
