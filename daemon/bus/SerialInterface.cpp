@@ -26,9 +26,9 @@ constexpr int kFirstOffer = 16;
 constexpr int kLastOffer = 1024;
 
 // A thread that reads without end keeps the kernel from carrying the reply on a busy
-// machine. So it reads for this long at the most, then sleeps as long as it has read:
-// in a shorter stretch it gets less of a busy processor than its share, after a longer
-// one it sleeps when its turn comes.
+// machine. So it reads for this long at the most, then sleeps as long as it has read.
+// Shorter: it gets less of a busy processor than its share. Longer: it is still asleep
+// when its turn comes.
 constexpr std::chrono::microseconds kStretch{1000};
 constexpr int kReadsPerLook = 64;  // between two looks at the clock
 

@@ -141,7 +141,8 @@ constexpr CardRequest kStoreRanges{
     .failed = "CIE: MSR STORING ERROR",
 };
 
-// Programs rely on the order, and on the row that never fires: docs/design/contract.md.
+// A line is tested in this order, on which programs rely: a new row goes to the end. The
+// row that never fires stays, see docs/design/contract.md.
 // clang-format off
 constexpr auto kCommands = std::to_array<CaeCommand>({
     // word           fires on            then

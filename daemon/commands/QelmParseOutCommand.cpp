@@ -34,7 +34,7 @@ char CharAt(std::string_view command, std::size_t at) {
   return at < command.size() ? command[at] : '\0';
 }
 
-// Where the command ends behind the first digit, that digit is the low one.
+// A single digit at the end of the command counts as the low one.
 unsigned char HexAt(std::string_view command, std::size_t at) {
   return at < command.size() ? Convert_HexStr2Byte(std::string(command.substr(at, 2))) : 0;
 }

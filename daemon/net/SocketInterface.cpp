@@ -109,7 +109,7 @@ void SOCKET_INTERFACE::EnterListening() {
   if (ListenSocket.IsWithdrawn()) EnterClosed();
 }
 
-// RetryCount is zero by now: the thread counts its closed passes from here.
+// Whoever closes has set RetryCount to 0 before: Reopen counts from there.
 void SOCKET_INTERFACE::EnterClosed() { Publish<int>(Descriptor.State, kClosed); }
 
 bool SOCKET_INTERFACE::OnTask() {
@@ -176,7 +176,7 @@ void SOCKET_INTERFACE::Receive() {
 }
 
 // In the pass that finds the client gone, one more item is taken and lost. After a close
-// by command none is: they wait for the next client.
+// by command no item is taken: the items wait for the next client.
 void SOCKET_INTERFACE::Transmit() {
   if (OutQueue->IsEmpty() || ClientSocket.IsWithdrawn()) return;
   const std::string bytes = WireBytes(OutQueue->DeQueue(), DataMode);

@@ -5,7 +5,7 @@ namespace {
 
 class CaeOrder : public CaeTest {
  protected:
-  // Every word that a line may merely contain, the last first.
+  // Words that a line may merely contain, the last of the table first.
   const std::string kEveryWord =
       "GETLASTINPST:2 POLLOFF: POLLON: STOREMSRS GETMSR SETMSR GETSC SETSC MOVESTRPOS: "
       "STORESRVPOS: STOREANMASK: GETANMASK: SETANMASK: REBOOT: LCDINITLIGHT: LCDSELFTEST: "

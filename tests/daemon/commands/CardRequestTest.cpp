@@ -12,7 +12,7 @@ struct Request {
   const char* failed;
 };
 
-// One a line of the description of a card request, and its odd parameters.
+// Each request once, and again with odd parameters. First the address and the type code.
 const std::vector<Request> kRequests{
     {14,
      9,
