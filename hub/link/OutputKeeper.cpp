@@ -9,9 +9,9 @@ using protocol::WriteBlock;
 
 namespace {
 
-size_t BlockCount(model::Kind kind) {
+uint8_t BlockCount(model::Kind kind) {
   const model::KindRow& row = model::RowOf(kind);
-  return row.direction == model::Direction::kOutput ? row.blocks : 0;
+  return row.direction == model::Direction::kOutput ? row.blocks : uint8_t{0};
 }
 
 int LinesOff(uint8_t value, uint8_t record) {
@@ -51,7 +51,7 @@ void OutputKeeper::ForgetRecord() {
 
 OutputKeeper::Commands OutputKeeper::AfterReboot(unsigned address) const {
   const Card& card = cards_[address];
-  const Commands restored = Restore(address);
+  Commands restored = Restore(address);
   if (!restored.empty() || !card.kept) return restored;
   for (uint8_t block = 0; block < BlockCount(card.kind); ++block)
     if (const auto asked = card.blocks[block].asked)
