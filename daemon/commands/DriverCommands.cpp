@@ -35,8 +35,9 @@ void PollCard(QELM& qelm, const std::string& line, unsigned char enabled) {
     return;
   }
   StoreShared(card.PollEnabled, enabled);
-  qelm.ReplyOnCae((enabled != 0 ? "CIA: POLLON" : "CIA: POLLOFF") +
-                  std::string(" is OK at address ") + address);
+  const char* reply =
+      enabled != 0 ? "CIA: POLLON is OK at address " : "CIA: POLLOFF is OK at address ";
+  qelm.ReplyOnCae(reply + address);
 }
 
 // "PTI:0x3:ON", "DTI:0xA:EMPTY"
