@@ -14,7 +14,6 @@
 #include "kit/Files.h"
 #include "kit/Proc.h"
 #include "kit/SleepControl.h"
-#include "kit/Wait.h"
 
 namespace {
 
@@ -91,11 +90,22 @@ bool DaemonProcess::WaitForPid() {
   });
 }
 
-std::optional<int> DaemonProcess::WaitForEnd() {
+std::optional<int> DaemonProcess::WaitForEnd(std::chrono::milliseconds bound) {
   int status = 0;
-  if (!WaitUntil([&] { return waitpid(pid_, &status, WNOHANG) > 0; })) return std::nullopt;
+  if (!WaitUntil([&] { return waitpid(pid_, &status, WNOHANG) > 0; }, bound)) return std::nullopt;
   pid_ = -1;
   return status;
+}
+
+// While the main thread creates another, a signal goes to one that waits in accept. There the
+// thread sanitizer holds it back until the call ends, for ever where no client comes.
+std::optional<int> DaemonProcess::EndBy(int signal) {
+  for (int again = Instrumented() ? 10 : 0; again > 0; --again) {
+    Kill(signal);
+    if (const auto status = WaitForEnd(std::chrono::seconds(5))) return status;
+  }
+  Kill(signal);
+  return WaitForEnd();
 }
 
 void DaemonProcess::Kill(int signal) const {

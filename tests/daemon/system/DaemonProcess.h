@@ -5,10 +5,13 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "kit/Wait.h"
 
 struct LaunchOptions {
   bool quick = true;                     // shortened fixed waits
@@ -24,7 +27,9 @@ class DaemonProcess {
   // Waits for the pid file, and for the process it names to be our child.
   bool WaitForPid();
   // Waits for the end; the wait status as waitpid gives it.
-  std::optional<int> WaitForEnd();
+  std::optional<int> WaitForEnd(std::chrono::milliseconds bound = kPatience);
+  // Sends a signal that ends it, and waits for the end.
+  std::optional<int> EndBy(int signal);
   void Kill(int signal) const;
   // Ends the processes that the daemon left behind in mid-wait.
   static void EndOrphans();

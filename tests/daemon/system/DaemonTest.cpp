@@ -91,8 +91,7 @@ bool DaemonTest::CardsAreFound() {
 }
 
 void DaemonTest::StopDaemon(Place place) {
-  daemon.Kill(SIGTERM);
-  const auto status = daemon.WaitForEnd();
+  const auto status = daemon.EndBy(SIGTERM);
   if (status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0) return;
   FAIL_AT(place) << "SIGTERM gives wait status " << status.value_or(-1);
   if (!daemon.Running()) return;

@@ -124,8 +124,7 @@ TEST_F(Startup, SigtermIsLoggedOnEveryInterfaceInOrder) {
 TEST_F(Startup, SigintEndsTheDaemonLikeSigterm) {
   StartDaemon();
   ExpectLog("INF", "MON interface listening on port 5003");
-  daemon.Kill(SIGINT);
-  EXPECT_EQ(daemon.WaitForEnd(), 0);
+  EXPECT_EQ(daemon.EndBy(SIGINT), 0);
   ExpectLogOrder({"[INF] signal 2 on CAE interface", "[INF] signal 2 on IO interface",
                   "[INF] signal 2 on MON interface", "[INF] signal 2 on serial interface",
                   "[INF] qelm is stopped by SIGTERM or SIGINT"});
