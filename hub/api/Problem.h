@@ -1,0 +1,21 @@
+// What went wrong with a request: what is wrong, where, and what would be right. Over HTTP a
+// problem document (RFC 9457), over the WebSocket the data of an error.
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <optional>
+#include <string>
+
+namespace hub::api {
+
+struct Problem {
+  int status = 500;   // as of HTTP
+  std::string title;  // short, the same for the same status
+  std::string detail;
+  std::string where;             // the field; empty: none, null in the document
+  std::optional<int> retry_after;  // seconds
+
+  boost::json::object ToJson() const;
+};
+
+}  // namespace hub::api

@@ -1,0 +1,88 @@
+// What outlives the hub: history, journal, and small documents (names, accounts, outputs).
+//
+// SQLite in a thread of its own. Nothing here waits for the disk: what is written is gathered and
+// goes to the file later, what is read is answered on the io_context's thread. A broken file is
+// set aside, and the hub goes on with a new one; on a full disk writing waits.
+#pragma once
+
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/io_context.hpp>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/Clock.h"
+#include "model/Journal.h"
+
+namespace hub::store {
+
+struct StoreOptions {
+  std::string folder = "/var/lib/qelm-hub";
+  int keep_days = 7;  // of values as they came; a month of minutes and all hours are kept besides
+  int max_mb = 256;
+};
+
+// One point of a curve: the values in one step of time.
+struct Point {
+  model::Time time;  // where the step begins
+  double mean = 0;
+  double min = 0;
+  double max = 0;
+};
+
+struct History {
+  int64_t step_ms = 0;  // 0: values as they came
+  std::vector<Point> points;
+};
+
+struct JournalPage {
+  std::vector<model::JournalEntry> entries;  // oldest first
+  uint64_t lost = 0;                         // behind `after`, and no longer kept
+};
+
+class Store {
+ public:
+  // Opens or creates the file, reads all documents. Never throws for what is on the disk: without
+  // a usable folder it runs in memory, and Trouble() says why.
+  Store(boost::asio::io_context& context, StoreOptions options, const model::Clock& clock);
+  ~Store();  // writes what is gathered
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  // What is wrong with the disk, for people; empty when all is well.
+  std::string Trouble() const;
+
+  // Documents by name, JSON texts. Reading is from memory; what is put is on the disk within 1 s.
+  std::optional<std::string> Document(std::string_view name) const;
+  void PutDocument(std::string_view name, std::string text);
+  void RemoveDocument(std::string_view name);
+
+  // Gathered, on the disk within 60 s. A line is 0 or 1.
+  void AddValue(model::ChannelId channel, model::Time time, double value);
+  void AddJournal(model::JournalEntry entry);  // gives it its number
+
+  // At most so many points, from the finest level that fits, what is not written yet included.
+  boost::asio::awaitable<History> ReadHistory(model::ChannelId channel, model::Time from,
+                                              model::Time to, size_t points);
+  // Entries behind that number, the newest `limit` of them where there are more.
+  boost::asio::awaitable<JournalPage> ReadJournal(uint64_t after, size_t limit);
+
+  void OnJournal(model::JournalSink sink);  // each entry with its number, on the caller's thread
+
+  // For the monitoring system.
+  struct Counters {
+    uint64_t bytes_written = 0;
+    uint64_t values_waiting = 0;
+    uint64_t values_dropped = 0;  // more than memory may hold while the disk is full
+  };
+  Counters Count() const;
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace hub::store
