@@ -52,8 +52,8 @@ class Link {
  public:
   // Fire on the io_context's thread, in the order in which the daemon wrote.
   struct Sinks {
-    std::function<void(std::string_view line)> report;    // of IO, as it came, without its end
-    std::function<void(std::string_view line)> monitored; // of MON, likewise
+    std::function<void(std::string_view line)> report;       // of IO, as it came, without its end
+    std::function<void(std::string_view line)> monitored;    // of MON, likewise
     std::function<void(const protocol::WriteBlock&)> asked;  // what an output is to be, to be kept
     model::JournalSink journal;
   };
@@ -76,17 +76,17 @@ class Link {
   // A text, a control or a code; also a whole block as a text port gives it.
   boost::asio::awaitable<Outcome> Send(protocol::IoCommand command);
 
-  // A line for the console, and its answer without the prompt; nothing where no session is or it
+  // A line for the console, and its answer; nothing where no session is or it
   // ended before the answer. Lines wait for each other, at most 64 of them.
-  boost::asio::awaitable<std::optional<protocol::Lines>> Ask(std::string line);
+  boost::asio::awaitable<std::optional<protocol::Answer>> Ask(std::string line);
 
   // For the monitoring system.
   struct Counters {
-    uint64_t commands = 0;       // that the daemon has acted on
-    uint64_t merged = 0;         // that took the place of an earlier one
-    uint64_t refused = 0;        // too fast
-    uint64_t reports = 0;        // inputs
-    uint64_t sessions = 0;       // that were greeted on all three ports
+    uint64_t commands = 0;  // that the daemon has acted on
+    uint64_t merged = 0;    // that took the place of an earlier one
+    uint64_t refused = 0;   // too fast
+    uint64_t reports = 0;   // inputs
+    uint64_t sessions = 0;  // that were greeted on all three ports
     uint64_t frames_restored = 0;
   };
   Counters Count() const;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "protocol/Greeting.h"
+#include "protocol/IoCommand.h"
 
 namespace hub::protocol {
 
@@ -18,7 +19,9 @@ constexpr size_t kMostLines = 1000;
 }  // namespace
 
 void Console::Take(std::string line) {
-  if (line == kPrompt) return TakePrompt();
+  const bool begins_item = line.starts_with('\r');
+  if (begins_item) line.erase(0, 1);
+  if (line == kPrompt) return TakePrompt(begins_item);
   if (line.starts_with(kAnyIllegal)) {
     prompt_of_illegal_ = true;
     if (state_ == State::kUngreeted) return;
@@ -36,12 +39,14 @@ void Console::Take(std::string line) {
     case State::kReady:
       return sinks_.unexpected(std::move(line));
     case State::kAsked:
-      if (answer_.size() < kMostLines) answer_.push_back(std::move(line));
+      if (answer_.lines.size() == kMostLines) return;
+      AddWire(line, begins_item);
+      answer_.lines.push_back(std::move(line));
       return;
   }
 }
 
-void Console::TakePrompt() {
+void Console::TakePrompt(bool begins_item) {
   if (std::exchange(prompt_of_illegal_, false)) return;
   switch (state_) {
     case State::kUngreeted:
@@ -52,8 +57,17 @@ void Console::TakePrompt() {
       return sinks_.ready();
     case State::kAsked:
       state_ = State::kReady;
+      AddWire(kPrompt, begins_item);
+      answer_.wire += '\r';
       return sinks_.answer(std::exchange(answer_, {}));
   }
+}
+
+// Each item ends with a CR of its own; the one before the answer is not part of it.
+void Console::AddWire(std::string_view line, bool begins_item) {
+  if (begins_item && !answer_.wire.empty()) answer_.wire += '\r';
+  answer_.wire += line;
+  answer_.wire += kLineEnd;
 }
 
 }  // namespace hub::protocol

@@ -10,24 +10,30 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace hub::protocol {
 
 using Lines = std::vector<std::string>;
 
+struct Answer {
+  Lines lines;       // without the prompt
+  std::string wire;  // as the daemon wrote it, the prompt and every CR included
+};
+
 class Console {
  public:
   struct Sinks {
-    std::function<void()> ready;                       // greeted, the first prompt has come
-    std::function<void(Lines answer)> answer;          // without the prompt
+    std::function<void()> ready;  // greeted, the first prompt has come
+    std::function<void(Answer answer)> answer;
     std::function<void(std::string command)> illegal;  // an IO command that was refused
     std::function<void(std::string line)> unexpected;  // nobody has asked for this
   };
 
   explicit Console(Sinks sinks) : sinks_(std::move(sinks)) {}
 
-  // One line that was received, without its end.
+  // One line that was received, without its end; a CR at its front marks the beginning of an item.
   void Take(std::string line);
 
   // A line was sent. Only one at a time: IsReady() before.
@@ -38,12 +44,13 @@ class Console {
  private:
   enum class State { kUngreeted, kGreeted, kReady, kAsked };
 
-  void TakePrompt();
+  void TakePrompt(bool begins_item);
+  void AddWire(std::string_view line, bool begins_item);
 
   Sinks sinks_;
   State state_ = State::kUngreeted;
   bool prompt_of_illegal_ = false;  // the next prompt is that of a "COE:" line
-  Lines answer_;
+  Answer answer_;
 };
 
 }  // namespace hub::protocol

@@ -15,11 +15,16 @@ class ConsoleTest : public testing::Test {
 
   int ready = 0;
   std::vector<Lines> answers;
+  std::string wire;
   Lines illegal;
   Lines unexpected;
   Console console{{
       .ready = [this] { ++ready; },
-      .answer = [this](Lines answer) { answers.push_back(std::move(answer)); },
+      .answer =
+          [this](Answer answer) {
+            answers.push_back(std::move(answer.lines));
+            wire += answer.wire;
+          },
       .illegal = [this](std::string command) { illegal.push_back(std::move(command)); },
       .unexpected = [this](std::string line) { unexpected.push_back(std::move(line)); },
   }};
@@ -40,6 +45,18 @@ TEST_F(ConsoleTest, AnAnswerEndsWithThePrompt) {
   Take({"CIA: DRIVER VERSION 1.20", ">"});
   EXPECT_EQ(answers, (std::vector<Lines>{{"CIA: DRIVER VERSION 1.20"}}));
   EXPECT_TRUE(console.IsReady());
+}
+
+TEST_F(ConsoleTest, KeepsTheAnswerAsItWasWritten) {
+  Greet();
+  console.Ask();
+  Take({"\rCIE: UNKNOWN COMMAND ", ">"});
+  EXPECT_EQ(wire, "CIE: UNKNOWN COMMAND \r\n>\r\n\r");
+  wire.clear();
+  console.Ask();
+  Take({"\rfirst", "of one item", "\rCOE:Illegal command -> a", "\r>", "\rsecond", "\r>"});
+  EXPECT_EQ(wire, "first\r\nof one item\r\n\rsecond\r\n\r>\r\n\r");
+  EXPECT_EQ(answers.back(), (Lines{"first", "of one item", "second"}));
 }
 
 TEST_F(ConsoleTest, AnIllegalCommandBringsAPromptThatIsNotTheAnswers) {

@@ -55,5 +55,13 @@ TEST_F(LineReaderTest, DropsALineThatIsTooLongUpToItsEnd) {
   EXPECT_EQ(reader.LostLines(), 1U);
 }
 
+TEST_F(LineReaderTest, MarksTheLinesThatBeginAnItem) {
+  LineReader marking{10, LineReader::ItemMarks::kKeep};
+  // Items: "one", "two" and "three" in one, an empty line and "four" in one, "five".
+  for (const char* piece : {"one\r\n\rtwo\r\nthree\r\n", "\r\r\nfour\r\n\r", "five\r\n\r\n"})
+    marking.Take(piece, [this](std::string line) { lines.push_back(std::move(line)); });
+  EXPECT_EQ(lines, (Lines{"one", "\rtwo", "three", "\r", "four", "\rfive", ""}));
+}
+
 }  // namespace
 }  // namespace hub::protocol
