@@ -1,0 +1,214 @@
+#include "text/TextSession.h"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/asio/write.hpp>
+#include <utility>
+#include <vector>
+
+#include "api/Raw.h"
+#include "protocol/IoCommand.h"
+#include "protocol/LineReader.h"
+
+namespace hub::text {
+
+namespace {
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+using protocol::Port;
+
+// The daemon writes one more CR behind each item.
+constexpr std::string_view kItemEnd = "\r\n\r";
+constexpr std::string_view kExit = "EXIT";
+constexpr std::string_view kFarewell = "QELM: Bye Bye...";
+constexpr std::string_view kTokenWord = "TOKEN ";
+constexpr std::string_view kAskForToken = "QELM: a token is needed: TOKEN ...";
+
+// Of the API's problems.
+constexpr int kDoesNotFit = 422;
+constexpr int kTooFast = 429;
+
+// Until a text that was refused is tried again.
+constexpr std::chrono::milliseconds kPause{20};
+
+std::string Item(std::string_view text) { return std::string(text) + std::string(kItemEnd); }
+
+asio::steady_timer NeverExpiring(const asio::any_io_executor& executor) {
+  return asio::steady_timer(executor, asio::steady_timer::time_point::max());
+}
+
+}  // namespace
+
+TextSession::TextSession(api::House& house, asio::ip::tcp::socket socket, Port port)
+    : house_(house),
+      socket_(std::move(socket)),
+      port_(port),
+      has_output_(NeverExpiring(socket_.get_executor())),
+      has_receipt_(NeverExpiring(socket_.get_executor())) {
+  error_code error;
+  socket_.set_option(asio::ip::tcp::no_delay(true), error);
+  socket_.set_option(asio::socket_base::keep_alive(true), error);
+  const auto peer = socket_.remote_endpoint(error);
+  if (!error) caller_.address = peer.address().to_string();
+}
+
+void TextSession::Start() {
+  if (!house_.access.HasAccounts()) {
+    caller_.role = access::Role::kAdmin;
+    may_enter_ = true;
+    Greet();
+  }
+  asio::co_spawn(socket_.get_executor(), Read(shared_from_this()), asio::detached);
+  asio::co_spawn(socket_.get_executor(), Write(shared_from_this()), asio::detached);
+}
+
+void TextSession::Close() {
+  error_code error;
+  socket_.close(error);
+  has_output_.cancel();
+  has_receipt_.cancel();
+}
+
+void TextSession::Greet() {
+  switch (port_) {
+    case Port::kCae:
+      return Send("QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r");
+    case Port::kIo:
+    case Port::kMon:
+      return Send(Item(protocol::TextOf(port_).greeting));
+  }
+}
+
+void TextSession::Show(std::string_view line) {
+  if (may_enter_ && !is_done_) Send(Item(line));
+}
+
+void TextSession::Send(std::string_view bytes) {
+  if (!IsOpen()) return;
+  if (waiting_.size() + bytes.size() > kMostWaiting) return Close();
+  waiting_ += bytes;
+  has_output_.cancel();
+}
+
+asio::awaitable<void> TextSession::Write(Self self) {
+  error_code error;
+  while (self->IsOpen()) {
+    if (self->waiting_.empty()) {
+      if (self->is_done_) break;
+      co_await self->has_output_.async_wait(asio::redirect_error(asio::use_awaitable, error));
+      continue;
+    }
+    const std::string bytes = std::exchange(self->waiting_, {});
+    const auto buffer = asio::buffer(bytes);
+    co_await asio::async_write(self->socket_, buffer,
+                               asio::redirect_error(asio::use_awaitable, error));
+    if (error) break;
+  }
+  self->Close();
+}
+
+asio::awaitable<void> TextSession::Read(Self self) {
+  protocol::LineReader reader(kLongestLine);
+  std::vector<std::string> lines;
+  std::array<char, 4096> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by reads
+  error_code error;
+  bool goes_on = true;
+  while (goes_on && self->IsOpen()) {
+    const auto buffer = asio::buffer(chunk);
+    const size_t count = co_await self->socket_.async_read_some(
+        buffer, asio::redirect_error(asio::use_awaitable, error));
+    reader.Take({chunk.data(), count}, [&](std::string line) { lines.push_back(std::move(line)); });
+    // The daemon takes what stands behind the last line end as a command, too.
+    if (error && !reader.Unfinished().empty()) lines.push_back(reader.Unfinished());
+    for (std::string& line : std::exchange(lines, {})) {
+      goes_on = co_await self->Take(std::move(line));
+      if (!goes_on) break;
+    }
+    goes_on = goes_on && !error;
+  }
+  co_await self->Settle();
+  self->is_done_ = true;
+  self->has_output_.cancel();
+}
+
+asio::awaitable<bool> TextSession::Take(std::string line) {
+  if (!may_enter_) {
+    const bool is_good = LogIn(line);
+    co_return is_good;
+  }
+  if (line == kExit && port_ != Port::kMon) {
+    co_await Settle();
+    Send(Item(kFarewell));
+    co_return false;
+  }
+  if (port_ == Port::kCae) co_await TakeConsoleLine(std::move(line));
+  if (port_ == Port::kIo && !line.empty()) co_await TakeCommand(std::move(line));
+  co_return true;
+}
+
+bool TextSession::LogIn(std::string_view line) {
+  if (line.starts_with(kTokenWord)) {
+    const std::string_view secret = line.substr(kTokenWord.size());
+    if (const auto caller = house_.access.ByToken(secret, caller_.address)) {
+      caller_ = *caller;
+      may_enter_ = true;
+      Greet();
+      return true;
+    }
+  }
+  Send(Item(kAskForToken));
+  return false;
+}
+
+asio::awaitable<void> TextSession::TakeConsoleLine(std::string line) {
+  const auto answer = co_await api::RunConsole(house_, caller_, std::move(line));
+  if (const auto* good = std::get_if<protocol::Answer>(&answer)) {
+    Send(good->wire);
+    co_return;
+  }
+  Send(Item("CIE: " + std::get<api::Problem>(answer).detail));
+  Send(Item(">"));
+}
+
+// Blocks go on without waiting for each other's receipt, as at the daemon; the bound slows down
+// whoever sends faster than the bus. Texts and codes cannot be merged, so each waits for the one
+// before it, and the client with it.
+asio::awaitable<void> TextSession::TakeCommand(std::string line) {
+  error_code error;
+  while (commands_under_way_ >= kMostUnderWay && IsOpen())
+    co_await has_receipt_.async_wait(asio::redirect_error(asio::use_awaitable, error));
+  const auto command = protocol::ParseIoCommand(line);
+  const bool is_block = command && std::holds_alternative<protocol::WriteBlock>(*command);
+  ++commands_under_way_;
+  if (!is_block) co_return co_await RunCommand(shared_from_this(), std::move(line));
+  asio::co_spawn(socket_.get_executor(), RunCommand(shared_from_this(), std::move(line)),
+                 asio::detached);
+}
+
+asio::awaitable<void> TextSession::RunCommand(Self self, std::string line) {
+  std::optional<api::Problem> problem = co_await api::RunIo(self->house_, self->caller_, line);
+  asio::steady_timer pause(self->socket_.get_executor());
+  while (problem && problem->status == kTooFast && self->IsOpen()) {
+    pause.expires_after(kPause);
+    co_await pause.async_wait(asio::use_awaitable);
+    problem = co_await api::RunIo(self->house_, self->caller_, line);
+  }
+  --self->commands_under_way_;
+  self->has_receipt_.cancel();
+  if (!problem) co_return;
+  const bool is_illegal = problem->status == kDoesNotFit;
+  const std::string what = is_illegal ? "Illegal command" : problem->detail;
+  self->Send(Item("COE:" + what + " -> " + line));
+}
+
+asio::awaitable<void> TextSession::Settle() {
+  error_code error;
+  while (commands_under_way_ > 0 && IsOpen())
+    co_await has_receipt_.async_wait(asio::redirect_error(asio::use_awaitable, error));
+}
+
+}  // namespace hub::text
