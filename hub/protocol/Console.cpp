@@ -16,7 +16,15 @@ constexpr std::string_view kAnyIllegal = "COE:";
 // No answer has more lines; what comes beyond is not kept.
 constexpr size_t kMostLines = 1000;
 
+constexpr std::string_view kFarewell = "EXIT";
+
 }  // namespace
+
+bool IsConsoleLine(std::string_view line) {
+  constexpr std::string_view kLineBreaks("\r\n\0", 3);
+  return line.size() + kLineEnd.size() <= kMostBytesUnderWay && line != kFarewell &&
+         line.find_first_of(kLineBreaks) == std::string_view::npos;
+}
 
 void Console::Take(std::string line) {
   const bool begins_item = line.starts_with('\r');

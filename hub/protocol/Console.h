@@ -22,6 +22,10 @@ struct Answer {
   std::string wire;  // as the daemon wrote it, the prompt and every CR included
 };
 
+// Whether the line can go out: it fits into one read of the daemon, is one line there, and does
+// not end the session.
+bool IsConsoleLine(std::string_view line);
+
 class Console {
  public:
   struct Sinks {

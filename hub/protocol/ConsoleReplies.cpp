@@ -1,6 +1,7 @@
 #include "protocol/ConsoleReplies.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "protocol/Hex.h"
 
@@ -59,6 +60,32 @@ std::optional<Polling> ParsePolling(const Lines& answer) {
     if (const auto record = ParseRecord(line, "PTI"))
       polling.cards[record->address] = record->text == "ON";
   return polling;
+}
+
+std::optional<int> ParsePace(const Lines& answer) {
+  const auto text = Behind("CIA: SPEED IS SET to ", answer);
+  int percent = 0;
+  if (!text ||
+      std::from_chars(text->data(), text->data() + text->size(), percent).ec != std::errc())
+    return std::nullopt;
+  return percent;
+}
+
+std::vector<uint8_t> ParseReboots(const Lines& answer) {
+  std::vector<uint8_t> addresses;
+  for (const std::string& line : answer)
+    if (const auto record = ParseRecord(line, "RBT"); record && record->text == "OK")
+      addresses.push_back(record->address);
+  return addresses;
+}
+
+bool SaysPolling(const Lines& answer) {
+  return Behind("CIA: GLOBAL POLLING IS ", answer) || Behind("CIA: POLLON is OK", answer) ||
+         Behind("CIA: POLLOFF is OK", answer);
+}
+
+bool SaysForcedDiscovery(const Lines& answer) {
+  return Behind("FORCED DISCOVER LIST:", answer).has_value();
 }
 
 std::optional<std::string> ParseError(const Lines& answer) { return Behind("CIE: ", answer); }

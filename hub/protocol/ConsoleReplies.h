@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "protocol/Console.h"
 
@@ -26,6 +27,12 @@ struct Polling {
   std::array<std::optional<bool>, kCardCount> cards{};  // nothing: no input card is there
 };
 std::optional<Polling> ParsePolling(const Lines& answer);
+
+// What a line that somebody typed has changed; the answer says it wherever the command stood.
+std::optional<int> ParsePace(const Lines& answer);       // "CIA: SPEED IS SET to 50%" gives 50
+std::vector<uint8_t> ParseReboots(const Lines& answer);  // addresses: "RBT:0x5:OK" gives 5
+bool SaysPolling(const Lines& answer);                   // of all cards or of one
+bool SaysForcedDiscovery(const Lines& answer);
 
 // Why a command was refused or went wrong: the first "CIE:" line without its mark.
 std::optional<std::string> ParseError(const Lines& answer);

@@ -1,6 +1,7 @@
 #include "protocol/DaemonLog.h"
 
 #include <array>
+#include <charconv>
 
 namespace hub::protocol {
 
@@ -14,7 +15,7 @@ struct Message {
   LogEvent event;
 };
 
-constexpr std::array<Message, 9> kMessages{{
+constexpr std::array<Message, 13> kMessages{{
     {"qelm is started", "", false, LogEvent::kDaemonStarted},
     {"qelm is stopped", "", false, LogEvent::kDaemonStopped},
     {"try to catch hardware on ", "", true, LogEvent::kAdapterSearched},
@@ -24,9 +25,14 @@ constexpr std::array<Message, 9> kMessages{{
     {"unable to open ", " for hardware communication", true, LogEvent::kAdapterMissing},
     {"unable to  open ", " for hardware communication", true, LogEvent::kAdapterMissing},
     {"unable to  write to ", "", true, LogEvent::kAdapterLost},
+    {"Initparam Speed (ThreadDelay): ", "", false, LogEvent::kPaceSet},
+    {"client is connected on IO interface", "", false, LogEvent::kIoServed},
+    {"connection is closed by client on IO interface", "", false, LogEvent::kIoLeft},
+    {"connection is closed by command on IO interface", "", false, LogEvent::kIoLeft},
 }};
 
 constexpr std::string_view kTimeForm = "0000-00-00 00:00:00 [";
+constexpr size_t kTimeWidth = 19;
 
 bool HasTime(std::string_view line) {
   if (line.size() < kTimeForm.size()) return false;
@@ -39,8 +45,10 @@ bool HasTime(std::string_view line) {
 
 void Understand(std::string_view text, const Message& message, LogLine& into) {
   into.event = message.event;
-  if (!message.names_device) return;
   const std::string_view rest = text.substr(message.begin.size());
+  if (message.event == LogEvent::kPaceSet)
+    std::from_chars(rest.data(), rest.data() + rest.size(), into.pause);
+  if (!message.names_device) return;
   const size_t end = message.end.empty() ? rest.size() : rest.find(message.end);
   into.device = rest.substr(0, end);
   if (message.event == LogEvent::kAdapterFound && end != std::string_view::npos)
@@ -55,6 +63,7 @@ LogLine ParseLogLine(std::string_view line) {
   const size_t tag_end = line.find("] ");
   if (!HasTime(line) || tag_end == std::string_view::npos) return parsed;
   const std::string_view text = line.substr(tag_end + 2);
+  parsed.time = line.substr(0, kTimeWidth);
   parsed.text = text;
   parsed.is_error = line.substr(kTimeForm.size(), tag_end - kTimeForm.size()) == "ERR";
   for (const Message& message : kMessages) {

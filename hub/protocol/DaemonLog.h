@@ -14,12 +14,17 @@ enum class LogEvent {
   kAdapterFound,     // a discovery follows where the daemon is told to do one
   kAdapterLost,      // an exchange has timed out, the device is closed
   kAdapterMissing,   // no device, or none that could be opened
+  kPaceSet,          // the pause of the configuration
+  kIoServed,         // a client is served on the IO port
+  kIoLeft,           // and has left it
 };
 
 struct LogLine {
   LogEvent event = LogEvent::kOther;
+  std::string time;     // "2026-11-21 12:00:00", local
   std::string device;   // "/dev/ttyUSB0" where the event names one
   std::string version;  // of the adapter, where the event says it
+  int pause = 0;        // microseconds, of kPaceSet
   std::string text;     // the message, without time and tag
   bool is_error = false;
 };

@@ -94,6 +94,30 @@ std::string Format(const IoCommand& command) {
   return std::visit([](const auto& each) { return Line(each); }, command);
 }
 
+uint8_t AddressOf(const IoCommand& command) {
+  return std::visit([](const auto& each) { return each.address; }, command);
+}
+
+std::vector<IoCommand> Pieces(const IoCommand& command) {
+  if (const auto* code = std::get_if<SendInfrared>(&command);
+      code != nullptr && code->bytes.size() > kMostInfraredBytes)
+    return {};
+  const auto* whole = std::get_if<WriteText>(&command);
+  if (whole == nullptr) return {command};
+  constexpr std::string_view kLineBreaks("\r\n\0", 3);
+  if (whole->text.find_first_of(kLineBreaks) != std::string::npos) return {};
+  std::vector<IoCommand> pieces;
+  size_t at = 0;
+  do {
+    WriteText piece = *whole;
+    piece.column = static_cast<uint8_t>(whole->column + at);
+    piece.text = whole->text.substr(at, kMostTextCharacters);
+    pieces.emplace_back(std::move(piece));
+    at += kMostTextCharacters;
+  } while (at < whole->text.size());
+  return pieces;
+}
+
 std::optional<IoCommand> ParseIoCommand(std::string_view line) {
   if (CharAt(line, 0) != 'a' || line.size() <= kKindAt) return std::nullopt;
   for (const Kind& kind : kKinds)

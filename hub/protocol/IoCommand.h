@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "protocol/Hex.h"
 
@@ -65,6 +66,13 @@ using IoCommand = std::variant<WriteBlock, WriteText, ControlLcd, SendInfrared>;
 
 // The line without its end.
 std::string Format(const IoCommand& command);
+
+// The address that the command is for.
+uint8_t AddressOf(const IoCommand& command);
+
+// The command as it can go out: a text in pieces that the daemon survives. Nothing where no piece
+// can: a text with a line break in it, a code that is too long.
+std::vector<IoCommand> Pieces(const IoCommand& command);
 
 // The line as the daemon would take it: a digit that is none reads as 0, and so does one that is
 // missing; what stands behind a command is passed over. Nothing where the daemon would call the

@@ -25,9 +25,15 @@ Microseconds RoundPause(int percent) {
          (kLongestPause - kShortestPause) * (within - kSlowest) / (kFastest - kSlowest);
 }
 
-Microseconds RoundTime(int percent, size_t frames_a_round) {
-  return RoundPause(percent) + kWakeUp +
-         kExchange * static_cast<long>(std::max<size_t>(frames_a_round, 1));
+int PercentOf(Microseconds pause) {
+  const Microseconds within = std::clamp(pause, kShortestPause, kLongestPause);
+  const Microseconds range = kLongestPause - kShortestPause;
+  const long steps = kFastest - kSlowest;
+  return kSlowest + static_cast<int>(((kLongestPause - within) * steps + range / 2) / range);
+}
+
+Microseconds RoundTime(Microseconds pause, size_t frames_a_round) {
+  return pause + kWakeUp + kExchange * static_cast<long>(std::max<size_t>(frames_a_round, 1));
 }
 
 }  // namespace hub::protocol

@@ -12,8 +12,11 @@ using Microseconds = std::chrono::microseconds;
 // The pause at the start of each round: 5 ms at 1 percent, 1 us at 100.
 Microseconds RoundPause(int percent);
 
+// The percentage that gives this pause.
+int PercentOf(Microseconds pause);
+
 // A round: the pause, and the time that each frame and each poll takes on the line. The daemon
 // sends one frame a card a round.
-Microseconds RoundTime(int percent, size_t frames_a_round);
+Microseconds RoundTime(Microseconds pause, size_t frames_a_round);
 
 }  // namespace hub::protocol

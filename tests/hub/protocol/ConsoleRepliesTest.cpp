@@ -62,5 +62,18 @@ TEST(ConsoleReplies, AValueIsTheLastByteOfTheLastLine) {
   EXPECT_EQ(ParseCardValue({}), std::nullopt);
 }
 
+TEST(ConsoleReplies, SayWhatALineHasChanged) {
+  EXPECT_EQ(ParsePace({"CIA: SPEED IS SET to 50%"}), 50);
+  EXPECT_EQ(ParsePace({"CIA: Parameter is out of range (1..100)"}), std::nullopt);
+  EXPECT_EQ(ParseReboots({"CIA: Card is REBOOTED", "RBT:0xA:OK"}), (std::vector<uint8_t>{0xA}));
+  EXPECT_TRUE(ParseReboots({"CIE: BUS WRITE ERROR"}).empty());
+  for (const char* line : {"CIA: GLOBAL POLLING IS DISABLED", "CIA: POLLON is OK at address 3",
+                           "CIA: POLLOFF is OK at address 3"})
+    EXPECT_TRUE(SaysPolling({line})) << line;
+  EXPECT_FALSE(SaysPolling({"CIE: THIS COMMAND IS VALID ON INPUT CARDS"}));
+  EXPECT_TRUE(SaysForcedDiscovery({"FORCED DISCOVER LIST:", "DTI:0x0:EMPTY"}));
+  EXPECT_FALSE(SaysForcedDiscovery({"DISCOVER LIST:", "DTI:0x0:EMPTY"}));
+}
+
 }  // namespace
 }  // namespace hub::protocol

@@ -103,5 +103,15 @@ TEST_F(ConsoleTest, AnAnswerWithoutEndIsCut) {
   EXPECT_EQ(answers[0].size(), 1000U);
 }
 
+TEST(ConsoleLine, IsOneReadOfTheDaemonAndDoesNotEndTheSession) {
+  EXPECT_TRUE(IsConsoleLine("DISCOVER"));
+  EXPECT_TRUE(IsConsoleLine(std::string(253, 'x')));
+  EXPECT_FALSE(IsConsoleLine(std::string(254, 'x')));
+  EXPECT_FALSE(IsConsoleLine("EXIT"));
+  EXPECT_FALSE(IsConsoleLine("DRVVER\rEXIT"));
+  EXPECT_FALSE(IsConsoleLine("DRVVER\nEXIT"));
+  EXPECT_FALSE(IsConsoleLine(std::string("a\0b", 3)));
+}
+
 }  // namespace
 }  // namespace hub::protocol

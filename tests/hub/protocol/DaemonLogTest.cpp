@@ -28,23 +28,35 @@ TEST_P(DaemonLog, SaysThis) {
 
 INSTANTIATE_TEST_SUITE_P(
     Messages, DaemonLog,
-    testing::Values(Said{"qelm is started", LogEvent::kDaemonStarted, "", ""},
-                    Said{"qelm is stopped by SIGTERM or SIGINT", LogEvent::kDaemonStopped, "", ""},
-                    Said{"qelm is stopped with error", LogEvent::kDaemonStopped, "", ""},
-                    Said{"try to catch hardware on /dev/ttyUSB0", LogEvent::kAdapterSearched,
-                         "/dev/ttyUSB0", ""},
-                    Said{"hardware found on /dev/ttyUSB0 version: v1.2", LogEvent::kAdapterFound,
-                         "/dev/ttyUSB0", "v1.2"},
-                    Said{"hardware found on /dev/ttyUSB0 version: ", LogEvent::kAdapterFound,
-                         "/dev/ttyUSB0", ""},
-                    Said{"comm timeout /dev/ttyUSB0", LogEvent::kAdapterLost, "/dev/ttyUSB0", ""},
-                    Said{"unable to  write to /dev/ttyUSB0", LogEvent::kAdapterLost, "/dev/ttyUSB0",
-                         ""},
-                    Said{"ttyUSB devices couldn't be found", LogEvent::kAdapterMissing, "", ""},
-                    Said{"unable to  open /dev/ttyUSB1 for hardware communication",
-                         LogEvent::kAdapterMissing, "/dev/ttyUSB1", ""},
-                    Said{"Initparam Speed (ThreadDelay): 2525", LogEvent::kOther, "", ""},
-                    Said{"signal 15 on CAE interface", LogEvent::kOther, "", ""}));
+    testing::Values(
+        Said{"qelm is started", LogEvent::kDaemonStarted, "", ""},
+        Said{"qelm is stopped by SIGTERM or SIGINT", LogEvent::kDaemonStopped, "", ""},
+        Said{"qelm is stopped with error", LogEvent::kDaemonStopped, "", ""},
+        Said{"try to catch hardware on /dev/ttyUSB0", LogEvent::kAdapterSearched, "/dev/ttyUSB0",
+             ""},
+        Said{"hardware found on /dev/ttyUSB0 version: v1.2", LogEvent::kAdapterFound,
+             "/dev/ttyUSB0", "v1.2"},
+        Said{"hardware found on /dev/ttyUSB0 version: ", LogEvent::kAdapterFound, "/dev/ttyUSB0",
+             ""},
+        Said{"comm timeout /dev/ttyUSB0", LogEvent::kAdapterLost, "/dev/ttyUSB0", ""},
+        Said{"unable to  write to /dev/ttyUSB0", LogEvent::kAdapterLost, "/dev/ttyUSB0", ""},
+        Said{"ttyUSB devices couldn't be found", LogEvent::kAdapterMissing, "", ""},
+        Said{"unable to  open /dev/ttyUSB1 for hardware communication", LogEvent::kAdapterMissing,
+             "/dev/ttyUSB1", ""},
+        Said{"Initparam Speed (ThreadDelay): 2525", LogEvent::kPaceSet, "", ""},
+        Said{"client is connected on IO interface from 127.0.0.1:34835", LogEvent::kIoServed, "",
+             ""},
+        Said{"connection is closed by client on IO interface", LogEvent::kIoLeft, "", ""},
+        Said{"connection is closed by command on IO interface", LogEvent::kIoLeft, "", ""},
+        Said{"connection is closed by client on MON interface", LogEvent::kOther, "", ""},
+        Said{"signal 15 on CAE interface", LogEvent::kOther, "", ""}));
+
+TEST(DaemonLogLine, ThePauseAndTheTimeAreRead) {
+  const LogLine line =
+      ParseLogLine("2026-11-21 09:05:07 [INF] Initparam Speed (ThreadDelay): 2525");
+  EXPECT_EQ(line.pause, 2525);
+  EXPECT_EQ(line.time, "2026-11-21 09:05:07");
+}
 
 TEST(DaemonLogLine, TheTagSaysWhetherItIsAnError) {
   EXPECT_TRUE(ParseLogLine("2026-11-21 09:05:07 [ERR] ttyUSB devices couldn't be found").is_error);

@@ -43,11 +43,14 @@ TEST(Pace, APauseIsFiveMillisecondsAtOnePercentAndOneMicrosecondAtAHundred) {
   EXPECT_NEAR(static_cast<double>(RoundPause(50).count()), 2525, 1);
   EXPECT_EQ(RoundPause(0), microseconds(5000));
   EXPECT_EQ(RoundPause(101), microseconds(1));
+  EXPECT_EQ(PercentOf(microseconds(5000)), 1);
+  EXPECT_EQ(PercentOf(microseconds(2525)), 50);
+  EXPECT_EQ(PercentOf(microseconds(1)), 100);
 }
 
 TEST(Pace, ARoundGrowsWithWhatIsOnTheLine) {
-  EXPECT_GT(RoundTime(100, 16), RoundTime(100, 2));
-  EXPECT_EQ(RoundTime(100, 0), RoundTime(100, 1));
+  EXPECT_GT(RoundTime(RoundPause(100), 16), RoundTime(RoundPause(100), 2));
+  EXPECT_EQ(RoundTime(RoundPause(100), 0), RoundTime(RoundPause(100), 1));
 }
 
 }  // namespace

@@ -65,5 +65,20 @@ INSTANTIATE_TEST_SUITE_P(Lines, IsIllegal,
                          testing::Values("", "a", "a5", "A5b1dFB", "x5b1dFB", "a5x1", "a5b1FB",
                                          "a5b1", "aElXX", "aEl", "a9sXHS00", "a9s", " a5b1dFB"));
 
+TEST(IoPieces, ALongTextGoesInPiecesThatTheDaemonSurvives) {
+  const WriteText text{0xE, 2, 1, std::string(34, 'a') + std::string(34, 'b') + "c"};
+  EXPECT_EQ(Pieces(text), (std::vector<IoCommand>{WriteText{0xE, 2, 1, std::string(34, 'a')},
+                                                  WriteText{0xE, 36, 1, std::string(34, 'b')},
+                                                  WriteText{0xE, 70, 1, "c"}}));
+  EXPECT_EQ(Pieces(WriteText{0xE, 0, 0, ""}).size(), 1U);
+}
+
+TEST(IoPieces, NothingThatWouldBeAnotherCommandGoesOut) {
+  for (const char* text : {"a\rb", "a\nb"}) EXPECT_TRUE(Pieces(WriteText{0xE, 0, 0, text}).empty());
+  EXPECT_TRUE(Pieces(WriteText{0xE, 0, 0, std::string(1, '\0')}).empty());
+  EXPECT_EQ(Pieces(SendInfrared{9, Bytes(35, 0x43)}).size(), 1U);
+  EXPECT_TRUE(Pieces(SendInfrared{9, Bytes(36, 0x43)}).empty());
+}
+
 }  // namespace
 }  // namespace hub::protocol
