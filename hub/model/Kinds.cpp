@@ -42,4 +42,10 @@ unsigned BlockOf(const KindRow& row, unsigned channel) {
 
 unsigned BitOf(unsigned channel) { return channel % kLinesPerBlock; }
 
+uint8_t WithChannel(const KindRow& row, uint8_t block, unsigned channel, uint8_t raw) {
+  if (!HasLines(row)) return raw;
+  const unsigned bit = 1U << BitOf(channel);
+  return static_cast<uint8_t>(raw != 0 ? block | bit : block & ~bit);
+}
+
 }  // namespace hub::model

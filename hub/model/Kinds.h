@@ -46,4 +46,7 @@ bool HasLines(const KindRow& row);
 unsigned BlockOf(const KindRow& row, unsigned channel);
 unsigned BitOf(unsigned channel);
 
+// The block with this channel changed: its bit, or all of it.
+uint8_t WithChannel(const KindRow& row, uint8_t block, unsigned channel, uint8_t raw);
+
 }  // namespace hub::model
