@@ -38,10 +38,14 @@ void OutputKeeper::Remember(const WriteBlock& command) {
   if (command.block < BlockCount(card.kind)) card.blocks[command.block].asked = command.value;
 }
 
+// Only a forced discovery puts back the record of motors.
 void OutputKeeper::NoteDiscovery() {
-  for (Card& card : cards_)
+  for (Card& card : cards_) {
+    std::optional<uint8_t> record = model::RowOf(card.kind).start;
+    if (card.kind == model::Kind::kMotor) record.reset();
     for (size_t block = 0; block < BlockCount(card.kind); ++block)
-      card.blocks[block].on_record = model::RowOf(card.kind).start;
+      card.blocks[block].on_record = record;
+  }
 }
 
 void OutputKeeper::ForgetRecord() {
@@ -78,7 +82,7 @@ OutputKeeper::Commands OutputKeeper::Restore(unsigned address) const {
 OutputKeeper::Commands OutputKeeper::Complete(const WriteBlock& command) const {
   const Card& card = cards_[command.address];
   Commands commands;
-  for (uint8_t block = 0; block < BlockCount(card.kind); ++block) {
+  for (uint8_t block = 0; card.kept && block < BlockCount(card.kind); ++block) {
     const Block& each = card.blocks[block];
     if (block != command.block && each.asked && !each.on_record)
       commands.push_back({command.address, block, *each.asked});

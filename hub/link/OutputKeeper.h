@@ -39,7 +39,7 @@ class OutputKeeper {
   // What the store remembers from before: asked for, and not known to be on record.
   void Remember(const protocol::WriteBlock& command);
 
-  // The daemon's record of all cards is at its start values: a discovery.
+  // A discovery: the daemon's record of all cards is at its start values, of motors perhaps.
   void NoteDiscovery();
 
   // The daemon began anew, or nobody knows what is on record.
@@ -51,7 +51,7 @@ class OutputKeeper {
   // What makes the card show what was asked for; empty where it does, or is not kept.
   Commands Restore(unsigned address) const;
 
-  // Where the record is not known: a command, with the card's other blocks around it.
+  // Where the record is not known: a command, and before it the other blocks of a kept card.
   Commands Complete(const protocol::WriteBlock& command) const;
 
   std::optional<uint8_t> Asked(unsigned address, unsigned block) const;

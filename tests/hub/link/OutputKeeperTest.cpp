@@ -85,6 +85,21 @@ TEST_F(OutputKeeperTest, ACardThatIsNotKeptIsLeftAlone) {
   EXPECT_EQ(keeper.Restore(4), (Commands{{4, 0, 0x90}}));
 }
 
+// A discovery without force leaves the record of motors as it was.
+TEST_F(OutputKeeperTest, AMotorThatMustStandIsToldSoAfterADiscovery) {
+  keeper.NoteAsked({4, 0, 0x90});
+  keeper.NoteAsked({4, 1, 0x00});
+  keeper.NoteDiscovery();
+  EXPECT_EQ(keeper.Restore(4), (Commands{{4, 0, 0x90}, {4, 1, 0x00}}));
+}
+
+TEST_F(OutputKeeperTest, ACommandForACardThatIsNotKeptTakesNothingAlong) {
+  keeper.SetKept(4, false);
+  keeper.NoteAsked({4, 0, 0x90});
+  keeper.ForgetRecord();
+  EXPECT_EQ(keeper.Complete({4, 1, 0x10}), (Commands{{4, 1, 0x10}}));
+}
+
 TEST_F(OutputKeeperTest, ACardOfAnotherKindForgets) {
   keeper.NoteAsked({5, 0, 0xFE});
   keeper.SetKind(5, Kind::kServo);
