@@ -9,10 +9,6 @@ using protocol::IoCommand;
 
 namespace {
 
-uint8_t AddressOf(const IoCommand& command) {
-  return std::visit([](const auto& each) { return each.address; }, command);
-}
-
 size_t SizeOnLine(const IoCommand& command) {
   return protocol::Format(command).size() + protocol::kLineEnd.size();
 }
@@ -20,7 +16,7 @@ size_t SizeOnLine(const IoCommand& command) {
 }  // namespace
 
 std::optional<Ticket> Outbox::Offer(const IoCommand& command) {
-  CardQueue& queue = queues_[AddressOf(command)];
+  CardQueue& queue = queues_[protocol::AddressOf(command)];
   if (queue.levels.empty() && queue.waiting.size() < kMostWaiting) {
     queue.waiting.push_back({command, {++last_ticket_}});
     return last_ticket_;
@@ -73,6 +69,11 @@ std::optional<SteadyTime> Outbox::NextDue() const {
     next = next ? std::min(*next, queue.free_at) : queue.free_at;
   }
   return next;
+}
+
+size_t Outbox::CardsWaiting() const {
+  return static_cast<size_t>(
+      std::ranges::count_if(queues_, [](const CardQueue& queue) { return !queue.IsEmpty(); }));
 }
 
 std::optional<Outbox::Received> Outbox::TakeEcho(std::string_view line) {

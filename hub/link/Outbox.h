@@ -57,6 +57,7 @@ class Outbox {
   // The session is over: every ticket that was not received, oldest first. The outbox is empty.
   std::vector<Ticket> Abandon();
 
+  size_t CardsWaiting() const;  // that have something to be sent
   size_t BytesUnderWay() const { return bytes_under_way_; }
   uint64_t MergedCount() const { return merged_count_; }
 
