@@ -14,6 +14,7 @@ class Stream {
   static Stream ToPort(int port, int local_port = 0, const char* host = "127.0.0.1");
   static Stream ToPath(const std::string& path);
   static Stream ToDevice(const std::string& path);
+  static Stream FromDescriptor(int fd) { return Stream(fd); }
 
   Stream() = default;
   ~Stream() { Close(); }
