@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+#include "link/Motions.h"
+#include "link/Outcome.h"
 #include "model/Bus.h"
 #include "model/Journal.h"
 #include "protocol/Console.h"
@@ -27,19 +29,6 @@ struct LinkOptions {
   std::string host = "127.0.0.1";
   std::array<uint16_t, 3> ports{5010, 5011, 5012};  // by protocol::Port
   std::string log = "/var/log/qelm/qelm.log";       // of the daemon; empty: not followed
-};
-
-enum class Outcome {
-  kAccepted,  // the daemon has acted on it
-  kIllegal,   // the daemon refused it: no such card, or of another kind
-  kTooFast,   // the card's queue is full, and this command cannot be merged
-  kAbsent,    // no session, or it ended before the receipt came
-};
-
-// What a channel is to become, in the byte or bit of the bus.
-struct Target {
-  unsigned number = 0;  // of the channel
-  uint8_t raw = 0;
 };
 
 // How it gets there. At most one of them.
@@ -70,14 +59,16 @@ class Link {
 
   // Output channels of one card: one command a block. Answers when all blocks were taken; a ramp
   // and the way back of a pulse go on behind the answer. A later target ends an earlier motion.
+  // While the adapter is down, what is accepted is pending in the model.
   boost::asio::awaitable<Outcome> Set(unsigned address, std::vector<Target> targets,
                                       Motion motion = {});
 
   // A text, a control or a code; also a whole block as a text port gives it.
   boost::asio::awaitable<Outcome> Send(protocol::IoCommand command);
 
-  // A line for the console, and its answer; nothing where no session is or it
-  // ended before the answer. Lines wait for each other, at most 64 of them.
+  // A line for the console, and its answer; nothing where no session is, it ended before the
+  // answer, or the line is none that can go out (protocol::IsConsoleLine). Lines wait for each
+  // other, at most 64 of them.
   boost::asio::awaitable<std::optional<protocol::Answer>> Ask(std::string line);
 
   // For the monitoring system.
@@ -93,7 +84,7 @@ class Link {
 
  private:
   struct Parts;
-  std::unique_ptr<Parts> parts_;
+  std::shared_ptr<Parts> parts_;  // kept by whoever still waits
 };
 
 }  // namespace hub::link

@@ -1,0 +1,127 @@
+#include "link/Link.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "link/LinkParts.h"
+
+namespace hub::link {
+
+namespace asio = boost::asio;
+using protocol::IoCommand;
+using protocol::WriteBlock;
+
+namespace {
+
+constexpr std::string_view kForcedDiscovery = "FORCEDISCOVER";
+
+// Of several the worst counts.
+asio::awaitable<Outcome> WaitForAll(std::vector<Receipt> receipts) {
+  Outcome worst = Outcome::kAccepted;
+  for (const Receipt& receipt : receipts) {
+    const auto outcome = co_await receipt->Wait();
+    worst = std::max(worst, outcome.value_or(Outcome::kAbsent));
+  }
+  co_return worst;
+}
+
+// A stream for a card of another kind. A block is never refused, whatever card is there.
+bool IsDoubtful(const IoCommand& command, const model::Card* card) {
+  const model::Kind kind = card == nullptr ? model::Kind::kUnknown : card->kind;
+  if (std::holds_alternative<WriteBlock>(command)) return false;
+  const bool is_infrared = std::holds_alternative<protocol::SendInfrared>(command);
+  return kind != (is_infrared ? model::Kind::kInfrared : model::Kind::kLcd);
+}
+
+std::vector<Motions::Path> PathsOf(const model::Card& card, const std::vector<Target>& targets,
+                                   const Motion& motion, const Outputs& outputs) {
+  std::vector<Motions::Path> paths;
+  for (const Target& target : targets) {
+    const uint8_t now = outputs.Asked(card.address, model::BlockOf(card.Row(), target.number));
+    if (motion.pulse)
+      paths.push_back({target.number, target.raw, static_cast<uint8_t>(target.raw ^ 1U)});
+    else
+      paths.push_back({target.number, now, target.raw});
+  }
+  return paths;
+}
+
+}  // namespace
+
+Link::Link(asio::io_context& context, LinkOptions options, model::Bus& bus, Sinks sinks)
+    : parts_(std::make_shared<Parts>(context, std::move(options), bus, std::move(sinks))) {}
+
+Link::~Link() { Stop(); }
+
+void Link::Remember(const std::vector<WriteBlock>& asked) { parts_->outputs.Remember(asked); }
+
+void Link::Start() { parts_->Start(); }
+
+void Link::Stop() { parts_->Stop(); }
+
+asio::awaitable<Outcome> Link::Set(unsigned address, std::vector<Target> targets, Motion motion) {
+  const auto parts = parts_;
+  if (!parts->is_up) co_return Outcome::kAbsent;
+  const model::Card* card = parts->bus.At(address);
+  if (card == nullptr || card->Row().direction != model::Direction::kOutput)
+    co_return Outcome::kIllegal;
+  for (const Target& target : targets) parts->motions.End(address, target.number);
+  if (motion.pulse || motion.ramp) {
+    const auto time = motion.pulse ? *motion.pulse : *motion.ramp;
+    std::vector<Motions::Path> paths = PathsOf(*card, targets, motion, parts->outputs);
+    const int steps = motion.pulse ? 1 : Motions::StepsOf(paths, time);
+    targets.clear();
+    for (const Motions::Path& path : paths) targets.push_back({path.number, path.from});
+    parts->motions.Start(address, std::move(paths), time, steps);
+  }
+  std::vector<Receipt> receipts = parts->Write(address, targets);
+  parts->sender.Flush();
+  parts->bus.Publish();
+  const Outcome outcome = co_await WaitForAll(std::move(receipts));
+  co_return outcome;
+}
+
+asio::awaitable<Outcome> Link::Send(IoCommand command) {
+  const auto parts = parts_;
+  if (!parts->is_up) co_return Outcome::kAbsent;
+  const std::vector<IoCommand> pieces = protocol::Pieces(command);
+  if (pieces.empty()) co_return Outcome::kIllegal;
+  const model::Card* card = parts->bus.At(protocol::AddressOf(command));
+  std::vector<Receipt> receipts;
+  for (const IoCommand& piece : pieces) {
+    if (const auto* block = std::get_if<WriteBlock>(&piece))
+      receipts.push_back(parts->outputs.Write(*block));
+    else if (parts->IsTooMuchWithoutAdapter(piece))
+      co_return Outcome::kTooFast;
+    else
+      receipts.push_back(parts->sender.Offer(piece, IsDoubtful(piece, card)));
+  }
+  parts->sender.Flush();
+  parts->bus.Publish();
+  const Outcome outcome = co_await WaitForAll(std::move(receipts));
+  co_return outcome;
+}
+
+asio::awaitable<std::optional<protocol::Answer>> Link::Ask(std::string line) {
+  const auto parts = parts_;
+  if (!parts->is_up || !parts->console.Takes(line)) co_return std::nullopt;
+  const bool is_forced = line == kForcedDiscovery;
+  if (is_forced) co_await parts->survey.BeginForced();
+  if (!parts->is_up) co_return std::nullopt;  // lost meanwhile
+  auto answer = co_await parts->console.Ask(std::move(line));
+  if (parts->is_stopped) co_return answer;
+  if (answer) parts->survey.Understand(answer->lines);
+  if (is_forced) parts->survey.EndForced(answer.has_value());
+  co_return answer;
+}
+
+Link::Counters Link::Count() const {
+  return {.commands = parts_->sender.CommandCount(),
+          .merged = parts_->sender.MergedCount(),
+          .refused = parts_->sender.RefusedCount(),
+          .reports = parts_->report_count,
+          .sessions = parts_->session_count,
+          .frames_restored = parts_->outputs.RestoredCount()};
+}
+
+}  // namespace hub::link

@@ -1,0 +1,235 @@
+#include "link/LinkParts.h"
+
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/experimental/awaitable_operators.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <utility>
+
+#include "protocol/InputReport.h"
+
+namespace hub::link {
+
+namespace asio = boost::asio;
+using model::DaemonState;
+using protocol::Port;
+using protocol::WriteBlock;
+
+namespace {
+
+model::Time Now() { return std::chrono::system_clock::now(); }
+
+}  // namespace
+
+Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& the_bus,
+                   Sinks the_sinks)
+    : executor(context.get_executor()),
+      bus(the_bus),
+      sinks(std::move(the_sinks)),
+      sessions(
+          executor, options.host, options.ports,
+          {.lines = [this](Port port,
+                           std::vector<std::string> lines) { TakeLines(port, std::move(lines)); },
+           .waiting = [this](Port port) { SetDaemon(DaemonState::kWaiting, port); }}),
+      console(executor,
+              {.write = [this](std::string_view line) { sessions.Write(Port::kCae, line); },
+               .illegal = [this](const std::string& command) { TakeIllegal(command); },
+               .ready = [this] { has_prompt_ = true; }}),
+      sender(executor,
+             {.write = [this](std::string_view lines) { sessions.Write(Port::kIo, lines); },
+              .acted =
+                  [this](const protocol::IoCommand& command) { bus.TakeOutput(command, Now()); }}),
+      outputs(bus, sender,
+              {.asked = [this](const WriteBlock& command) { TellAsked(command); },
+               .restored =
+                   [this](unsigned address, size_t) {
+                     std::string text = "outputs restored on card ";
+                     text += protocol::HexDigit(address);
+                     Tell("card", std::move(text));
+                   }}),
+      survey(
+          executor, bus, console, sender, outputs, log_state,
+          [this](std::string kind, std::string text) { Tell(std::move(kind), std::move(text)); }),
+      motions(executor,
+              [this](unsigned address, const std::vector<Target>& targets) {
+                Write(address, targets);
+                sender.Flush();
+                bus.Publish();
+              }),
+      log(executor, options.log,
+          {.old_line = [this](const protocol::LogLine& line) { log_state.TakeOld(line); },
+           .line = [this](const protocol::LogLine& line) { TakeLogLine(line); },
+           .caught_up = [this] { bus.Publish(); }}),
+      pause_(executor) {}
+
+void Link::Parts::Start() {
+  log.Look();
+  survey.TakeOldLog(log.AgeOfLastLine());
+  asio::co_spawn(executor, FollowLog(shared_from_this()), asio::detached);
+  asio::co_spawn(executor, Connect(shared_from_this()), asio::detached);
+}
+
+void Link::Parts::Stop() {
+  if (std::exchange(is_stopped, true)) return;
+  motions.EndAll();
+  log.Stop();
+  pause_.cancel();
+  sessions.Close();
+  Lose();
+}
+
+asio::awaitable<void> Link::Parts::FollowLog(std::shared_ptr<Parts> self) {
+  co_await self->log.Run();
+}
+
+asio::awaitable<void> Link::Parts::Connect(std::shared_ptr<Parts> self) {
+  boost::system::error_code ignored;
+  auto token = asio::redirect_error(asio::use_awaitable, ignored);
+  while (!self->is_stopped) {
+    self->log.Look();
+    self->log_lines_ = 0;
+    co_await self->sessions.Run(self->Converse());
+    if (self->is_stopped) co_return;
+    self->Lose();
+    self->pause_.expires_after(self->backoff_.Next());
+    co_await self->pause_.async_wait(token);
+  }
+}
+
+asio::awaitable<void> Link::Parts::Converse() {
+  using namespace asio::experimental::awaitable_operators;
+  auto any = sender.Run() || console.Run() || survey.Run();
+  co_await std::move(any);
+}
+
+void Link::Parts::TakeLines(Port port, std::vector<std::string> lines) {
+  if (is_stopped) return;
+  for (std::string& line : lines) {
+    if (line.empty()) continue;
+    if (port == Port::kCae)
+      console.Take(std::move(line));
+    else if (line == protocol::TextOf(port).greeting)
+      continue;
+    else if (port == Port::kIo)
+      TakeReport(line);
+    else
+      TakeMonitored(line);
+  }
+  if (!is_up) BeginIfGreeted();
+  sender.Flush();
+  bus.Publish();
+}
+
+void Link::Parts::TakeReport(const std::string& line) {
+  const auto report = protocol::ParseInputReport(line);
+  if (!report || !is_up) return;
+  ++report_count;
+  bus.TakeInput(*report, Now());
+  sinks.report(line);
+}
+
+void Link::Parts::TakeMonitored(const std::string& line) {
+  if (!is_up) return;
+  sender.TakeEcho(line);
+  sinks.monitored(line);
+}
+
+void Link::Parts::TakeIllegal(const std::string& command) {
+  if (!is_up) return;
+  sender.TakeIllegal(command);
+  Tell("command", "the daemon refuses " + command);
+}
+
+void Link::Parts::TakeLogLine(const protocol::LogLine& line) {
+  if (is_stopped) return;
+  ++log_lines_;
+  // Before its own first session, whoever leaves the IO port was the hub before this one.
+  if (session_count == 0)
+    log_state.TakeOld(line);
+  else
+    log_state.Take(line);
+  survey.TakeLogLine(line);
+  if (line.event == protocol::LogEvent::kAdapterFound) sent_without_adapter_.fill(0);
+  if (!line.is_error || line.text == last_error_) return;
+  last_error_ = line.text;
+  Tell("daemon", "its log says: " + line.text);
+}
+
+void Link::Parts::BeginIfGreeted() {
+  if (!has_prompt_ || !sessions.AreGreeted()) return;
+  is_up = true;
+  ++session_count;
+  backoff_.Reset();
+  SetDaemon(DaemonState::kUp);
+  sender.Open();
+  // The daemon logs that it greets: a log without that is another's, or is not written.
+  log.Look();
+  survey.Begin(log.IsOpen() && log_lines_ > 0);
+}
+
+void Link::Parts::Lose() {
+  has_prompt_ = false;
+  if (std::exchange(is_up, false)) Tell("daemon", "the daemon is gone");
+  outputs.Lose();
+  survey.Lose();
+  sender.Abandon();
+  console.Abandon();
+  if (is_stopped) return;
+  SetDaemon(DaemonState::kAbsent);
+  bus.Publish();
+}
+
+void Link::Parts::SetDaemon(DaemonState state, std::optional<Port> waiting_for) {
+  model::Daemon daemon = bus.DaemonNow();
+  std::optional<std::string> word;
+  if (waiting_for) word = protocol::TextOf(*waiting_for).word;
+  if (daemon.state == state && daemon.waiting_for == word) return;
+  daemon = {.state = state, .version = {}, .since = Now(), .waiting_for = word};
+  bus.SetDaemon(daemon);
+  if (word) Tell("daemon", "another program holds port " + *word);
+  bus.Publish();
+}
+
+std::vector<Receipt> Link::Parts::Write(unsigned address, const std::vector<Target>& targets) {
+  const model::KindRow& row = bus.At(address)->Row();
+  std::map<uint8_t, uint8_t> blocks;
+  for (const Target& target : targets) {
+    const auto block = static_cast<uint8_t>(model::BlockOf(row, target.number));
+    uint8_t& value = blocks.try_emplace(block, outputs.Asked(address, block)).first->second;
+    value = model::WithChannel(row, value, target.number, target.raw);
+  }
+  std::vector<Receipt> receipts;
+  for (const auto& [block, value] : blocks)
+    receipts.push_back(outputs.Write({static_cast<uint8_t>(address), block, value}));
+  return receipts;
+}
+
+// Told as it will be when all that moves has arrived.
+void Link::Parts::TellAsked(const WriteBlock& command) {
+  const model::Card* card = bus.At(command.address);
+  WriteBlock kept = command;
+  for (unsigned number = 0; card != nullptr && number < card->channels.size(); ++number) {
+    if (model::BlockOf(card->Row(), number) != command.block) continue;
+    const auto goal = motions.Goal(command.address, number);
+    if (goal) kept.value = model::WithChannel(card->Row(), kept.value, number, *goal);
+  }
+  const auto [told, is_new] = told_.try_emplace({kept.address, kept.block}, kept.value);
+  if (!is_new && told->second == kept.value) return;
+  told->second = kept.value;
+  sinks.asked(kept);
+}
+
+bool Link::Parts::IsTooMuchWithoutAdapter(const protocol::IoCommand& command) {
+  if (bus.AdapterNow().state != model::AdapterState::kDown) return false;
+  size_t& sent = sent_without_adapter_[protocol::AddressOf(command)];
+  return ++sent > Outbox::kMostWaiting;
+}
+
+void Link::Parts::Tell(std::string kind, std::string text) const {
+  if (is_stopped) return;
+  sinks.journal(
+      {.sequence = 0, .time = Now(), .kind = std::move(kind), .text = std::move(text), .by = {}});
+}
+
+}  // namespace hub::link

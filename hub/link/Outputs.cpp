@@ -1,0 +1,130 @@
+#include "link/Outputs.h"
+
+#include <utility>
+
+namespace hub::link {
+
+using model::Direction;
+using model::Kind;
+using protocol::WriteBlock;
+
+namespace {
+
+bool IsOutput(const model::Card* card) {
+  return card != nullptr && card->Row().direction == Direction::kOutput;
+}
+
+}  // namespace
+
+void Outputs::Remember(const std::vector<WriteBlock>& asked) {
+  for (const WriteBlock& command : asked)
+    remembered_[{command.address, command.block}] = command.value;
+}
+
+void Outputs::TakeCards(model::Time now) {
+  for (unsigned address = 0; address < protocol::kCardCount; ++address)
+    if (const model::Card* card = bus_.At(address)) keeper_.SetKind(address, card->kind);
+  bool has_remembered = false;
+  for (auto each = remembered_.begin(); each != remembered_.end();) {
+    const auto& [place, value] = *each;
+    const WriteBlock command{place.first, place.second, value};
+    if (!IsOutput(bus_.At(command.address))) {
+      ++each;
+      continue;
+    }
+    keeper_.Remember(command);
+    bus_.TakeOutput(command, now);
+    has_remembered = true;
+    each = remembered_.erase(each);
+  }
+  if (has_remembered) bus_.AssumeOutputs();
+}
+
+Receipt Outputs::Write(const WriteBlock& command) {
+  const model::Card* card = bus_.At(command.address);
+  const bool can_come = card == nullptr && is_held_;  // the daemon does not know its cards yet
+  if (!IsOutput(card) && !can_come) return sender_.Offer(command);
+  sinks_.asked(command);
+  if (!sender_.IsOpen()) {
+    keeper_.Remember(command);
+    return sender_.Answered(Outcome::kAbsent);
+  }
+  if (is_held_) {
+    if (can_come) remembered_[{command.address, command.block}] = command.value;
+    keeper_.Remember(command);
+    pending_[{command.address, command.block}] = command.value;
+    bus_.SetPending(command.address, command.block, true);
+    return sender_.Answered(Outcome::kAccepted);
+  }
+  if (discoveries_go_unseen_) keeper_.ForgetRecord();
+  keeper_.SetKept(command.address, IsKept(command.address));
+  OutputKeeper::Commands commands = keeper_.Complete(command);
+  commands.pop_back();
+  for (const WriteBlock& other : commands) Offer(other);
+  return Offer(command);
+}
+
+Receipt Outputs::Offer(const WriteBlock& command) {
+  keeper_.NoteAsked(command);
+  return sender_.Offer(command);
+}
+
+void Outputs::Hold() { is_held_ = true; }
+
+void Outputs::Release(Record record) {
+  is_held_ = false;
+  if (record == Record::kAtStart)
+    keeper_.NoteDiscovery();
+  else
+    keeper_.ForgetRecord();
+  if (record != Record::kOfAnEarlierHub)
+    for (unsigned address = 0; address < protocol::kCardCount; ++address) Restore(address);
+  for (const auto& [place, value] : std::exchange(pending_, {}))
+    if (record == Record::kOfAnEarlierHub || !IsKept(place.first))
+      Offer({place.first, place.second, value});
+}
+
+void Outputs::Lose() {
+  is_held_ = true;
+  keeper_.ForgetRecord();
+  for (const auto& [place, value] : std::exchange(pending_, {}))
+    bus_.SetPending(place.first, place.second, false);
+}
+
+bool Outputs::IsKept(unsigned address) const {
+  const model::Card* card = bus_.At(address);
+  const bool by_kind = card != nullptr && card->kind != Kind::kMotor;
+  return bus_.Names().Card(address).keep.value_or(by_kind);
+}
+
+// One command at least: the last one before may have been lost on the line.
+void Outputs::Restore(unsigned address) {
+  if (!IsOutput(bus_.At(address))) return;
+  keeper_.SetKept(address, IsKept(address));
+  Resend(address, keeper_.AfterReboot(address));
+}
+
+void Outputs::Resend(unsigned address, const OutputKeeper::Commands& commands) {
+  if (commands.empty()) return;
+  for (const WriteBlock& command : commands) Offer(command);
+  restored_count_ += commands.size();
+  sinks_.restored(address, commands.size());
+}
+
+// A card that is not kept shows its start values now, and stays so.
+void Outputs::TakeReboot(unsigned address, model::Time now) {
+  const model::Card* card = bus_.At(address);
+  if (!IsOutput(card)) return;
+  const model::KindRow& row = card->Row();
+  for (uint8_t block = 0; block < row.blocks; ++block)
+    bus_.TakeOutput(WriteBlock{static_cast<uint8_t>(address), block, row.start}, now);
+  if (!is_held_) Restore(address);
+}
+
+uint8_t Outputs::Asked(unsigned address, unsigned block) const {
+  const model::Card* card = bus_.At(address);
+  const uint8_t start = card == nullptr ? uint8_t{0} : card->Row().start;
+  return keeper_.Asked(address, block).value_or(start);
+}
+
+}  // namespace hub::link

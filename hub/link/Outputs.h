@@ -1,0 +1,78 @@
+// The outputs of all cards: what clients asked for, and the rules by which it gets to the bus.
+//
+//   held ──Release──> free ──Hold──> held
+//
+// Held is the time in which the daemon's record of the cards is about to begin anew, or the
+// adapter is not there: what is asked for then is noted, pending, and goes out at the release.
+// Owned by the link; one thread.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "link/OutputKeeper.h"
+#include "link/Sender.h"
+#include "model/Bus.h"
+
+namespace hub::link {
+
+class Outputs {
+ public:
+  struct Sinks {
+    std::function<void(const protocol::WriteBlock& command)> asked;  // to be kept, in motion or not
+    std::function<void(unsigned address, size_t blocks)> restored;
+  };
+
+  // What the daemon's record of the outputs is at a release.
+  enum class Record {
+    kAtStart,         // a discovery, or a new daemon
+    kUnknown,         // of the same daemon, perhaps
+    kOfAnEarlierHub,  // the same, and this hub has asked for nothing yet: nothing is sent
+  };
+
+  Outputs(model::Bus& bus, Sender& sender, Sinks sinks)
+      : bus_(bus), sender_(sender), sinks_(std::move(sinks)) {}
+
+  // From the hub's last run. Cards that are not there yet get theirs as they come.
+  void Remember(const std::vector<protocol::WriteBlock>& asked);
+
+  // The cards that the model has now.
+  void TakeCards(model::Time now);
+
+  // A block as somebody wants it; also without a session, when only that is noted.
+  Receipt Write(const protocol::WriteBlock& command);
+
+  void Hold();
+  void Release(Record record);
+  void NoteSilentLog(bool is_silent) { discoveries_go_unseen_ = is_silent; }
+  void Lose();                                         // the session has ended
+  void TakeReboot(unsigned address, model::Time now);  // the card has begun anew by itself
+
+  // What the block is to be, or the value that it starts with.
+  uint8_t Asked(unsigned address, unsigned block) const;
+  bool IsHeld() const { return is_held_; }
+  uint64_t RestoredCount() const { return restored_count_; }
+
+ private:
+  using Place = std::pair<uint8_t, uint8_t>;  // address and block
+
+  bool IsKept(unsigned address) const;
+  Receipt Offer(const protocol::WriteBlock& command);
+  void Restore(unsigned address);
+  void Resend(unsigned address, const OutputKeeper::Commands& commands);
+
+  model::Bus& bus_;
+  Sender& sender_;
+  Sinks sinks_;
+  OutputKeeper keeper_;
+  bool is_held_ = true;
+  bool discoveries_go_unseen_ = true;
+  std::map<Place, uint8_t> pending_;
+  std::map<Place, uint8_t> remembered_;  // of cards that did not come yet
+  uint64_t restored_count_ = 0;
+};
+
+}  // namespace hub::link
