@@ -1,0 +1,301 @@
+// The link against a daemon that the test plays.
+#include "link/Link.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "FakeDaemon.h"
+#include "LinkDriver.h"
+#include "kit/Proc.h"
+
+namespace hub::link {
+namespace {
+
+using namespace std::chrono_literals;
+using model::DaemonState;
+using protocol::LcdControl;
+using protocol::Lines;
+using protocol::WriteBlock;
+using protocol::WriteText;
+
+class LinkTest : public testing::Test {
+ protected:
+  LinkOptions Options() const { return {.host = "127.0.0.1", .ports = daemon.Ports(), .log = ""}; }
+
+  void Introduce() {
+    daemon.AcceptAll();
+    daemon.GreetAll();
+    daemon.AnswerFirst();
+    ASSERT_TRUE(link.WaitUp());
+  }
+
+  FakeDaemon daemon;
+  LinkDriver link{Options()};
+};
+
+TEST_F(LinkTest, GreetedOnAllPortsItAsksWhatIsThere) {
+  EXPECT_EQ(link.Daemon().state, DaemonState::kAbsent);
+  Introduce();
+  EXPECT_EQ(link.Daemon().version, "1.20");
+  EXPECT_EQ(link.Adapter(), model::AdapterState::kUnknown);
+  EXPECT_TRUE(link.Channel(5, 15));
+  EXPECT_FALSE(link.Channel(5, 0)->IsKnown());
+  EXPECT_EQ(link.Count().sessions, 1U);
+}
+
+TEST_F(LinkTest, WhatAnEarlierClientLeftIsNobodys) {
+  daemon.AcceptAll();
+  daemon.Say(Port::kCae, "COE:Illegal command -> a5x1\r\n\r>\r\n\rDISCOVER LIST:\r\n\r>\r\n\r");
+  daemon.Say(Port::kIo, "a3b0d40\r\n\r");
+  daemon.Say(Port::kMon, "a5b0d00\r\n\r");
+  daemon.GreetAll();
+  daemon.AnswerFirst();
+  ASSERT_TRUE(link.WaitUp());
+  EXPECT_FALSE(link.Channel(3, 6)->IsKnown());
+  EXPECT_FALSE(link.Channel(5, 0)->IsKnown());
+}
+
+TEST_F(LinkTest, ReportsAreValues) {
+  Introduce();
+  daemon.Say(Port::kIo, "a3b0d4");
+  daemon.Say(Port::kIo, "0\r\n\ra3b1d00\r\n\r");
+  EXPECT_TRUE(link.WaitValue(3, 6, true));
+  EXPECT_TRUE(link.WaitValue(3, 8, false));
+}
+
+TEST_F(LinkTest, TheEchoIsTheAnswer) {
+  Introduce();
+  auto outcome = link.SetLater(5, {{0, 0}, {2, 0}});
+  daemon.ExpectCommand("a5b0dFA");
+  EXPECT_EQ(outcome.wait_for(20ms), std::future_status::timeout);
+  daemon.Echo("a5b0dFA");
+  EXPECT_EQ(outcome.get(), Outcome::kAccepted);
+  EXPECT_TRUE(link.WaitValue(5, 0, false));
+  EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFA}}));
+}
+
+TEST_F(LinkTest, WithoutALogEachCommandCarriesTheOtherBlocks) {
+  Introduce();
+  auto first = link.SendLater(WriteBlock{5, 1, 0x00});
+  daemon.ExpectCommand("a5b1d00");
+  daemon.Echo("a5b1d00");
+  EXPECT_EQ(first.get(), Outcome::kAccepted);
+  auto second = link.SendLater(WriteBlock{5, 0, 0x0F});
+  daemon.ExpectCommand("a5b1d00");
+  daemon.Echo("a5b1d00");
+  daemon.ExpectCommand("a5b0d0F");
+  daemon.Echo("a5b0d0F");
+  EXPECT_EQ(second.get(), Outcome::kAccepted);
+}
+
+TEST_F(LinkTest, AnIllegalCommandIsAnsweredAsOne) {
+  Introduce();
+  auto outcome = link.SendLater(protocol::ControlLcd{5, LcdControl::kClear});
+  daemon.ExpectCommand("a5lCL");
+  daemon.Echo("a5lCL");
+  daemon.Say(Port::kCae, "COE:Illegal command -> a5lCL\r\n\r>\r\n\r");
+  EXPECT_EQ(outcome.get(), Outcome::kIllegal);
+  EXPECT_TRUE(link.WaitJournal("a5lCL"));
+}
+
+TEST_F(LinkTest, ADoubtfulCommandThatIsNotRefusedIsAccepted) {
+  Introduce();
+  auto outcome = link.SendLater(protocol::SendInfrared{9, {0x43}});
+  daemon.ExpectCommand("a9sHS43");
+  daemon.Echo("a9sHS43");
+  EXPECT_EQ(outcome.get(), Outcome::kAccepted);
+}
+
+TEST_F(LinkTest, ARefusalInTheMiddleOfAnAnswerIsNotPartOfIt) {
+  Introduce();
+  auto answer = link.AskLater("HELP");
+  auto next = link.AskLater("DRVVER");
+  EXPECT_EQ(daemon.client(Port::kCae).ReadUntil("\r\n"), "HELP\r\n");
+  daemon.Say(Port::kCae, "one\r\n\rCOE:Illegal command -> zz\r\n\r>\r\n\rtwo\r\n\r");
+  EXPECT_EQ(answer.wait_for(20ms), std::future_status::timeout);
+  daemon.Say(Port::kCae, ">\r\n\r");
+  EXPECT_EQ(answer.get(), (Lines{"one", "two"}));
+  daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+  EXPECT_EQ(next.get(), (Lines{"CIA: DRIVER VERSION 1.20"}));
+}
+
+TEST_F(LinkTest, ALineThatCannotGoOutIsNotSent) {
+  Introduce();
+  EXPECT_EQ(link.Ask("EXIT"), std::nullopt);
+  EXPECT_EQ(link.Ask("DRVVER\r\nEXIT"), std::nullopt);
+  EXPECT_EQ(link.Ask(std::string(254, 'x')), std::nullopt);
+  auto answer = link.AskLater(std::string(253, 'x'));
+  daemon.Answer(std::string(253, 'x'), "CIE: UNKNOWN COMMAND \r\n\r");
+  EXPECT_EQ(answer.get(), (Lines{"CIE: UNKNOWN COMMAND "}));
+}
+
+TEST_F(LinkTest, ALongTextGoesInPieces) {
+  Introduce();
+  auto outcome = link.SendLater(WriteText{0xE, 0, 1, std::string(34, 'a') + "bc"});
+  for (const std::string& line :
+       {"aElPAp0001t" + std::string(34, 'a'), std::string("aElPAp2201tbc")}) {
+    daemon.ExpectCommand(line);
+    daemon.Echo(line);
+  }
+  EXPECT_EQ(outcome.get(), Outcome::kAccepted);
+  EXPECT_EQ(link.Send(WriteText{0xE, 0, 0, "a\r\na5b0d00"}), Outcome::kIllegal);
+}
+
+TEST_F(LinkTest, SixtyFourLinesWaitAndNoMore) {
+  Introduce();
+  std::vector<std::future<std::optional<Lines>>> answers;
+  for (int i = 0; i < 64; ++i) answers.push_back(link.AskLater("DRVVER"));
+  EXPECT_EQ(link.Ask("DRVVER"), std::nullopt);
+  for (auto& answer : answers) {
+    daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+    EXPECT_TRUE(answer.get());
+  }
+}
+
+TEST_F(LinkTest, SpeedAndPollingThatSomebodySetAreKnown) {
+  Introduce();
+  auto speed = link.AskLater("SPEED=50");
+  daemon.Answer("SPEED=50", "CIA: SPEED IS SET to 50%\r\n\r");
+  EXPECT_TRUE(speed.get());
+  EXPECT_EQ(link.Look([](const model::Bus& bus) { return bus.Pace(); }), 50);
+  auto polling = link.AskLater("DISABLEPOLL");
+  daemon.Answer("DISABLEPOLL", "CIA: GLOBAL POLLING IS DISABLED\r\n\r");
+  EXPECT_TRUE(polling.get());
+  daemon.Answer("POLLSTATE", "CIA: GLOBAL POLLING IS DISABLED\r\n\rPTI:0x3:ON\r\n\r");
+  EXPECT_TRUE(WaitUntil(
+      [&] { return link.Look([](const model::Bus& bus) { return bus.Polling(); }) == false; }));
+}
+
+TEST_F(LinkTest, GarbageOnEveryPortChangesNothing) {
+  Introduce();
+  const std::string endless(1'000'000, '\x80');
+  const std::string odd = std::string("\0\xFF>a5b0\n\n:COE\r\n", 15);
+  for (const Port port : {Port::kCae, Port::kIo, Port::kMon}) {
+    daemon.Say(port, odd);
+    daemon.Say(port, endless);
+    daemon.Say(port, "\r\n");
+  }
+  daemon.Say(Port::kIo, "a3b0d01\r\n\r");
+  EXPECT_TRUE(link.WaitValue(3, 0, true));
+  auto answer = link.AskLater("DRVVER");
+  daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+  EXPECT_EQ(answer.get(), (Lines{"CIA: DRIVER VERSION 1.20"}));
+}
+
+TEST_F(LinkTest, ADaemonThatStopsReadingHoldsNothingUp) {
+  Introduce();
+  std::vector<std::future<Outcome>> outcomes;
+  for (int i = 0; i < 200; ++i)
+    outcomes.push_back(link.SendLater(WriteText{0xE, 0, 0, std::string(34, 'x')}));
+  int too_fast = 0;
+  for (auto& outcome : outcomes) {
+    if (outcome.wait_for(5ms) != std::future_status::ready) continue;
+    too_fast += outcome.get() == Outcome::kTooFast;
+  }
+  EXPECT_GE(too_fast, 200 - 64 - 5);  // 64 wait, 5 are under way
+  daemon.CloseAll();
+  for (auto& outcome : outcomes) {
+    if (!outcome.valid()) continue;
+    EXPECT_EQ(outcome.get(), Outcome::kAbsent);
+  }
+  EXPECT_TRUE(link.WaitDown());
+}
+
+TEST_F(LinkTest, OneLostSessionEndsTheOthersAndAllComeBack) {
+  for (const Port port : {Port::kCae, Port::kIo, Port::kMon}) {
+    Introduce();
+    auto outcome = link.SendLater(WriteBlock{5, 0, 0x00});
+    auto answer = link.AskLater("HELP");
+    daemon.ExpectCommand("a5b0d00");
+    daemon.client(port).Close();
+    EXPECT_EQ(outcome.get(), Outcome::kAbsent);
+    EXPECT_EQ(answer.get(), std::nullopt);
+    EXPECT_EQ(link.Daemon().state, DaemonState::kAbsent);
+    for (const Port each : {Port::kCae, Port::kIo, Port::kMon}) {
+      if (each == port) continue;
+      EXPECT_TRUE(daemon.IsClosed(each));
+    }
+  }
+}
+
+TEST_F(LinkTest, NothingIsQueuedForADaemonThatIsNotThere) {
+  EXPECT_EQ(link.Set(5, {{0, 0}}), Outcome::kAbsent);
+  EXPECT_EQ(link.Send(WriteBlock{5, 0, 0}), Outcome::kAbsent);
+  EXPECT_EQ(link.Ask("DRVVER"), std::nullopt);
+  EXPECT_TRUE(link.Asked().empty());
+}
+
+TEST_F(LinkTest, NothingHappensWhileNothingHappens) {
+  Introduce();
+  const int thread = link.Look([](const model::Bus&) { return gettid(); });
+  const auto wake_ups = [thread] {
+    return StatusNumber("/proc/self/task/" + std::to_string(thread) + "/status",
+                        "voluntary_ctxt_switches:");
+  };
+  const long before = wake_ups();
+  std::this_thread::sleep_for(3s);
+  EXPECT_LE(wake_ups() - before, 2);
+}
+
+// What the daemon has said when it goes.
+struct Moment {
+  const char* name;
+  std::function<void(FakeDaemon& daemon)> until;
+};
+
+void PrintTo(const Moment& moment, std::ostream* out) { *out << moment.name; }
+
+class LinkLossTest : public LinkTest, public testing::WithParamInterface<Moment> {};
+
+TEST_P(LinkLossTest, ComesBack) {
+  daemon.AcceptAll();
+  GetParam().until(daemon);
+  daemon.CloseAll();
+  Introduce();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Moments, LinkLossTest,
+    testing::Values(
+        Moment{"BeforeTheGreetings", [](FakeDaemon&) {}},
+        Moment{"InAGreeting", [](FakeDaemon& daemon) { daemon.Say(Port::kIo, "QELM IO int"); }},
+        Moment{"AfterOneGreeting", [](FakeDaemon& daemon) { daemon.Greet(Port::kMon); }},
+        Moment{"BeforeTheFirstPrompt",
+               [](FakeDaemon& daemon) {
+                 daemon.Greet(Port::kIo);
+                 daemon.Greet(Port::kMon);
+                 daemon.Say(Port::kCae, "QELM CAE interface is ready\r\n");
+               }},
+        Moment{"AfterAllGreetings", [](FakeDaemon& daemon) { daemon.GreetAll(); }},
+        Moment{"InAnAnswer",
+               [](FakeDaemon& daemon) {
+                 daemon.GreetAll();
+                 daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+                 daemon.Say(Port::kCae, "DISCOVER LIST:\r\n\rDTI:0x0:EMP");
+               }}),
+    [](const auto& each) { return std::string(each.param.name); });
+
+class HeldPortTest : public LinkTest, public testing::WithParamInterface<Port> {};
+
+// The hub keeps its place in the queue: it does not come a second time.
+TEST_P(HeldPortTest, IsWaitedForByName) {
+  daemon.AcceptAll();
+  for (const Port port : {Port::kCae, Port::kIo, Port::kMon})
+    if (port != GetParam()) daemon.Greet(port);
+  daemon.Say(GetParam(), "220 mail.example ESMTP\r\n");
+  EXPECT_TRUE(WaitUntil([&] { return link.Daemon().state == DaemonState::kWaiting; }));
+  EXPECT_EQ(link.Daemon().waiting_for, protocol::TextOf(GetParam()).word);
+  EXPECT_TRUE(link.WaitJournal("another program holds port"));
+  EXPECT_FALSE(daemon.listener(GetParam()).HasClient(0ms));
+  daemon.Greet(GetParam());
+  daemon.AnswerFirst();
+  EXPECT_TRUE(link.WaitUp());
+}
+
+INSTANTIATE_TEST_SUITE_P(Ports, HeldPortTest, testing::Values(Port::kCae, Port::kIo, Port::kMon),
+                         [](const auto& each) {
+                           return std::string(protocol::TextOf(each.param).word);
+                         });
+
+}  // namespace
+}  // namespace hub::link
