@@ -1,0 +1,145 @@
+#include "LinkPulls.h"
+
+#include <cstdio>
+#include <sstream>
+
+namespace hub::link {
+
+namespace {
+
+struct KeptCard {
+  uint8_t address;
+  const char* digit;
+  uint8_t blocks;
+  uint8_t start;
+  const char* field;  // as `show` calls it
+};
+
+constexpr KeptCard kCards[] = {
+    {0, "0", 6, 0x80, "Positions "}, {4, "4", 4, 0x00, "Drive "}, {5, "5", 2, 0xFF, "Lines "}};
+
+std::vector<uint8_t> ReadBytes(const std::string& text) {
+  std::istringstream words(text);
+  std::vector<uint8_t> bytes;
+  for (unsigned byte = 0; words >> std::hex >> byte;) bytes.push_back(static_cast<uint8_t>(byte));
+  return bytes;
+}
+
+}  // namespace
+
+void LinkPulls::RunPulls(int rounds, unsigned seed) {
+  chance_.seed(seed);
+  settings.cards[kMotors].keep = true;
+  StartAll("80");
+  for (const KeptCard& card : kCards)
+    for (uint8_t block = 0; block < card.blocks; ++block)
+      wanted_[{card.address, block}] = {card.start};
+  for (int round = 0; round < rounds && !HasFailure(); ++round) {
+    asked_ = wanted_;
+    for (int i = Draw(4); i >= 0; --i) Ask();
+    Disturb();
+    for (int i = Draw(4); i > 0; --i) Ask();
+    if (Draw(3) == 0) Disturb();
+    Recover();
+    for (const KeptCard& card : kCards) {
+      std::string seen;
+      EXPECT_TRUE(WaitUntil([&] { return IsShown(card.address, &seen); }))
+          << "round " << round << ", card " << card.digit << " shows " << seen;
+      CheckFrames(card.address);
+    }
+  }
+  std::printf("%d rounds: %d frames, %d of them with a start value of another block\n", rounds,
+              frames_, start_frames_);
+}
+
+void LinkPulls::Ask() {
+  const KeptCard& card = kCards[Draw(3)];
+  const Place place{card.address, static_cast<uint8_t>(Draw(card.blocks))};
+  const auto value = static_cast<uint8_t>(Draw(256));
+  const Outcome outcome = link->Send(protocol::WriteBlock{place.first, place.second, value});
+  asked_[place].insert(value);
+  if (outcome == Outcome::kAccepted)
+    wanted_[place] = {value};
+  else
+    wanted_[place].insert(value);
+}
+
+void LinkPulls::Disturb() {
+  switch (Draw(4)) {
+    case 0:
+      if (is_cable_in_) Bus("cable pull");
+      is_cable_in_ = false;
+      break;
+    case 1:
+      if (is_daemon_there_) KillDaemon();
+      is_daemon_there_ = false;
+      break;
+    case 2:
+      KillHub();
+      break;
+    default:
+      if (is_cable_in_) Bus("cable pull");
+      Pause();
+      Bus("cable plug");
+      is_cable_in_ = true;
+      break;
+  }
+  Pause();
+}
+
+// What the store would have: the last of each block.
+void LinkPulls::KillHub() {
+  std::map<Place, uint8_t> stored;
+  for (const auto& command : link->Stored())
+    stored[{command.address, command.block}] = command.value;
+  std::vector<protocol::WriteBlock> asked;
+  for (const auto& [place, value] : stored) asked.push_back({place.first, place.second, value});
+  StartHub(asked);
+}
+
+void LinkPulls::Recover() {
+  if (!is_daemon_there_) StartDaemonAnew();
+  is_daemon_there_ = true;
+  if (!is_cable_in_) Bus("cable plug");
+  is_cable_in_ = true;
+  EXPECT_TRUE(WaitUntil([&] {
+    return link->WaitUp() && link->Adapter() == model::AdapterState::kUp && link->IsFree();
+  }));
+}
+
+bool LinkPulls::IsShown(uint8_t address, std::string* seen) {
+  for (const KeptCard& card : kCards) {
+    if (card.address != address) continue;
+    *seen = Bus(std::string("show ") + card.digit);
+    const size_t at = seen->find(card.field);
+    if (at == std::string::npos) return false;
+    const auto bytes = ReadBytes(seen->substr(at + std::string(card.field).size()));
+    for (uint8_t block = 0; block < card.blocks; ++block)
+      if (!wanted_[{address, block}].contains(bytes.at(block))) return false;
+    // From here on it is known which one came last.
+    for (uint8_t block = 0; block < card.blocks; ++block)
+      wanted_[{address, block}] = {bytes[block]};
+  }
+  return true;
+}
+
+// Each frame shows what somebody asked for, or a start value where the daemon left no choice.
+void LinkPulls::CheckFrames(uint8_t address) {
+  for (const KeptCard& card : kCards) {
+    if (card.address != address) continue;
+    const auto writes = WritesTo(card.digit);
+    for (size_t& at = frames_seen_[address]; at < writes.size(); ++at) {
+      const auto bytes = ReadBytes(writes[at]);
+      bool has_start = false;
+      for (uint8_t block = 0; block < card.blocks; ++block) {
+        if (asked_[{address, block}].contains(bytes.at(block))) continue;
+        EXPECT_EQ(bytes[block], card.start) << writes[at] << " at card " << card.digit;
+        has_start = true;
+      }
+      ++frames_;
+      start_frames_ += has_start;
+    }
+  }
+}
+
+}  // namespace hub::link
