@@ -17,14 +17,14 @@ constexpr Microseconds kLongestReceipt{100'000};
 constexpr int kSmoothing = 8;
 
 // A receipt passes three of the daemon's threads, on average in the middle of the pause of each.
-// On a machine that is busy with other things it takes longer, and so does a round.
-constexpr Microseconds kHandling{200};
-constexpr double kMostStretch = 10;
+// On a machine that is busy with other things each change from one program to the next takes
+// longer: the four of a receipt, and in a round one and two more for each exchange.
+constexpr Microseconds kHandling{300};
+constexpr int kChangesOfReceipt = 4;
 
-double Stretch(Microseconds pause, Microseconds receipt) {
-  const Microseconds usual = protocol::RoundTime(pause, 1) * 3 / 2 + kHandling;
-  return std::clamp(static_cast<double>(receipt.count()) / static_cast<double>(usual.count()), 1.0,
-                    kMostStretch);
+Microseconds DelayOfChange(Microseconds pause, Microseconds receipt) {
+  const Microseconds usual = pause * 3 / 2 + kHandling;
+  return std::max(receipt - usual, Microseconds(0)) / kChangesOfReceipt;
 }
 
 // A bus that is a little slower than the hub thinks would gather commands in the daemon for ever.
@@ -42,9 +42,9 @@ Microseconds PaceKeeper::Round(size_t cards_with_commands) const {
   const Microseconds slowest = protocol::RoundPause(kSlowest);
   const Microseconds guess = guessed_.value_or(slowest);
   const Microseconds pause = known_.value_or(std::min(guess, slowest));
-  const double stretch = known_ && guessed_ ? Stretch(pause, guess) : 1;
-  const Microseconds round = protocol::RoundTime(pause, polled_cards_ + cards_with_commands);
-  return WithMargin(Microseconds(static_cast<long>(static_cast<double>(round.count()) * stretch)));
+  const size_t frames = polled_cards_ + cards_with_commands;
+  const Microseconds delay = known_ && guessed_ ? DelayOfChange(pause, guess) : Microseconds(0);
+  return WithMargin(protocol::RoundTime(pause, frames) + delay * static_cast<long>(1 + 2 * frames));
 }
 
 }  // namespace hub::link

@@ -55,10 +55,11 @@ void LinkFlood::RunFlood(std::chrono::seconds time, const std::string& percent) 
   };
   std::printf(
       "SPEED=%s, %ld s: %ld sent, %lu acted on, %lu merged; qelm %ld KiB after a quarter, %ld at "
-      "the end; last receipt %ld ms after the last command, on the bus %ld ms later\n",
+      "the end; last receipt %ld ms after the last command, on the bus %ld ms later; "
+      "%d exchanges timed out\n",
       percent.c_str(), static_cast<long>(time.count()), sent_, counters.commands, counters.merged,
       memory, daemon.ResidentKilobytes(), milliseconds(answered - end),
-      milliseconds(shown - answered));
+      milliseconds(shown - answered), ExchangeTimeouts());
   if (daemon.Instrumented()) return;
   EXPECT_LE(daemon.ResidentKilobytes(), memory + kAllowedGrowthKilobytes);
 }
