@@ -12,10 +12,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "model/Clock.h"
 #include "model/Journal.h"
+#include "store/History.h"
 
 namespace hub::store {
 
@@ -25,28 +25,10 @@ struct StoreOptions {
   int max_mb = 256;
 };
 
-// One point of a curve: the values in one step of time.
-struct Point {
-  model::Time time;  // where the step begins
-  double mean = 0;
-  double min = 0;
-  double max = 0;
-};
-
-struct History {
-  int64_t step_ms = 0;  // 0: values as they came
-  std::vector<Point> points;
-};
-
-struct JournalPage {
-  std::vector<model::JournalEntry> entries;  // oldest first
-  uint64_t lost = 0;                         // behind `after`, and no longer kept
-};
-
 class Store {
  public:
   // Opens or creates the file, reads all documents. Never throws for what is on the disk: without
-  // a usable folder it runs in memory, and Trouble() says why.
+  // a usable folder it runs in memory, tries again every 10 s, and Trouble() says why.
   Store(boost::asio::io_context& context, StoreOptions options, const model::Clock& clock);
   ~Store();  // writes what is gathered
   Store(const Store&) = delete;
@@ -55,28 +37,36 @@ class Store {
   // What is wrong with the disk, for people; empty when all is well.
   std::string Trouble() const;
 
+  // There were documents, and they could not be read: that one is missing means nothing. Whoever
+  // keeps accounts in them must not take it for "no accounts".
+  bool DocumentsLost() const;
+
   // Documents by name, JSON texts. Reading is from memory; what is put is on the disk within 1 s.
   std::optional<std::string> Document(std::string_view name) const;
   void PutDocument(std::string_view name, std::string text);
   void RemoveDocument(std::string_view name);
 
-  // Gathered, on the disk within 60 s. A line is 0 or 1.
+  // Gathered, on the disk within 60 s. A line is 0 or 1. A value that is not finite is none.
   void AddValue(model::ChannelId channel, model::Time time, double value);
   void AddJournal(model::JournalEntry entry);  // gives it its number
 
   // At most so many points, from the finest level that fits, what is not written yet included.
+  // Both ends belong to the span. Nothing where 250 others wait for an answer already.
   boost::asio::awaitable<History> ReadHistory(model::ChannelId channel, model::Time from,
                                               model::Time to, size_t points);
   // Entries behind that number, the newest `limit` of them where there are more.
   boost::asio::awaitable<JournalPage> ReadJournal(uint64_t after, size_t limit);
 
-  void OnJournal(model::JournalSink sink);  // each entry with its number, on the caller's thread
+  // Each entry with its number, on the caller's thread. What happened while the store was opened
+  // comes at once.
+  void OnJournal(model::JournalSink sink);
 
   // For the monitoring system.
   struct Counters {
-    uint64_t bytes_written = 0;
+    uint64_t bytes_written = 0;  // to a disk, as the system counts them
     uint64_t values_waiting = 0;
     uint64_t values_dropped = 0;  // more than memory may hold while the disk is full
+    uint64_t documents_waiting = 0;
   };
   Counters Count() const;
 

@@ -1,0 +1,30 @@
+// What the store answers: curves, and pages of the journal.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "model/Change.h"
+#include "model/Journal.h"
+
+namespace hub::store {
+
+// One point of a curve: the values in one step of time.
+struct Point {
+  model::Time time;  // where the step begins
+  double mean = 0;   // of the values that came, each counting the same
+  double min = 0;
+  double max = 0;
+};
+
+struct History {
+  int64_t step_ms = 0;        // 0: values as they came
+  std::vector<Point> points;  // by time; a step without a value has none
+};
+
+struct JournalPage {
+  std::vector<model::JournalEntry> entries;  // oldest first
+  uint64_t lost = 0;                         // behind `after`, and no longer kept
+};
+
+}  // namespace hub::store

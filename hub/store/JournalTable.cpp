@@ -1,0 +1,71 @@
+#include "store/JournalTable.h"
+
+#include <algorithm>
+
+namespace hub::store {
+
+namespace {
+
+int64_t ToMilliseconds(model::Time time) {
+  return std::chrono::floor<std::chrono::milliseconds>(time.time_since_epoch()).count();
+}
+
+model::JournalEntry ReadEntry(const Statement& row) {
+  return {static_cast<uint64_t>(row.Integer(0)),
+          model::Time(std::chrono::milliseconds(row.Integer(1))), row.Text(2), row.Text(3),
+          row.Text(4)};
+}
+
+}  // namespace
+
+const char* JournalTable::Schema() {
+  return "CREATE TABLE journal"
+         " (number INTEGER PRIMARY KEY, time INTEGER, kind BLOB, text BLOB, by BLOB);";
+}
+
+uint64_t JournalTable::LastNumber() {
+  return static_cast<uint64_t>(database_.Number("SELECT max(number) FROM journal"));
+}
+
+void JournalTable::Write(const std::deque<model::JournalEntry>& entries) {
+  Statement insert(database_, "INSERT OR REPLACE INTO journal VALUES (?, ?, ?, ?, ?)");
+  for (const model::JournalEntry& entry : entries)
+    insert.Bind(entry.sequence, ToMilliseconds(entry.time), entry.kind, entry.text, entry.by).Run();
+}
+
+void JournalTable::DropPastLimit() {
+  Statement(database_, "DELETE FROM journal WHERE number <= (SELECT max(number) FROM journal) - ?")
+      .Bind(kMostKept)
+      .Run();
+}
+
+bool JournalTable::DropOldest() {
+  const int64_t first = database_.Number("SELECT min(number) FROM journal");
+  const int64_t last = database_.Number("SELECT max(number) FROM journal");
+  if (last == 0) return false;
+  Statement(database_, "DELETE FROM journal WHERE number <= ?")
+      .Bind(first + (last - first) / 10)
+      .Run();
+  return true;
+}
+
+JournalPage JournalTable::Read(uint64_t after, size_t limit, uint64_t last,
+                               const std::deque<model::JournalEntry>& waiting) {
+  JournalPage page;
+  if (after >= last) return page;
+  uint64_t kept = 0;
+  for (auto entry = waiting.rbegin(); entry != waiting.rend() && entry->sequence > after; ++entry) {
+    ++kept;
+    if (page.entries.size() < limit) page.entries.push_back(*entry);
+  }
+  Statement count(database_, "SELECT count(*) FROM journal WHERE number > ?");
+  if (count.Bind(after).Next()) kept += static_cast<uint64_t>(count.Integer(0));
+  Statement rows(database_, "SELECT * FROM journal WHERE number > ? ORDER BY number DESC LIMIT ?");
+  rows.Bind(after, uint64_t{limit - page.entries.size()});
+  while (rows.Next()) page.entries.push_back(ReadEntry(rows));
+  std::ranges::reverse(page.entries);
+  page.lost = last - after - kept;
+  return page;
+}
+
+}  // namespace hub::store
