@@ -1,0 +1,100 @@
+#include "StoreTest.h"
+
+#include <boost/asio/co_spawn.hpp>
+#include <optional>
+
+#include "kit/Wait.h"
+
+namespace hub::store {
+
+namespace asio = boost::asio;
+
+namespace {
+
+// Runs the context until the answer is there.
+template <typename Answer>
+Answer Get(asio::io_context& context, asio::awaitable<Answer> question) {
+  std::optional<Answer> answer;
+  asio::co_spawn(context, std::move(question), [&](const std::exception_ptr& error, Answer got) {
+    EXPECT_FALSE(error);
+    answer = std::move(got);
+  });
+  const auto work = asio::make_work_guard(context);
+  WaitUntil([&] {
+    context.poll();
+    return answer.has_value();
+  });
+  return answer.value();
+}
+
+}  // namespace
+
+void StoreTest::Start() {
+  store = std::make_unique<Store>(context, options, clock);
+  store->OnJournal([this](model::JournalEntry entry) { heard.push_back(std::move(entry)); });
+}
+
+void StoreTest::Restart() {
+  Stop();
+  Start();
+}
+
+int StoreTest::AddHour(double first) {
+  for (int second = 0; second < 3600; ++second) {
+    Add(first + second % 60);
+    clock.Pass(1s);
+    if (second % 60 == 59) Written();
+  }
+  return 3600;
+}
+
+void StoreTest::Written(uint64_t values) {
+  const auto work = asio::make_work_guard(context);
+  EXPECT_TRUE(WaitUntil([&] {
+    context.restart();
+    context.poll();
+    const auto count = store->Count();
+    return count.values_waiting <= values && count.documents_waiting == 0;
+  }));
+}
+
+void StoreTest::WriteAfterMinute() {
+  clock.Pass(60s);
+  Happen("a minute has passed");
+  const auto work = asio::make_work_guard(context);
+  EXPECT_TRUE(WaitUntil([&] {
+    context.restart();
+    context.poll();
+    return store->Count().values_waiting == 0;
+  }));
+}
+
+History StoreTest::Read(model::ChannelId channel, model::Time from, model::Time to, size_t points) {
+  context.restart();
+  return Get(context, store->ReadHistory(channel, from, to, points));
+}
+
+StoreTest::Curve StoreTest::ToCurve(const History& history) {
+  Curve curve;
+  for (const Point& point : history.points)
+    curve.push_back({std::chrono::duration<double>(point.time - model::Time(1795262400s)).count(),
+                     point.mean, point.min, point.max});
+  return curve;
+}
+
+StoreTest::Curve StoreTest::ReadDay(size_t points, model::ChannelId channel) {
+  return ToCurve(Read(channel, Noon(-12h), Noon(12h), points));
+}
+
+JournalPage StoreTest::Journal(uint64_t after, size_t limit) {
+  context.restart();
+  return Get(context, store->ReadJournal(after, limit));
+}
+
+std::vector<std::string> StoreTest::JournalTexts(uint64_t after, size_t limit) {
+  std::vector<std::string> texts;
+  for (const auto& entry : Journal(after, limit).entries) texts.push_back(entry.text);
+  return texts;
+}
+
+}  // namespace hub::store
