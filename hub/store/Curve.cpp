@@ -7,11 +7,11 @@ namespace hub::store {
 namespace {
 
 constexpr int64_t kSteps[] = {
-    10,           20,           50,           100,          200,          500,
-    kSecond,      2 * kSecond,  5 * kSecond,  10 * kSecond, 15 * kSecond, 30 * kSecond,
-    kMinute,      2 * kMinute,  3 * kMinute,  5 * kMinute,  10 * kMinute, 15 * kMinute,
-    20 * kMinute, 30 * kMinute, kHour,        2 * kHour,    3 * kHour,    4 * kHour,
-    6 * kHour,    12 * kHour,   kDay,         2 * kDay,     4 * kDay,     7 * kDay,
+    10,           20,           50,          100,          200,          500,
+    kSecond,      2 * kSecond,  5 * kSecond, 10 * kSecond, 15 * kSecond, 30 * kSecond,
+    kMinute,      2 * kMinute,  3 * kMinute, 5 * kMinute,  10 * kMinute, 15 * kMinute,
+    20 * kMinute, 30 * kMinute, kHour,       2 * kHour,    3 * kHour,    4 * kHour,
+    6 * kHour,    12 * kHour,   kDay,        2 * kDay,     4 * kDay,     7 * kDay,
 };
 
 bool Fits(const Span& span, int64_t step) {

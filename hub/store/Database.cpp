@@ -6,17 +6,21 @@
 #include <unistd.h>
 
 #include <cctype>
+#include <cerrno>
 
 namespace hub::store {
 
 namespace {
 
-// SQLite gives its other files the mode of this one.
+// SQLite gives its other files the mode of this one. One that is there is not opened: closing it
+// would end the locks that this process holds on it.
 void CreateForOwnerOnly(const std::string& path) {
-  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  if (file < 0) return;  // opening it as a database says why
-  fchmod(file, S_IRUSR | S_IWUSR);
-  close(file);
+  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (file >= 0) {
+    close(file);
+  } else if (errno == EEXIST) {
+    chmod(path.c_str(), S_IRUSR | S_IWUSR);
+  }
 }
 
 std::string UnlockedUri(const std::string& path) {
@@ -58,8 +62,7 @@ void Statement::BindOne(int index, std::string_view bytes) {
   if (statement_ == nullptr) return;
   // Of no bytes SQLite makes null, unless it is given a place where they would be.
   const char* data = bytes.empty() ? "" : bytes.data();
-  database_.NoteError(
-      sqlite3_bind_blob64(statement_, index, data, bytes.size(), SQLITE_TRANSIENT));
+  database_.NoteError(sqlite3_bind_blob64(statement_, index, data, bytes.size(), SQLITE_TRANSIENT));
 }
 
 bool Statement::Next() {

@@ -79,7 +79,7 @@ class Database {
   std::optional<Failure> TakeFailure() { return std::exchange(failure_, std::nullopt); }
   void Fail(bool broken, std::string_view what);  // where a caller finds the content wrong
 
-  void Run(const char* sql);           // one statement or several
+  void Run(const char* sql);             // one statement or several
   int64_t Number(std::string_view sql);  // the first column of the first row; 0 without one
 
   void Begin() { Run("BEGIN IMMEDIATE"); }

@@ -160,8 +160,7 @@ void Disk::SetAside(int64_t now) {
   }
   for (const auto& [name, text] : documents_) waiting_.documents.try_emplace(name, text);
   failure_.reset();
-  if (OpenFile())
-    notices_.push_back(reason + "; set aside as " + aside + ", and a new file begun");
+  if (OpenFile()) notices_.push_back(reason + "; set aside as " + aside + ", and a new file begun");
 }
 
 void Disk::Take(Gathered gathered) {
@@ -258,7 +257,8 @@ void Disk::Trim(int64_t now) {
 // somebody has lowered the limit. That takes a while and as much room again: once.
 void Disk::Shrink() {
   const int64_t limit = options_.max_mb * kMegabyte;
-  const int64_t size = database_->Number("PRAGMA page_count") * database_->Number("PRAGMA page_size");
+  const int64_t size =
+      database_->Number("PRAGMA page_count") * database_->Number("PRAGMA page_size");
   if (shrunk_ || size <= limit) return;
   shrunk_ = true;
   database_->Run("VACUUM");
@@ -286,14 +286,13 @@ Answer Disk::Read(int64_t now, const Ask& ask) {
 }
 
 History Disk::ReadHistory(const Span& span, int64_t now) {
-  return Read<History>(
-      now, [&] { return HistoryTables(*database_).Read(span, waiting_.Samples()); });
+  return Read<History>(now,
+                       [&] { return HistoryTables(*database_).Read(span, waiting_.Samples()); });
 }
 
 JournalPage Disk::ReadJournal(uint64_t after, size_t limit, uint64_t last, int64_t now) {
-  return Read<JournalPage>(now, [&] {
-    return JournalTable(*database_).Read(after, limit, last, waiting_.Entries());
-  });
+  return Read<JournalPage>(
+      now, [&] { return JournalTable(*database_).Read(after, limit, last, waiting_.Entries()); });
 }
 
 }  // namespace hub::store

@@ -42,7 +42,7 @@ class Gathered {
   void Clear();
 
  private:
-  std::deque<ChannelSample> samples_;       // as they came
+  std::deque<ChannelSample> samples_;        // as they came
   std::deque<model::JournalEntry> entries_;  // by number
   size_t entry_bytes_ = 0;
   uint64_t dropped_ = 0;

@@ -7,7 +7,7 @@ namespace hub::store {
 // The block of a channel is the row level << 56 | channel << 40 | number of the block since 1970.
 struct HistoryTables::Level {
   int64_t number;
-  int64_t step;  // ms
+  int64_t step;   // ms
   int64_t width;  // of a block, ms
 
   int64_t RowOf(uint32_t channel, int64_t time) const {

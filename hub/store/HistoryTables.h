@@ -50,13 +50,13 @@ class HistoryTables {
   struct Level;
   static const Level kMinutes;
   static const Level kHours;
-  using Steps = std::map<uint64_t, Summary>;   // by number in the block
-  using Blocks = std::map<int64_t, Steps>;     // by their row
+  using Steps = std::map<uint64_t, Summary>;  // by number in the block
+  using Blocks = std::map<int64_t, Steps>;    // by their row
 
   struct State {
-    int64_t rolled = 0;         // the last batch that is in the blocks
-    int64_t raw_from = 0;       // of what came before, not all values are kept ...
-    int64_t minutes_from = 0;   // ... nor all minutes
+    int64_t rolled = 0;        // the last batch that is in the blocks
+    int64_t raw_from = 0;      // of what came before, not all values are kept ...
+    int64_t minutes_from = 0;  // ... nor all minutes
   };
   State ReadState();
   void SetState(std::string_view name, int64_t value);

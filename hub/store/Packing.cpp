@@ -9,7 +9,7 @@ namespace hub::store {
 namespace {
 
 constexpr uint8_t kMostDecimals = 6;
-constexpr uint8_t kPlain = 255;       // instead of the decimals: eight bytes a number
+constexpr uint8_t kPlain = 255;        // instead of the decimals: eight bytes a number
 constexpr double kMostExact = 0x1p53;  // a double holds every whole number up to it
 
 constexpr double kPowers[kMostDecimals + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
@@ -196,9 +196,8 @@ std::optional<std::vector<Sample>> UnpackSamples(int64_t start, std::string_view
 }
 
 std::string PackSteps(const std::vector<Step>& steps) {
-  const uint8_t decimals = FindDecimals(steps, [](const Step& step, uint8_t places) {
-    return IsWholeSummary(step.summary, places);
-  });
+  const uint8_t decimals = FindDecimals(
+      steps, [](const Step& step, uint8_t places) { return IsWholeSummary(step.summary, places); });
   Writer writer;
   writer.Byte(decimals);
   for (const Step& step : steps) {

@@ -128,9 +128,7 @@ void Store::Parts::AddEntry(model::JournalEntry entry) {
   }
 }
 
-void Store::Parts::Note(const std::string& text) {
-  AddEntry({0, clock.Now(), "hub", text, ""});
-}
+void Store::Parts::Note(const std::string& text) { AddEntry({0, clock.Now(), "hub", text, ""}); }
 
 void Store::Parts::Plan(std::optional<model::SteadyTime>& due, std::chrono::milliseconds delay) {
   if (!due) {
@@ -295,10 +293,9 @@ asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, model::Tim
 
 asio::awaitable<JournalPage> Store::ReadJournal(uint64_t after, size_t limit) {
   const int64_t now = ToMilliseconds(parts_->clock.Now());
-  return parts_->Question<JournalPage>(
-      [after, limit, now, last = parts_->last_entry](Disk& disk) {
-        return disk.ReadJournal(after, limit, last, now);
-      });
+  return parts_->Question<JournalPage>([after, limit, now, last = parts_->last_entry](Disk& disk) {
+    return disk.ReadJournal(after, limit, last, now);
+  });
 }
 
 void Store::OnJournal(model::JournalSink sink) {
@@ -309,10 +306,10 @@ void Store::OnJournal(model::JournalSink sink) {
 
 Store::Counters Store::Count() const {
   const Parts& parts = *parts_;
-  return {parts.report.bytes_written, parts.fresh.Samples().size() + parts.disk.samples_waiting,
-          parts.dropped + parts.disk.samples_dropped,
-          parts.fresh.documents.size() + parts.documents_under_way +
-              parts.report.documents_waiting};
+  return {
+      parts.report.bytes_written, parts.fresh.Samples().size() + parts.disk.samples_waiting,
+      parts.dropped + parts.disk.samples_dropped,
+      parts.fresh.documents.size() + parts.documents_under_way + parts.report.documents_waiting};
 }
 
 }  // namespace hub::store

@@ -27,8 +27,8 @@ class Worker {
 
   std::mutex mutex_;
   std::condition_variable something_to_do_;
-  std::deque<Job> jobs_;   // guarded by mutex_
-  bool ending_ = false;    // likewise
+  std::deque<Job> jobs_;  // guarded by mutex_
+  bool ending_ = false;   // likewise
   std::thread thread_;
 };
 

@@ -193,7 +193,7 @@ TEST_F(StoreFaults, WithoutAFolderItRunsInMemory) {
     Add(i % 2);
     clock.Pass(1s);
   }
-  EXPECT_EQ(Read(kKnob, Noon(), Noon(10min), 10).points.size(), 10u);
+  EXPECT_EQ(Read(kKnob, Noon(), Noon(10min - 1s), 10).points.size(), 10u);
 }
 
 TEST_F(StoreFaults, TheFolderIsMade) {

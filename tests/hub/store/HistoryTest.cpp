@@ -81,7 +81,7 @@ TEST_F(StoreHistory, MoreThanFitAreMeanMinimumAndMaximum) {
 
 TEST_F(StoreHistory, MinutesAreTheSameFromAllTheirPlaces) {
   Start();
-  AddHour();  // sixty batches: in the blocks
+  AddHour();     // sixty batches: in the blocks
   AddHour(100);  // half of them only in batches, the last minute in memory
   const History history = Read(kKnob, Noon(), Noon(2h - 1s), 120);
   EXPECT_EQ(history.step_ms, 60'000);
@@ -175,7 +175,7 @@ TEST_F(StoreLimits, TheFileKeepsWithinItsMegabytes) {
       Add(1.0 / (i + 3));
       clock.Pass(10ms);
     }
-    Written();
+    WriteAfterMinute();
   }
   Stop();
   EXPECT_LE(std::filesystem::file_size(File()), 3u << 20);
@@ -190,7 +190,7 @@ TEST_F(StoreLimits, ALowerLimitMakesTheFileSmaller) {
   for (int i = 0; i < 250'000; ++i) {
     Add(1.0 / (i + 3));
     clock.Pass(10ms);
-    if (i % 50'000 == 0) Written();
+    if (i % 50'000 == 0) WriteAfterMinute();
   }
   Restart();
   EXPECT_GT(std::filesystem::file_size(File()), 2u << 20);

@@ -12,8 +12,8 @@ using Samples = std::vector<Sample>;
 
 bool operator==(const Samples& left, const Samples& right) {
   return std::ranges::equal(left, right, [](const Sample& one, const Sample& other) {
-    return one.time == other.time && std::bit_cast<uint64_t>(one.value) ==
-                                         std::bit_cast<uint64_t>(other.value);
+    return one.time == other.time &&
+           std::bit_cast<uint64_t>(one.value) == std::bit_cast<uint64_t>(other.value);
   });
 }
 
@@ -24,19 +24,18 @@ void ExpectKept(const Samples& samples) {
 }
 
 TEST(Packing, ALineThatSwitches) {
-  EXPECT_EQ(PackSamples(5000, {{5000, 1}, {5030, 0}, {6030, 1}}),
-            std::string("\x00"
-                        "\x00\x02"
-                        "\x3C\x01"
-                        "\xD0\x0F\x02",
-                        8));
+  EXPECT_EQ(PackSamples(5000, {{5000, 1}, {5030, 0}, {6030, 1}}), std::string("\x00"
+                                                                              "\x00\x02"
+                                                                              "\x3C\x01"
+                                                                              "\xD0\x0F\x02",
+                                                                              8));
 }
 
 TEST(Packing, TwoDecimalsAreWholeNumbers) {
   EXPECT_EQ(PackSamples(0, {{1, 2.5}, {2, 2.48}}), std::string("\x02"
-                                                              "\x02\xF4\x03"
-                                                              "\x02\x03",
-                                                              6));
+                                                               "\x02\xF4\x03"
+                                                               "\x02\x03",
+                                                               6));
 }
 
 TEST(Packing, SamplesComeBackExactly) {

@@ -2,7 +2,6 @@
 // moment, and what it had promised is looked for in its file.
 #pragma once
 
-#include <random>
 #include <string>
 
 namespace hub::store {

@@ -54,12 +54,15 @@ class StoreTest : public testing::Test {
   void Add(double value, model::ChannelId channel = kKnob) {
     store->AddValue(channel, clock.Now(), value);
   }
-  void Happen(const std::string& text) { store->AddJournal({0, clock.Now(), "card", text, "anna"}); }
+  void Happen(const std::string& text) {
+    store->AddJournal({0, clock.Now(), "card", text, "anna"});
+  }
   // An hour of a value a second, each minute written for itself; returns how many.
   int AddHour(double first = 0);
 
   // Waits until no document and at most so many values wait for the disk.
-  void Written(uint64_t values = 1);
+  void Written(uint64_t values);
+  void WriteGathered();     // what is a minute old now
   void WriteAfterMinute();  // a minute passes, and what is gathered is written
 
   model::Time Noon(std::chrono::milliseconds later = 0ms) const {
