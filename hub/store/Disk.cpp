@@ -17,11 +17,13 @@ constexpr int64_t kVersion = 1;
 constexpr int64_t kMegabyte = 1 << 20;
 constexpr int64_t kLogBytes = kMegabyte;  // what the write-ahead log comes to
 
+// Before anything is read: two hubs cannot share a folder, and SQLite needs no shared index, a
+// file that the system would keep writing.
+constexpr const char* kAlone = "PRAGMA locking_mode = EXCLUSIVE";
+
 // The log is appended to once a minute, and the system writes it by blocks of 4 KB: small pages
-// share them. FULL: a commit is on the disk when it returns. EXCLUSIVE: two hubs cannot share a
-// folder, and SQLite needs no shared index, a file that the system would keep writing.
+// share them. FULL: a commit is on the disk when it returns.
 constexpr const char* kSettings =
-    "PRAGMA locking_mode = EXCLUSIVE;"
     "PRAGMA page_size = 1024;"
     "PRAGMA journal_mode = WAL;"
     "PRAGMA synchronous = FULL;"
@@ -48,6 +50,7 @@ void CreateSchema(Database& database) {
 }
 
 void Prepare(Database& database) {
+  database.Run(kAlone);
   const bool is_new = database.Number("SELECT count(*) FROM sqlite_schema") == 0 &&
                       database.Number("PRAGMA user_version") == 0;
   const bool is_ours = database.Number("PRAGMA application_id") == kApplication &&

@@ -206,7 +206,7 @@ TEST_F(StoreFaults, TheFolderIsMade) {
 TEST_F(StoreFaults, ASecondHubDoesNotTouchTheFile) {
   RunForAnHour();
   Start();
-  Store second(context, options, clock);
+  const Store second(context, options, clock);
   EXPECT_NE(second.Trouble().find("locked"), std::string::npos) << second.Trouble();
   EXPECT_EQ(second.Document("accounts"), R"({"anna":"admin"})");
   EXPECT_EQ(ReadDay(5000).size(), 3600u);

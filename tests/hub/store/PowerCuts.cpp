@@ -44,7 +44,8 @@ void RunUntil(asio::io_context& context, Condition holds) {
   FakeClock clock;
   asio::io_context context;
   Store store(context, {.folder = folder}, clock);
-  int step = LastStep(store);
+  // Behind a step whose value may be written already, and its document not.
+  int step = LastStep(store) + 1;
   clock.Pass(std::chrono::seconds(step));
   int oldest_waiting = step + 1;
   while (true) {
@@ -133,7 +134,7 @@ void CutPower(const std::string& folder, int times) {
     SCOPED_TRACE("cut " + std::to_string(cut));
     const std::chrono::microseconds more(random() % 5000);
     const int told = RunAndKill(folder, static_cast<int>(random() % kMostSteps), more);
-    for (int step = start + 1; step <= told - 61; ++step) promised.insert(step);
+    for (int step = start + 2; step <= told - 61; ++step) promised.insert(step);
     ExpectIntact(folder);
     start = ExpectKept(folder, told, promised);
   }
