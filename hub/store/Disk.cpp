@@ -162,8 +162,9 @@ void Disk::SetAside(int64_t now) {
     std::filesystem::rename(path_ + suffix, aside + suffix, ignored);
   }
   for (const auto& [name, text] : documents_) waiting_.documents.try_emplace(name, text);
+  if (!error) notices_.push_back(reason + "; set aside as " + aside + ", and a new file begun");
   failure_.reset();
-  if (OpenFile()) notices_.push_back(reason + "; set aside as " + aside + ", and a new file begun");
+  OpenFile();
 }
 
 void Disk::Take(Gathered gathered) {

@@ -34,7 +34,8 @@ class Store {
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
 
-  // What is wrong with the disk, for people; empty when all is well.
+  // What is wrong with the disk, for people; empty when all is well. A broken file that was set
+  // aside is named until the next start.
   std::string Trouble() const;
 
   // There were documents, and they could not be read: that one is missing means nothing. Whoever

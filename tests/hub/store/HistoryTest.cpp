@@ -99,6 +99,7 @@ TEST_F(StoreHistory, HoursAreTheSameFromAllTheirPlaces) {
   EXPECT_EQ(ReadDay(25), (Curve{{0, 29.5, 0, 59}, {3600, 129.5, 100, 159}}));
   Restart();
   EXPECT_EQ(ReadDay(25), (Curve{{0, 29.5, 0, 59}, {3600, 129.5, 100, 159}}));
+  EXPECT_EQ(ReadDay(13), (Curve{{0, 79.5, 0, 159}}));  // each counts once
 }
 
 TEST_F(StoreHistory, AJumpOfAnHourForwardsAndBackLosesNothing) {
@@ -163,7 +164,9 @@ TEST_F(StoreLimits, AClockAYearAheadForAMomentDropsNothing) {
   AddDays(1);
   clock.Jump(-365 * 24h);
   AddDays(4);
-  EXPECT_EQ(Read(kKnob, Noon(), Noon(10 * 24h), 500).points.size(), 8 * 24u);
+  const History history = Read(kKnob, Noon(), Noon(10 * 24h), 500);
+  EXPECT_EQ(history.step_ms, 0);
+  EXPECT_EQ(history.points.size(), 8 * 24u);
 }
 
 TEST_F(StoreLimits, TheFileKeepsWithinItsMegabytes) {
