@@ -51,9 +51,10 @@ TEST_F(StoreLongRuns, ADayOfTenChannelsAChangeASecondIsTwentyFiveMegabytes) {
 TEST_F(StoreLongRuns, AYearIsAskedForEachSpan) {
   options.folder = "/run/year";  // of the sandbox, in memory: a disk takes hours to write so often
   Start();
-  // Of what is older than a month, nobody can see any more in which pieces it was written.
-  for (int minute = 0; minute < 330 * 24 * 60; ++minute) AddMinute(30, 40'000);
-  for (int minute = 0; minute < 35 * 24 * 60; ++minute) AddMinute(2);
+  // Of what is older than a week, nobody can see any more in which pieces it was written.
+  for (int minute = 0; minute < 351 * 24 * 60; ++minute) AddMinute(30, 40'000);
+  WriteAfterMinute();
+  for (int minute = 0; minute < 14 * 24 * 60; ++minute) AddMinute(5);
   std::printf("the file: %.1f MB\n", static_cast<double>(std::filesystem::file_size(File())) / 1e6);
   TellQuery("10 minutes", 10min);
   TellQuery("hour", 1h);
