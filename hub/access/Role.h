@@ -14,7 +14,9 @@ std::optional<Role> ParseRole(std::string_view name);  // "view", "use", "admin"
 
 // Somebody who asks, as the door has found out.
 struct Caller {
-  std::string account;  // empty: nobody by name (the Unix socket; loopback without accounts)
+  // "token:NAME" where a token was shown, which no account can be called; empty: nobody by name
+  // (the Unix socket; loopback without accounts).
+  std::string account;
   Role role = Role::kNone;
   std::string session;  // its id where a cookie brought it, not the cookie's secret
   std::string address;  // of the network; empty on the Unix socket

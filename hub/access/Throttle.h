@@ -1,0 +1,53 @@
+// The brake on trying passwords: five free tries an account and address, then a pause of 1 s that
+// doubles up to 60 s. Other addresses and other accounts are not slowed, and a success clears
+// nothing but its own pair.
+//
+// The table has an end: whoever fills it pays a hashed password for each row, and the row that
+// rested longest goes first. Pure; one thread.
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "model/Clock.h"
+
+namespace hub::access {
+
+class Throttle {
+ public:
+  static constexpr unsigned kFreeTries = 5;
+  static constexpr std::chrono::seconds kLongestPause{60};
+  static constexpr size_t kMostPairs = 4096;
+
+  // After so long without a try a pair begins anew; who waits for that tries less often than who
+  // keeps to the pauses.
+  static constexpr std::chrono::hours kForgotten{1};
+
+  // Counts a try, before anybody knows how it ends: tries that run at once count as many. Or the
+  // time until one may be made; such a one is not counted.
+  std::optional<std::chrono::seconds> Try(std::string_view account, std::string_view address,
+                                          model::SteadyTime now);
+
+  // A try was a success.
+  void Clear(std::string_view account, std::string_view address);
+
+  size_t Pairs() const { return pairs_.size(); }
+
+ private:
+  using Pair = std::pair<std::string, std::string>;
+  struct Tries {
+    unsigned count = 0;
+    model::SteadyTime last;
+  };
+
+  static Pair PairOf(std::string_view account, std::string_view address);
+  void MakeRoom();
+
+  std::map<Pair, Tries> pairs_;
+};
+
+}  // namespace hub::access

@@ -1,0 +1,26 @@
+// A clock that stands until a test moves it.
+#pragma once
+
+#include "model/Clock.h"
+
+namespace hub {
+
+class FakeClock : public model::Clock {
+ public:
+  model::Time Now() const override { return now_; }
+  model::SteadyTime Steady() const override { return steady_; }
+
+  void Pass(std::chrono::milliseconds time) {
+    now_ += time;
+    steady_ += time;
+  }
+
+  // Somebody sets the time of day.
+  void Set(std::chrono::milliseconds by) { now_ += by; }
+
+ private:
+  model::Time now_{std::chrono::seconds(1'795'262'400)};
+  model::SteadyTime steady_{std::chrono::hours(1)};
+};
+
+}  // namespace hub
