@@ -17,6 +17,7 @@ struct ChannelSettings {
   int decimals = 0;                 // places behind the point, 0..6
   double hysteresis = 0;            // a level that has moved no further than this is not published
   std::optional<bool> active_high;  // a line: which level is "on"; nothing: as the kind has it
+  bool operator==(const ChannelSettings&) const = default;
 };
 
 struct CardSettings {
@@ -25,6 +26,7 @@ struct CardSettings {
   bool is_signed = false;    // a motor: channels 0..2 are -100..100
   int rows = 4;              // of a display
   int columns = 20;
+  bool operator==(const CardSettings&) const = default;
 };
 
 struct Settings {
@@ -40,6 +42,7 @@ struct Settings {
     const auto found = channels.find({address, number});
     return found == channels.end() ? ChannelSettings{} : found->second;
   }
+  bool operator==(const Settings&) const = default;
 };
 
 }  // namespace hub::model

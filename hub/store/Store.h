@@ -23,6 +23,7 @@ struct StoreOptions {
   std::string folder = "/var/lib/qelm-hub";
   int keep_days = 7;  // of values as they came; a month of minutes and all hours are kept besides
   int max_mb = 256;
+  bool operator==(const StoreOptions&) const = default;
 };
 
 class Store {
