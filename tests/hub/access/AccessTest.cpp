@@ -319,6 +319,18 @@ TEST_F(AccessTest, AnAccountThatGoesWhileItsPasswordIsCheckedIsNotLetIn) {
   EXPECT_EQ(outcome, "wrong");
 }
 
+TEST_F(AccessTest, AnOldPasswordThatIsCheckedWhileTheNewOneComesIsNotLetIn) {
+  Add("operator", Role::kAdmin);
+  std::string outcome;
+  asio::co_spawn(context, access->ChangeAccount("operator", "another password", {}),
+                 [](std::exception_ptr, std::optional<Refusal>) {});
+  asio::co_spawn(context, access->LogIn("operator", kPassword, kHere),
+                 [&outcome](std::exception_ptr, const Tried& tried) { outcome = Word(tried); });
+  context.restart();
+  context.run();
+  EXPECT_EQ(outcome, "wrong");
+}
+
 TEST_F(AccessTest, TheLastAdminCanNeitherGoNorBeLowered) {
   Add("operator", Role::kAdmin);
   Add("guest", Role::kView);
