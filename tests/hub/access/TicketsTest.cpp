@@ -30,6 +30,7 @@ TEST_F(TicketsTest, StandForTheirCallerOnce) {
   EXPECT_EQ(caller->role, Role::kUse);
   EXPECT_EQ(caller->session, "0123456789abcdef");
   EXPECT_FALSE(Take(ticket));
+  EXPECT_EQ(tickets.Count(), 0U);
 }
 
 TEST_F(TicketsTest, LastForFiveSeconds) {
