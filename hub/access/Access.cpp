@@ -256,7 +256,7 @@ std::optional<Refusal> Access::RemoveAccount(const std::string& name) {
 std::variant<std::string, Refusal> Access::AddToken(const std::string& name, Role role) {
   if (!IsName(name)) return Refusal::kBadName;
   if (Find(parts_->tokens, name) != nullptr) return Refusal::kExists;
-  const std::string secret = RandomSecret();
+  std::string secret = RandomSecret();
   parts_->tokens.push_back({name, role, HashOf(secret)});
   parts_->Keep();
   return secret;

@@ -9,7 +9,7 @@ namespace hub::access {
 std::string Tickets::Make(const Caller& caller, model::SteadyTime now) {
   DropOld(now);
   if (tickets_.size() >= kMost) tickets_.pop_front();
-  const std::string ticket = RandomSecret();
+  std::string ticket = RandomSecret();
   tickets_.push_back({HashOf(ticket), caller, now});
   return ticket;
 }

@@ -62,8 +62,8 @@ const Rule kHostName{IsHostName,
                      "a host's name, without scheme and port; other alphabets as \"xn--...\""};
 const Rule kAddress{IsAddress, "an address such as \"192.168.1.2\", no name"};
 const Rule kTextListen{OrEmpty<access::IsLoopback>,
-                       "\"127.0.0.1\", \"::1\", or \"\" for no text ports: these know no log-in"};
-const Rule kBoardName{IsBoardName, "up to 32 letters, digits, \"-\", \"_\"; \"\" for the host's"};
+                       R"("127.0.0.1", "::1", or "" for no text ports: these know no log-in)"};
+const Rule kBoardName{IsBoardName, R"(up to 32 letters, digits, "-", "_"; "" for the host's)"};
 const Rule kLabel{IsLabel, "1 to 64 bytes of text without control characters"};
 const Rule kUnit{[](std::string_view text) {
                    return !text.empty() && text.size() <= kLongestUnit && IsPrintable(text);
