@@ -12,10 +12,19 @@ struct Problem {
   int status = 500;   // as of HTTP
   std::string title;  // short, the same for the same status
   std::string detail;
-  std::string where;             // the field; empty: none, null in the document
+  std::string where;               // the field; empty: none, null in the document
   std::optional<int> retry_after;  // seconds
 
   boost::json::object ToJson() const;
 };
+
+// With the title of its status.
+Problem ProblemOf(int status, std::string detail, std::string where = "");
+
+// A value or a field that does not fit: 422.
+Problem DoesNotFit(std::string where, std::string detail);
+
+// Come again later: 429 and 503.
+Problem RetryLater(int status, std::string detail, int seconds);
 
 }  // namespace hub::api
