@@ -7,6 +7,7 @@
 #include <boost/asio/awaitable.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/value.hpp>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,6 +16,7 @@
 
 #include "access/Access.h"
 #include "access/Role.h"
+#include "api/CardMemory.h"
 #include "api/Problem.h"
 #include "link/Link.h"
 #include "model/Bus.h"
@@ -31,6 +33,8 @@ struct House {
   store::Store& store;
   access::Access& access;
   const model::Clock& clock;
+  model::Settings file = {};  // what the file settles; whoever changes it calls ApplySettings
+  CardMemory card_memory = {};
 };
 
 struct Request {
@@ -38,17 +42,19 @@ struct Request {
   access::Caller caller;
 };
 
-// A result, or what is wrong. A handler that opens or ends a session says so: the door has the
-// cookie to set (or, empty, to delete).
+// A result, or what is wrong; and what the door has to do besides.
 struct Reply {
   std::variant<boost::json::value, Problem> result;
-  std::optional<std::string> cookie;
+  std::optional<std::string> cookie;        // to be set; empty: to be deleted
+  std::optional<uint64_t> live_after = {};  // changes behind this number are to follow
 };
 
 enum class Verb { kGet, kPut, kPost, kPatch, kDelete };
 
-enum class Type { kText, kInteger, kNumber, kBoolean, kObject, kValue };
-enum class Place { kPath, kQuery, kBody };
+enum class Type { kText, kInteger, kNumber, kBoolean, kObject, kList, kTime, kValue };
+
+// A whole body is one parameter by itself: its members are no parameters.
+enum class Place { kPath, kQuery, kBody, kWholeBody };
 
 struct Parameter {
   std::string_view name;
@@ -56,14 +62,18 @@ struct Parameter {
   Place place;
   bool required;
   std::string_view summary;
+  double least = 0;  // of a number, of a text's characters; with `most` 0 as well: any
+  double most = 0;
+  std::span<const std::string_view> words = {};  // all that a text may be; empty: any
 };
 
+// Throws a Problem for what is wrong with the request.
 using Handler = boost::asio::awaitable<Reply> (*)(House& house, Request request);
 
 struct Method {
-  std::string_view name;   // "channels.set"
+  std::string_view name;  // "channels.set"
   Verb verb;
-  std::string_view route;  // "/api/channels/{id}"
+  std::string_view route;  // "/api/channels/{id}"; empty: by name only
   access::Role role;       // kNone: anybody
   std::string_view summary;
   std::span<const Parameter> parameters;
@@ -84,6 +94,13 @@ struct RouteMatch {
   boost::json::object parameters;
 };
 RouteMatch FindRoute(Verb verb, std::string_view path);
+
+// Adds what a request over HTTP carries to what its path held. A name that is no parameter of
+// that place is a problem.
+std::optional<Problem> AddQuery(const Method& method, std::string_view name, std::string_view value,
+                                boost::json::object& parameters);
+std::optional<Problem> AddBody(const Method& method, const boost::json::value& body,
+                               boost::json::object& parameters);
 
 // Role, then parameters (types, missing and unknown ones by name), then the handler. Never throws.
 boost::asio::awaitable<Reply> Call(House& house, const Method& method, Request request);
