@@ -1,0 +1,115 @@
+// Answers as the table shows them.
+#pragma once
+
+#include <string_view>
+
+namespace hub::api::examples {
+
+inline constexpr std::string_view kBus = R"({
+  "id":"3f9a21c0", "name":"bench", "seq":1234,
+  "daemon":{"state":"up", "version":"1.20", "since":"2026-11-21T12:00:00.000Z",
+            "waiting_for":null},
+  "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"},
+  "pace":50, "polling":true, "virtual":true})";
+
+inline constexpr std::string_view kDisplay = R"({
+  "address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
+  "channels":[],
+  "glass":{"rows":["                    ", "   Tail of the cat  ", "                    ",
+                   "                    "],
+           "known":true, "light":true, "cursor":false, "blink":false}})";
+
+inline constexpr std::string_view kServoCard = R"({
+  "address":"0", "kind":"servo", "name":"Arm", "state":"present", "keep":true, "polling":null,
+  "channels":[
+    {"id":"0.0", "name":"Elbow", "type":"position", "value":128, "raw":128, "known":true,
+     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
+     "min":0, "max":255}],
+  "glass":null})";
+
+inline constexpr std::string_view kRelays = R"({
+  "address":"5", "kind":"digital-output", "name":"Relays", "state":"present", "keep":true,
+  "polling":null,
+  "channels":[
+    {"id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
+     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
+     "min":null, "max":null}],
+  "glass":null})";
+
+inline constexpr std::string_view kCards = R"({"cards":[{
+  "address":"5", "kind":"digital-output", "name":"Relays", "state":"present", "keep":true,
+  "polling":null,
+  "channels":[
+    {"id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
+     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
+     "min":null, "max":null}],
+  "glass":null}]})";
+
+inline constexpr std::string_view kInputs = R"({
+  "address":"3", "kind":"digital-input", "name":null, "state":"present", "keep":null,
+  "polling":false,
+  "channels":[
+    {"id":"3.0", "name":"Door", "type":"contact", "value":null, "raw":null, "known":false,
+     "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null}],
+  "glass":null})";
+
+inline constexpr std::string_view kLamp = R"({
+  "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
+  "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
+  "min":null, "max":null})";
+
+inline constexpr std::string_view kCode = R"({
+  "id":"9.0", "name":null, "type":"code", "value":"434F", "raw":null, "known":true,
+  "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
+  "min":null, "max":null})";
+
+inline constexpr std::string_view kSnapshot = R"({
+  "seq":1234,
+  "bus":{"id":"3f9a21c0", "name":"bench", "seq":1234,
+         "daemon":{"state":"absent", "version":null, "since":null, "waiting_for":null},
+         "adapter":{"state":"unknown", "device":null, "version":null},
+         "pace":null, "polling":null, "virtual":false},
+  "cards":[],
+  "events":[{"seq":1230, "time":"2026-11-21T12:00:00.000Z", "card":"8", "event_type":"press",
+             "code":5}],
+  "lost":0})";
+
+inline constexpr std::string_view kServoSettings =
+    R"({"end_a":[16, null, null, null, null, null], "end_b":[240, null, null, null, null, null]})";
+
+inline constexpr std::string_view kLines = R"({"lines":["CIA: DRIVER VERSION 1.20"]})";
+
+inline constexpr std::string_view kHistory = R"({
+  "channel":"F.3", "unit":"V", "step_ms":60000, "points":[[1795262400000, 2.5, 2.4, 2.6]]})";
+
+inline constexpr std::string_view kJournal = R"({
+  "entries":[{"seq":17, "time":"2026-11-21T12:00:00.000Z", "kind":"command",
+              "text":"5.0 (Lamp): on", "by":"operator"}],
+  "lost":0})";
+
+inline constexpr std::string_view kNames =
+    R"({"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}})";
+
+inline constexpr std::string_view kSetup = R"({
+  "cards":{"4":{"keep":true, "signed":true}, "E":{"rows":2, "columns":16}},
+  "channels":{"5.1":{"active":"high"},
+              "F.3":{"unit":"V", "max":5, "decimals":2, "hysteresis":0.02}}})";
+
+inline constexpr std::string_view kPage = R"({"order":["5", "E"], "hidden":["9"]})";
+
+inline constexpr std::string_view kBackup = R"({
+  "version":1,
+  "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}},
+  "setup":{"cards":{}, "channels":{"F.3":{"unit":"V", "max":5}}},
+  "page":{"order":["5", "E"]}})";
+
+inline constexpr std::string_view kWho = R"({"account":"operator", "role":"use"})";
+inline constexpr std::string_view kNobody = R"({"account":null, "role":null})";
+inline constexpr std::string_view kTicket = R"({"ticket":"7Zk0u1d3XJm2"})";
+inline constexpr std::string_view kAccounts =
+    R"({"accounts":[{"account":"operator", "role":"use"}]})";
+inline constexpr std::string_view kTokens = R"({"tokens":[{"name":"script", "role":"view"}]})";
+inline constexpr std::string_view kToken =
+    R"({"name":"script", "role":"view", "token":"Xw2cQ8rZt5"})";
+
+}  // namespace hub::api::examples

@@ -1,0 +1,44 @@
+// What is kept of the past: curves and the journal.
+#include <fmt/format.h>
+
+#include <chrono>
+#include <utility>
+
+#include "api/Handlers.h"
+#include "api/Times.h"
+
+namespace hub::api {
+
+namespace {
+
+constexpr std::chrono::hours kUsualSpan{24};
+constexpr int64_t kUsualPoints = 500;
+constexpr int64_t kUsualEntries = 100;
+
+}  // namespace
+
+Answer GetHistory(House& house, Request request) {
+  const std::string text = TextAt(request, "channel");
+  const auto id = ParseChannel(text);
+  if (!id) throw ProblemOf(404, fmt::format("no channel {}; they are as F.3", text), "channel");
+  const auto given_from = MaybeInteger(request, "from");
+  const auto given_to = MaybeInteger(request, "to");
+  const model::Time to = given_to ? TimeOf(*given_to) : house.clock.Now();
+  const model::Time from = given_from ? TimeOf(*given_from) : to - kUsualSpan;
+  if (from >= to)
+    throw DoesNotFit("from", fmt::format("from {} is not before {}", TimeText(from), TimeText(to)));
+  const auto points = static_cast<size_t>(MaybeInteger(request, "points").value_or(kUsualPoints));
+  auto reading = house.store.ReadHistory(*id, from, to, points);
+  const store::History history = co_await std::move(reading);
+  co_return Done(HistoryJson(house.bus, *id, history));
+}
+
+Answer GetJournal(House& house, Request request) {
+  const auto after = static_cast<uint64_t>(IntegerAt(request, "after"));
+  const auto limit = static_cast<size_t>(MaybeInteger(request, "limit").value_or(kUsualEntries));
+  auto reading = house.store.ReadJournal(after, limit);
+  const store::JournalPage page = co_await std::move(reading);
+  co_return Done(JournalJson(page));
+}
+
+}  // namespace hub::api
