@@ -28,6 +28,8 @@ Answer SetPolling(House& house, Request request) {
   auto asking = AskDaemon(house, is_on ? "ENABLEPOLL" : "DISABLEPOLL");
   const protocol::Lines lines = co_await std::move(asking);
   Note(house, request, "command", fmt::format("polling: {}", is_on ? "on" : "off"));
+  auto refreshing = RefreshPolling(house);
+  co_await std::move(refreshing);
   co_return Done(BusJson(house.bus));
 }
 

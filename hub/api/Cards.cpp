@@ -49,6 +49,8 @@ Answer SetCardPolling(House& house, Request request) {
   auto asking = AskDaemon(house, fmt::format("{}:{}", is_on ? "POLLON" : "POLLOFF", address));
   const protocol::Lines lines = co_await std::move(asking);
   Note(house, request, "command", fmt::format("polling of {}: {}", address, is_on ? "on" : "off"));
+  auto refreshing = RefreshPolling(house);
+  co_await std::move(refreshing);
   co_return CardNow(house, request);
 }
 

@@ -132,6 +132,15 @@ boost::asio::awaitable<protocol::Lines> AskDaemon(House& house, std::string line
   co_return std::move(*lines);
 }
 
+boost::asio::awaitable<void> RefreshPolling(House& house) {
+  auto asking = AskDaemon(house, "POLLSTATE");
+  const protocol::Lines lines = co_await std::move(asking);
+  const auto polling = protocol::ParsePolling(lines);
+  if (!polling) co_return;
+  house.bus.SetPolling(*polling);
+  house.bus.Publish();
+}
+
 void Note(House& house, const Request& request, std::string_view kind, std::string text) {
   model::JournalEntry entry;
   entry.time = house.clock.Now();

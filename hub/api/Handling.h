@@ -52,6 +52,9 @@ void RequireAccepted(link::Outcome outcome, unsigned address);
 // A line for the console, and its answer. An answer with an error is a problem too.
 boost::asio::awaitable<protocol::Lines> AskDaemon(House& house, std::string line);
 
+// Reads anew which inputs are polled, for the answer to whoever has changed it.
+boost::asio::awaitable<void> RefreshPolling(House& house);
+
 // For the journal: who is asking, and what was done.
 void Note(House& house, const Request& request, std::string_view kind, std::string text);
 

@@ -174,7 +174,7 @@ json::object Components() {
   json::object components{{"schemas", std::move(schemas)}};
   components["responses"] = Answers();
   components["securitySchemes"] = json::parse(R"({
-    "cookie":{"type":"apiKey", "in":"cookie", "name":"qelm-session"},
+    "cookie":{"type":"apiKey", "in":"cookie", "name":"qelm_session"},
     "token":{"type":"http", "scheme":"bearer"}})");
   return components;
 }

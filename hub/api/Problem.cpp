@@ -16,7 +16,7 @@ struct StatusTitle {
 };
 
 // The last serves every status that is not in the table.
-constexpr std::array<StatusTitle, 14> kTitles{{
+constexpr std::array<StatusTitle, 15> kTitles{{
     {400, "no JSON"},
     {401, "no login"},
     {403, "not allowed"},
@@ -27,6 +27,7 @@ constexpr std::array<StatusTitle, 14> kTitles{{
     {413, "too long"},
     {415, "not JSON"},
     {422, "does not fit"},
+    {426, "a WebSocket only"},
     {429, "too fast"},
     {431, "headers too long"},
     {503, "not available"},

@@ -125,6 +125,7 @@ TEST_F(AccountsTest, WhatIsRefusedIsWorded) {
            Row{FakeAccess::kShortPassword, 422, "password", "a password has at least 8 characters"},
            Row{FakeAccess::kLongPassword, 422, "password",
                "a password has at most 1024 characters"},
+           Row{FakeAccess::kBusy, 429, "", "too many passwords wait to be checked"},
        }) {
     access.refusal = row.refusal;
     for (const char* method : {"accounts.add", "accounts.change"})

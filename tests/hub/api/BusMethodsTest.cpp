@@ -9,6 +9,7 @@ class BusMethodsTest : public ApiTest {
   // Runs the call with one thing in its way after the other: the daemon is not there, another
   // program holds it, it is mute.
   void ExpectNeedsDaemon(std::string_view method, std::string_view parameters) {
+    TakeAsked();
     DaemonIs(model::DaemonState::kAbsent);
     ExpectProblem(method, parameters, 503, "", "the daemon is not there; nothing was sent");
     DaemonIs(model::DaemonState::kWaiting);
@@ -51,9 +52,17 @@ TEST_F(BusMethodsTest, ThePaceIsSet) {
 TEST_F(BusMethodsTest, PollingIsSwitched) {
   Result("bus.polling", R"({"polling":true})");
   Result("bus.polling", R"({"polling":false})");
-  EXPECT_EQ(TakeAsked(), "ENABLEPOLL\nDISABLEPOLL");
+  EXPECT_EQ(TakeAsked(), "ENABLEPOLL\nPOLLSTATE\nDISABLEPOLL\nPOLLSTATE");
   EXPECT_EQ(LastNote(), "command operator: polling: off");
   ExpectNeedsDaemon("bus.polling", R"({"polling":true})");
+}
+
+TEST_F(BusMethodsTest, TheAnswerKnowsWhatIsPolledNow) {
+  link.answers["POLLSTATE"] = {"CIA: GLOBAL POLLING IS DISABLED", "PTI:0x3:ON", "PTI:0xF:OFF"};
+  EXPECT_NE(Result("bus.polling", R"({"polling":false})").find(R"("polling":false)"),
+            std::string::npos);
+  EXPECT_NE(Result("card.polling", R"({"address":"F","polling":false})").find(R"("polling":false)"),
+            std::string::npos);
 }
 
 TEST_F(BusMethodsTest, TheConsoleAnswersInLines) {

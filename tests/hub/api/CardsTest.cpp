@@ -80,7 +80,7 @@ TEST_F(CardsTest, ACardThatWentMeanwhileIsToldAsItIs) {
 TEST_F(CardsTest, AnInputCardIsPolledOrNot) {
   Result("card.polling", R"({"address":"3","polling":false})");
   Result("card.polling", R"({"address":"F","polling":true})");
-  EXPECT_EQ(TakeAsked(), "POLLOFF:3\nPOLLON:F");
+  EXPECT_EQ(TakeAsked(), "POLLOFF:3\nPOLLSTATE\nPOLLON:F\nPOLLSTATE");
   EXPECT_EQ(LastNote(), "command operator: polling of F: on");
   ExpectProblem("card.polling", R"({"address":"5","polling":true})", 409, "address",
                 "card 5 is of the kind digital-output; only inputs are polled");

@@ -19,7 +19,8 @@ struct FakeAccess {
     kFirstIsAdmin,
     kBadName,
     kShortPassword,
-    kLongPassword
+    kLongPassword,
+    kBusy
   };
 
   FakeAccess() { now = this; }

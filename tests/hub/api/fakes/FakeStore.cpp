@@ -8,7 +8,7 @@ namespace hub::store {
 
 namespace {
 
-int64_t Count(model::Time time) {
+int64_t ToCount(model::Time time) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
 }
 
@@ -37,8 +37,8 @@ boost::asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, mod
                                                    model::Time to, size_t points) {
   FakeStore& fake = *FakeStore::now;
   fake.asked_history = std::to_string(channel.address) + '.' + std::to_string(channel.number) +
-                       ' ' + std::to_string(Count(from)) + ' ' + std::to_string(Count(to)) + ' ' +
-                       std::to_string(points);
+                       ' ' + std::to_string(ToCount(from)) + ' ' + std::to_string(ToCount(to)) +
+                       ' ' + std::to_string(points);
   History history;
   history.step_ms = fake.step_ms;
   for (const auto& [time, mean, min, max] : fake.points)
