@@ -52,9 +52,10 @@ Answer ChangeAccount(House& house, Request request) {
   auto changing = house.access.ChangeAccount(name, password, role);
   const std::optional<access::Refusal> refusal = co_await std::move(changing);
   RequireDone(refusal);
-  std::string note = fmt::format("account {}:", name);
-  if (password) note += " new password";
-  if (role) note += fmt::format(" role {}", access::NameOf(*role));
+  std::string note = fmt::format("account {}: ", name);
+  if (password) note += "new password";
+  if (password && role) note += ", ";
+  if (role) note += fmt::format("role {}", access::NameOf(*role));
   Note(house, request, "access", std::move(note));
   co_return AccountsReply(house);
 }

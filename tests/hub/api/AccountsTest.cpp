@@ -88,7 +88,7 @@ TEST_F(AccountsTest, AccountsAreListedAddedChangedAndRemoved) {
                    {"account":"operator","role":"use"}, {"account":"root","role":"admin"}]})");
   EXPECT_EQ(LastNote(), "access operator: account guest added, role view");
   Result("accounts.change", R"({"account":"guest","role":"use","password":"secret two"})");
-  EXPECT_EQ(LastNote(), "access operator: account guest: new password role use");
+  EXPECT_EQ(LastNote(), "access operator: account guest: new password, role use");
   Result("accounts.change", R"({"account":"guest","password":"secret two"})");
   Result("accounts.change", R"({"account":"guest","role":"admin"})");
   Result("accounts.remove", R"({"account":"guest"})");
