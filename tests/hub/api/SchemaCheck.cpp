@@ -1,8 +1,9 @@
 #include "api/SchemaCheck.h"
 
+#include <regex.h>
+
 #include <algorithm>
 #include <boost/json/serialize.hpp>
-#include <regex>
 #include <string_view>
 
 namespace hub::api {
@@ -10,6 +11,14 @@ namespace hub::api {
 namespace json = boost::json;
 
 namespace {
+
+bool Matches(const std::string& text, const std::string& pattern) {
+  regex_t compiled;
+  if (regcomp(&compiled, pattern.c_str(), REG_EXTENDED | REG_NOSUB) != 0) return false;
+  const bool matches = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
+  regfree(&compiled);
+  return matches;
+}
 
 class Checker {
  public:
@@ -79,7 +88,7 @@ class Checker {
     if (!value.is_string()) return;
     const std::string text(value.get_string());
     if (keyword == "pattern")
-      Expect(std::regex_search(text, std::regex(std::string(wanted.get_string()))), where, keyword);
+      Expect(Matches(text, std::string(wanted.get_string())), where, keyword);
     else if (keyword == "minLength")
       Expect(text.size() >= wanted.to_number<size_t>(), where, keyword);
     else
