@@ -1,0 +1,57 @@
+#include "http/Ledger.h"
+
+#include <gtest/gtest.h>
+
+namespace hub::http {
+namespace {
+
+using model::Change;
+using model::ChannelId;
+
+TEST(LedgerTest, WhoHasHeardTheLastChangeHasNothingToHear) {
+  Ledger ledger;
+  ledger.Note({.after = 0, .sequence = 3, .bus = true, .cards = {5}, .channels = {}, .events = {}});
+  const Change change = ledger.After(3);
+  EXPECT_FALSE(change.bus);
+  EXPECT_TRUE(change.cards.empty());
+  EXPECT_TRUE(change.channels.empty());
+}
+
+TEST(LedgerTest, WhoFellBehindHearsEachLevelOnce) {
+  Ledger ledger;
+  ledger.Note({.after = 0, .sequence = 1, .bus = true, .cards = {}, .channels = {}, .events = {}});
+  ledger.Note(
+      {.after = 1, .sequence = 2, .bus = false, .cards = {}, .channels = {{3, 6}}, .events = {}});
+  ledger.Note({.after = 2,
+               .sequence = 4,
+               .bus = false,
+               .cards = {},
+               .channels = {{3, 6}, {15, 0}},
+               .events = {}});
+  const Change change = ledger.After(1);
+  EXPECT_EQ(change.after, 1U);
+  EXPECT_EQ(change.sequence, 4U);
+  EXPECT_FALSE(change.bus);
+  EXPECT_EQ(change.channels, (std::vector<ChannelId>{{3, 6}, {15, 0}}));
+}
+
+TEST(LedgerTest, ACardThatChangedAsAWholeBringsItsChannels) {
+  Ledger ledger;
+  ledger.Note(
+      {.after = 0, .sequence = 1, .bus = false, .cards = {}, .channels = {{5, 0}}, .events = {}});
+  ledger.Note(
+      {.after = 1, .sequence = 2, .bus = false, .cards = {5}, .channels = {}, .events = {}});
+  EXPECT_EQ(ledger.After(0).cards, (std::vector<unsigned>{5}));
+  EXPECT_TRUE(ledger.After(0).channels.empty());
+}
+
+TEST(LedgerTest, OnlyTheLastChangeIsNextForItsReader) {
+  Ledger ledger;
+  ledger.Note({.after = 0, .sequence = 2, .bus = true, .cards = {}, .channels = {}, .events = {}});
+  ledger.Note({.after = 2, .sequence = 5, .bus = true, .cards = {}, .channels = {}, .events = {}});
+  EXPECT_TRUE(ledger.IsNext(2));
+  EXPECT_FALSE(ledger.IsNext(1));
+}
+
+}  // namespace
+}  // namespace hub::http

@@ -1,0 +1,174 @@
+// What is told to those who hear the bus live.
+#include "Stand.h"
+
+namespace hub::http {
+namespace {
+
+class LiveTest : public testing::Test {
+ protected:
+  // The number behind a name in a message.
+  static uint64_t Number(const std::string& message, const std::string& name) {
+    const size_t at = message.find("\"" + name + "\":");
+    if (at == std::string::npos) throw std::runtime_error("no " + name + " in " + message);
+    return std::stoull(message.substr(at + name.size() + 3));
+  }
+
+  static bool Has(const std::string& message, const std::string& text) {
+    return message.find(text) != std::string::npos;
+  }
+
+  // Closed with this code as the last frame.
+  static void ExpectClosedWith(WebClient& client, const std::string& code) {
+    Frame frame = client.ReadFrame();
+    while (frame.opcode == 1 || frame.opcode == 9) frame = client.ReadFrame();
+    EXPECT_EQ(frame.opcode, 8);
+    EXPECT_EQ(frame.payload.substr(0, 2), code);
+    EXPECT_TRUE(client.Ends());
+  }
+
+  const std::string kNotAllowed{"\x03\xF0"};  // 1008
+  Stand stand;
+};
+
+TEST_F(LiveTest, ASubscriptionBringsTheWholeStateThenChanges) {
+  WebClient client = stand.Connect();
+  client.Upgrade();
+  client.SendText(R"({"jsonrpc":"2.0","id":"a","method":"live.subscribe"})");
+  const std::string state = client.ReadText();
+  EXPECT_TRUE(state.starts_with(R"({"jsonrpc":"2.0","id":"a","result":{"seq":)")) << state;
+  EXPECT_TRUE(Has(state, R"("id":"F.3")"));
+  stand.Move(7);
+  const std::string change = client.ReadText();
+  EXPECT_TRUE(change.starts_with(R"({"jsonrpc":"2.0","method":"changes","params":{"after":)"));
+  EXPECT_EQ(Number(change, "after"), Number(state, "seq"));
+  EXPECT_EQ(Number(change, "seq"), stand.Sequence());
+  EXPECT_TRUE(Has(change, R"("id":"F.3")"));
+  EXPECT_TRUE(Has(change, R"("value":7)"));
+}
+
+TEST_F(LiveTest, WithoutASubscriptionNothingIsTold) {
+  WebClient client = stand.Connect();
+  client.Upgrade();
+  stand.Move(7);
+  client.SendText(R"({"jsonrpc":"2.0","id":1,"method":"session.who"})");
+  EXPECT_TRUE(Has(client.ReadText(), R"("id":1,"result")"));
+}
+
+TEST_F(LiveTest, ChangesFollowEachOtherWithoutAGap) {
+  WebClient client = stand.Subscribe();
+  uint64_t told = stand.Sequence();
+  for (unsigned value = 1; value <= 200; ++value) stand.Move(value);
+  while (told < stand.Sequence()) {
+    const std::string change = client.ReadText();
+    EXPECT_EQ(Number(change, "after"), told);
+    told = Number(change, "seq");
+  }
+}
+
+TEST_F(LiveTest, WhatIsNotPublishedYetIsToldOnceAndWhole) {
+  WebClient client = stand.Connect();
+  client.Upgrade();
+  stand.Run([&] {
+    stand.bus.TakeInput({0xF, 3, 9}, stand.clock.Now());
+    stand.bus.TakeInput({0x8, 0, 5}, stand.clock.Now());
+  });
+  client.SendText(R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe"})");
+  EXPECT_TRUE(Has(client.ReadText(), R"("value":9)"));
+  stand.Run([&] { stand.bus.Publish(); });
+  stand.Move(10);
+  const std::string change = client.ReadText();
+  EXPECT_TRUE(Has(change, R"("value":10)"));
+  EXPECT_TRUE(Has(change, R"("events":[])"));
+}
+
+TEST_F(LiveTest, WhoComesBackHearsTheEventsSince) {
+  stand.PressKey();
+  const uint64_t before = stand.Sequence();
+  stand.PressKey();
+  WebClient client = stand.Connect();
+  client.Upgrade();
+  client.SendText(R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe","params":{"after":)" +
+                  std::to_string(before) + "}}");
+  const std::string state = client.ReadText();
+  EXPECT_TRUE(Has(state, R"("event_type":"press","code":5)"));
+  EXPECT_TRUE(Has(state, R"("event_type":"release","code":5)"));
+  EXPECT_TRUE(Has(state, R"("lost":0)"));
+}
+
+TEST_F(LiveTest, AllHearTheSameBytes) {
+  std::vector<WebClient> clients;
+  for (int i = 0; i < 20; ++i) clients.push_back(stand.Subscribe());
+  stand.Move(99);
+  const std::string first = clients[0].ReadText();
+  for (size_t i = 1; i < clients.size(); ++i) EXPECT_EQ(clients[i].ReadText(), first);
+}
+
+TEST_F(LiveTest, ManyRequestsMayBeUnderWay) {
+  WebClient client = stand.Connect();
+  client.Upgrade();
+  std::string all;
+  for (int i = 0; i < 100; ++i)
+    all += FrameText(1, R"({"jsonrpc":"2.0","id":)" + std::to_string(i) +
+                            R"(,"method":"thing.get","params":{"name":"lamp"}})");
+  client.Send(all);
+  for (int i = 0; i < 100; ++i)
+    EXPECT_EQ(Number(client.ReadText(), "id"), static_cast<unsigned>(i));
+}
+
+TEST_F(LiveTest, ARequestWithoutAnIdIsNotAnswered) {
+  WebClient client = stand.Connect();
+  client.Upgrade();
+  for (int i = 0; i < 50; ++i)
+    client.SendText(R"({"jsonrpc":"2.0","method":"thing.get","params":{"name":"lamp"}})");
+  client.SendText(R"({"jsonrpc":"2.0","id":1,"method":"session.who"})");
+  EXPECT_EQ(Number(client.ReadText(), "id"), 1U);
+}
+
+TEST_F(LiveTest, ARoleCountsOnAWebSocketToo) {
+  const std::string token = stand.AddToken("scripts", access::Role::kView);
+  WebClient client = stand.Connect();
+  EXPECT_EQ(client.Upgrade("/api/live", "Authorization: Bearer " + token + "\r\n").status, 101);
+  client.SendText(
+      R"({"jsonrpc":"2.0","id":1,"method":"thing.put","params":{"name":"lamp","value":1}})");
+  EXPECT_TRUE(Has(client.ReadText(), R"("status":403)"));
+}
+
+TEST_F(LiveTest, AWebSocketEndsWithItsSession) {
+  const std::string cookie = "Cookie: " + stand.AddAccount() + "\r\n";
+  WebClient client = stand.Connect();
+  EXPECT_EQ(client.Upgrade("/api/live", cookie + "Origin: http://localhost\r\n").status, 101);
+  stand.Connect().Ask(RequestText("DELETE", "/api/session", cookie));
+  ExpectClosedWith(client, kNotAllowed);
+}
+
+TEST_F(LiveTest, AWebSocketEndsWithItsAccount) {
+  const std::string cookie = "Cookie: " + stand.AddAccount() + "\r\n";
+  WebClient client = stand.Connect();
+  client.Upgrade("/api/live", cookie + "Origin: http://localhost\r\n");
+  stand.ChangePassword();
+  ExpectClosedWith(client, kNotAllowed);
+}
+
+TEST_F(LiveTest, AWebSocketEndsWithItsToken) {
+  const std::string token = stand.AddToken("scripts", access::Role::kView);
+  WebClient client = stand.Connect();
+  client.Upgrade("/api/live", "Authorization: Bearer " + token + "\r\n");
+  WebClient other = stand.Subscribe();
+  stand.Run([&] { stand.access.RemoveToken("scripts"); });
+  ExpectClosedWith(client, kNotAllowed);
+  stand.Move(3);
+  EXPECT_TRUE(Has(other.ReadText(), R"("value":3)"));
+}
+
+TEST_F(LiveTest, WhoCameWithoutALoginEndsWithTheFirstAccount) {
+  WebClient client = stand.Subscribe();
+  WebClient local = stand.ConnectLocally();
+  local.Upgrade();
+  stand.AddAccount();
+  ExpectClosedWith(client, kNotAllowed);
+  local.SendText(R"({"jsonrpc":"2.0","id":1,"method":"session.who"})");
+  EXPECT_TRUE(Has(local.ReadText(), R"("role":"admin")"));
+}
+
+}  // namespace
+}  // namespace hub::http

@@ -1,0 +1,48 @@
+// The text that a monitoring system reads.
+#include "Stand.h"
+
+namespace hub::http {
+namespace {
+
+class MetricsTest : public testing::Test {
+ protected:
+  bool Has(const std::string& line) { return text().find("\n" + line + "\n") != std::string::npos; }
+  std::string text() { return stand.Connect().Get("/metrics").body; }
+
+  Stand stand;
+};
+
+TEST_F(MetricsTest, EachNumberHasItsKindAndItsHelp) {
+  const Reply reply = stand.Connect().Get("/metrics");
+  EXPECT_EQ(reply.fields.at("content-type"), "text/plain; version=0.0.4; charset=utf-8");
+  EXPECT_TRUE(reply.body.starts_with("# HELP qelm_daemon_up "));
+  EXPECT_TRUE(Has("# TYPE qelm_link_commands_total counter"));
+  EXPECT_TRUE(Has("qelm_link_commands_total 42"));
+  EXPECT_TRUE(Has("qelm_store_troubled 1"));
+  EXPECT_TRUE(Has("qelm_daemon_up 0"));
+}
+
+TEST_F(MetricsTest, RequestsAreCountedByTheirStatus) {
+  stand.Connect().Get("/api/nothing");
+  stand.Connect().Get("/api/nothing");
+  stand.Connect().Get("/healthz");
+  EXPECT_TRUE(Has("qelm_http_requests_total{status=\"404\"} 2"));
+  EXPECT_TRUE(Has("qelm_http_requests_total{status=\"200\"} 2"));
+}
+
+TEST_F(MetricsTest, WebSocketsAreCounted) {
+  WebClient client = stand.Subscribe();
+  stand.Move(1);
+  client.ReadText();
+  EXPECT_TRUE(Has("qelm_live_clients 1"));
+  EXPECT_TRUE(Has("qelm_live_messages_total 1"));
+  EXPECT_TRUE(Has("qelm_live_calls_total 1"));
+}
+
+TEST_F(MetricsTest, OtherPartsOfTheHubAddTheirOwn) {
+  stand.Run([&] { stand.server->Collect([] { return std::string("qelm_other 7\n"); }); });
+  EXPECT_TRUE(Has("qelm_other 7"));
+}
+
+}  // namespace
+}  // namespace hub::http
