@@ -20,7 +20,7 @@ class LiveClient : public std::enable_shared_from_this<LiveClient> {
  public:
   static constexpr size_t kMostUnderWay = 16;              // requests not answered yet
   static constexpr size_t kReplyBytesToPause = 64 * 1024;  // no further request is read
-  static constexpr size_t kReplyBytesToEnd = 256 * 1024;   // nor does it stay connected
+  static constexpr size_t kReplyBytesToEnd = 192 * 1024;   // nor does it stay connected
   static constexpr int kKernelBytes = 64 * 1024;
 
   LiveClient(Live& live, std::shared_ptr<Stream> stream, access::Caller caller);
