@@ -23,6 +23,19 @@ awaitable<Reply> GetLong(House&, Request request) {
   co_return Reply{boost::json::value(std::string(size, 'x')), {}, {}};
 }
 
+// All of them answer when there are sixteen, and at length.
+awaitable<Reply> GetLate(House& house, Request) {
+  constexpr int kAll = 16;
+  static int under_way = 0;
+  ++under_way;
+  boost::asio::steady_timer pause(house.context);
+  while (under_way < kAll) {
+    pause.expires_after(std::chrono::milliseconds(1));
+    co_await pause.async_wait(boost::asio::use_awaitable);
+  }
+  co_return Reply{boost::json::value(std::string(60'000, 'x')), {}, {}};
+}
+
 awaitable<Reply> Who(House&, Request request) {
   boost::json::object who{{"account", request.caller.account},
                           {"role", access::NameOf(request.caller.role)},
@@ -57,11 +70,12 @@ constexpr Parameter kAfter[] = {{"after", Type::kInteger, Place::kBody, false, "
 
 using access::Role;
 
-constexpr std::array<Method, 8> kMethods{{
+constexpr std::array<Method, 9> kMethods{{
     {"thing.get", Verb::kGet, "/api/things/{name}", Role::kView, "", kThing, GetThing, "", "", ""},
     {"thing.put", Verb::kPut, "/api/things/{name}", Role::kUse, "", kPutThing, GetThing, "", "",
      ""},
     {"long.get", Verb::kGet, "/api/long", Role::kView, "", kLong, GetLong, "", "", ""},
+    {"late.get", Verb::kGet, "/api/late", Role::kView, "", {}, GetLate, "", "", ""},
     {"busy.get", Verb::kGet, "/api/busy", Role::kView, "", {}, BeBusy, "", "", ""},
     {"session.who", Verb::kGet, "/api/session", Role::kNone, "", {}, Who, "", "", ""},
     {"session.open", Verb::kPost, "/api/session", Role::kNone, "", {}, OpenSession, "", "", ""},

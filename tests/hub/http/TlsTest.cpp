@@ -4,7 +4,9 @@
 #include <openssl/x509.h>
 
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read_until.hpp>
 #include <boost/asio/ssl.hpp>
+#include <boost/asio/write.hpp>
 
 #include "Stand.h"
 
