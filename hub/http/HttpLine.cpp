@@ -30,7 +30,7 @@ std::string DateOf(std::time_t now) {
 }
 
 // What is no error of HTTP is one of the network: nobody is there to be answered.
-Incoming Refusal(const error_code& why) {
+Incoming FailureOf(const error_code& why) {
   using beast::http::error;
   const bool is_gone = why == error::end_of_stream || why == error::partial_message ||
                        why.category() != beast::http::make_error_code(error::body_limit).category();
@@ -121,14 +121,14 @@ asio::awaitable<Incoming> HttpLine::Read() {
   stream.AllowFor(kHeaderTime);
   co_await beast::http::async_read_header(stream, parts_->buffer, parser,
                                           asio::redirect_error(asio::use_awaitable, error));
-  if (error) co_return Refusal(error);
+  if (error) co_return FailureOf(error);
   if (!parser.is_done()) {
     stream.AllowFor(kBodyTime);
     const bool agreed = co_await parts_->AgreeToBody(parser);
     if (!agreed) co_return Ended{};
     co_await beast::http::async_read(stream, parts_->buffer, parser,
                                      asio::redirect_error(asio::use_awaitable, error));
-    if (error) co_return Refusal(error);
+    if (error) co_return FailureOf(error);
   }
   co_return ToRequest(parser.release(), stream.OtherEnd());
 }
