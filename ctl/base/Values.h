@@ -1,0 +1,26 @@
+// What people write as values, as JSON. Throws Failure(kUsage), which says what would be right.
+#pragma once
+
+#include <boost/json/value.hpp>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace ctl {
+
+// "on", "off", "true", "false"
+bool ParseOnOff(const std::string& text);
+
+// on and off, numbers (decimal, or hexadecimal with 0x)
+boost::json::value ParseValue(const std::string& text);
+
+// "mask=0x20", "end_a=16,16,16,16,16,16" (an array), "self_test=on"
+std::pair<std::string, boost::json::value> ParseSetting(const std::string& text);
+
+long ParseNumber(const std::string& text, const std::string& what, long least, long most);
+
+// Upper-case digits without what people put between bytes: "43 4f", "43:4F".
+std::string ParseHex(const std::vector<std::string>& words);
+
+}  // namespace ctl

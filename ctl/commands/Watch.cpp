@@ -1,0 +1,122 @@
+// watch
+#include <boost/json/array.hpp>
+#include <iostream>
+
+#include "base/Json.h"
+#include "base/Times.h"
+#include "commands/All.h"
+#include "commands/Show.h"
+#include "commands/Things.h"
+
+namespace ctl {
+
+namespace json = boost::json;
+
+namespace {
+
+// What is looked at: everything, a card ("5"), or a channel ("5.0").
+class Selection {
+ public:
+  explicit Selection(std::string id) : id_(std::move(id)) {}
+
+  bool HasBus() const { return id_.empty(); }
+  bool HasCard(const std::string& address) const { return id_.empty() || id_ == address; }
+  bool HasChannel(const std::string& channel) const {
+    return id_ == channel || HasCard(channel.substr(0, channel.find('.')));
+  }
+
+ private:
+  std::string id_;
+};
+
+std::string Clock(const std::string& utc) {
+  const auto moment = ParseRfc3339(utc);
+  return moment ? FormatClock(*moment)
+                : FormatClock(std::chrono::floor<std::chrono::milliseconds>(
+                      std::chrono::system_clock::now()));
+}
+
+std::string BusText(const json::value& bus) {
+  return "daemon " + TextAt(At(bus, "daemon"), "state") + ", adapter " +
+         TextAt(At(bus, "adapter"), "state") + "\n";
+}
+
+std::string EventText(const json::value& event) {
+  const json::value& code = At(event, "code");
+  return TextAt(event, "card") + "  " + TextAt(event, "event_type") +
+         (code.is_null() ? "" : " " + ValueText(code)) + "\n";
+}
+
+class Watcher {
+ public:
+  Watcher(const Session& session, Selection selection)
+      : session_(session), selection_(std::move(selection)) {}
+
+  // False: nobody reads any more.
+  bool Take(const Reply& message) {
+    const json::value& result = At(message.data, "result");
+    const json::value& change = result.is_null() ? At(message.data, "params") : result;
+    lines_.clear();
+    AddBus(At(change, "bus"));
+    for (const json::value& card : ItemsAt(change, "cards")) AddCard(card);
+    for (const json::value& channel : ItemsAt(change, "channels")) AddChannel(channel);
+    for (const json::value& event : ItemsAt(change, "events"))
+      if (selection_.HasCard(TextAt(event, "card")))
+        Add(Clock(TextAt(event, "time")), EventText(event));
+    const double lost = NumberAt(change, "lost").value_or(0);
+    if (lost > 0) Add(Clock({}), "events that were lost: " + ValueText(lost) + "\n");
+    if (lines_.empty()) return true;
+    std::cout << (session_.json ? message.text + "\n" : lines_) << std::flush;
+    return std::cout.good();
+  }
+
+ private:
+  void Add(const std::string& time, const std::string& text) {
+    lines_ += session_.paint(Colour::kFaint, time) + "  " + text;
+  }
+
+  void AddBus(const json::value& bus) {
+    if (!bus.is_null() && selection_.HasBus()) Add(Clock({}), BusText(bus));
+  }
+
+  // A display's glass is told with its card; a card that only came or went has its state.
+  void AddCard(const json::value& card) {
+    const std::string address = TextAt(card, "address");
+    if (selection_.HasCard(address)) {
+      const json::value& glass = At(card, "glass");
+      Add(Clock({}), address + "  " + TextAt(card, "kind") + "  " + TextAt(card, "state") + "\n");
+      if (glass.is_object()) lines_ += GlassText(glass);
+    }
+    for (const json::value& channel : ItemsAt(card, "channels")) AddChannel(channel);
+  }
+
+  void AddChannel(const json::value& channel) {
+    if (!selection_.HasChannel(TextAt(channel, "id"))) return;
+    const std::string since = TextAt(channel, "since");
+    Add(since.empty() ? Clock({}) : Clock(since), ChannelText(channel, session_.paint));
+  }
+
+  const Session& session_;
+  Selection selection_;
+  std::string lines_;  // of the message at hand
+};
+
+std::string FindSelection(Hub& hub, const std::string& word) {
+  if (word.empty()) return {};
+  for (const std::string& id : {AsChannel(word), AsCard(word)})
+    if (!id.empty()) return id;
+  const Reply cards = hub.Get("/api/cards");
+  std::vector<Thing> things = CardsOf(cards.data);
+  for (Thing& channel : ChannelsOf(cards.data)) things.push_back(std::move(channel));
+  return FindByName(things, word, "card or channel");
+}
+
+}  // namespace
+
+int Watch(Session& session, const Words& words) {
+  Watcher watcher(session, Selection(FindSelection(session.hub, words["WHAT"])));
+  session.hub.Watch([&](const Reply& message) { return watcher.Take(message); });
+  return kDone;
+}
+
+}  // namespace ctl
