@@ -17,6 +17,8 @@ constexpr char kFooter[] =
     "2 the command line is wrong; 3 the hub is not reachable.\n"
     "\"qelmctl COMMAND --help\" says more of a command. Something does not work: qelmctl doctor";
 
+constexpr int kMany = 1000;  // arguments of one kind
+
 // What was read before it is known which command it is for.
 struct Given {
   Target target;
@@ -45,7 +47,7 @@ void DescribeCommand(CLI::App& app, const Command& command) {
   for (const Argument& argument : command.arguments)
     app.add_option(argument.name, argument.help)
         ->type_name("")
-        ->expected(argument.count == Count::kAny ? -1 : 1)
+        ->expected(1, argument.count == Count::kAny ? kMany : 1)
         ->required(argument.count == Count::kOne);
   for (const Option& option : command.options) {
     if (option.value.empty()) {

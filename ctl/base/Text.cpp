@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace ctl {
 
@@ -18,19 +19,22 @@ bool IsAlphanumeric(char letter) {
 
 bool StartsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
 
-// Letters to change, add or take away.
+// Letters to change, add, take away, or to swap with their neighbour.
 size_t Distance(std::string_view a, std::string_view b) {
-  std::vector<size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), 0U);
+  std::vector<size_t> two_above;
+  std::vector<size_t> above(b.size() + 1);
+  std::iota(above.begin(), above.end(), 0U);
   for (size_t i = 0; i < a.size(); ++i) {
-    size_t diagonal = std::exchange(row[0], i + 1);
+    std::vector<size_t> row{i + 1};
     for (size_t j = 0; j < b.size(); ++j) {
-      const size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
+      const size_t changed = above[j] + (a[i] == b[j] ? 0 : 1);
+      row.push_back(std::min({changed, row[j] + 1, above[j + 1] + 1}));
+      if (i > 0 && j > 0 && a[i] == b[j - 1] && a[i - 1] == b[j])
+        row.back() = std::min(row.back(), two_above[j - 1] + 1);
     }
+    two_above = std::exchange(above, std::move(row));
   }
-  return row.back();
+  return above.back();
 }
 
 }  // namespace

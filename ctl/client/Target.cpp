@@ -24,12 +24,13 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
   return true;
 }
 
-// The host, without the brackets of an IPv6 address; taken off `text`.
+// The host, without the brackets of an IPv6 address; taken off `text`. Empty: it is none.
 std::string TakeHost(std::string_view& text) {
   const bool bracketed = TakePrefix(text, "[");
-  const size_t end = std::min(text.find(bracketed ? ']' : ':'), text.size());
+  const size_t end = std::min(text.find_first_of(bracketed ? "]" : ":/?#"), text.size());
+  if (bracketed && end == text.size()) return {};
   std::string host(text.substr(0, end));
-  text.remove_prefix(std::min(end + (bracketed ? 1 : 0), text.size()));
+  text.remove_prefix(end + (bracketed ? 1 : 0));
   return host;
 }
 

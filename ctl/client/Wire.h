@@ -32,7 +32,8 @@ class Wire {
   // same.
   void SetPatience(std::chrono::seconds patience);
 
-  // As Beast asks for it, with its names.
+  // As Beast asks for it, with its names. It reads into one buffer that is never empty, and
+  // writes from several that may be.
   template <typename Buffers>
   size_t read_some(const Buffers& buffers, Error& error) {
     const boost::asio::mutable_buffer first = *boost::asio::buffer_sequence_begin(buffers);

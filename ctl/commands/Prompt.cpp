@@ -20,7 +20,7 @@ constexpr int kMostHistory = 1000;
 
 bool IsTerminal() { return isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0; }
 
-// Nobody sees what is typed while it lives.
+// Nobody sees what is typed while it lives. What was typed before it is dropped.
 class NoEcho {
  public:
   NoEcho() {
@@ -39,9 +39,9 @@ class NoEcho {
 
 std::string ReadSilently(const std::string& prompt) {
   std::string line;
-  std::cerr << prompt << std::flush;
   {
     const NoEcho silence;
+    std::cerr << prompt << std::flush;
     std::getline(std::cin, line);
   }
   std::cerr << '\n';

@@ -1,5 +1,7 @@
 #include "doctor/Checks.h"
 
+#include <algorithm>
+
 #include "base/Times.h"
 
 namespace ctl::doctor {
@@ -9,6 +11,8 @@ namespace {
 constexpr int kFirstYear = 2024;
 constexpr int kMostDevice = 99;  // the daemon finds devices up to this number
 constexpr char kStart[] = "systemctl start qelm; \"journalctl -t qelm\" has its last words";
+constexpr char kMendAndStart[] =
+    "mend the configuration, then: systemctl start qelm; \"journalctl -t qelm\" has its last words";
 constexpr char kRestart[] = "systemctl restart qelm";
 
 constexpr Check kChecks[] = {
@@ -32,6 +36,13 @@ std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind
 int DeviceNumber(const std::string& path) {
   const size_t digits = path.find_last_not_of("0123456789") + 1;
   return digits == path.size() ? -1 : std::stoi(path.substr(digits).substr(0, 6));
+}
+
+bool HasGoodConfiguration(const Facts& facts) {
+  const Findings& findings = facts.configuration.findings;
+  return facts.config_error.empty() &&
+         std::none_of(findings.begin(), findings.end(),
+                      [](const Finding& finding) { return finding.verdict == Verdict::kWrong; });
 }
 
 Finding LookAtDevice(const Device& device, const Who& user) {
@@ -119,9 +130,7 @@ Findings CheckLog(const Facts& facts) {
 Findings CheckDaemon(const Facts& facts) {
   if (facts.daemons.empty())
     return {{Verdict::kWrong, "qelm does not run",
-             facts.config_error.empty() && facts.configuration.findings.empty()
-                 ? kStart
-                 : std::string("mend the configuration, then: ") + kStart}};
+             HasGoodConfiguration(facts) ? kStart : kMendAndStart}};
   if (facts.daemons.size() > 1)
     return {{Verdict::kWrong,
              "more than one qelm runs (processes " + PidsOf(facts.daemons) +

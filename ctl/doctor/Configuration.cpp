@@ -63,7 +63,7 @@ class Reader {
       Wrong(root.offset_debug(),
             "the outermost element is \"" + std::string(root.name()) +
                 "\": the daemon takes the file for an empty one",
-            std::string("call it ") + kRoot);
+            "call it QELMConfig");
       return configuration_;
     }
     CheckAttributes(root, {});

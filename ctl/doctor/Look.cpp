@@ -22,6 +22,7 @@ namespace {
 
 constexpr char kDaemonProgram[] = "qelm";
 constexpr char kDaemonUser[] = "qelm";
+constexpr char kVirtualBus[] = "qelm-bus";  // has both ends of its terminal open
 constexpr char kHubProgram[] = "qelm-hub";
 constexpr char kDeviceName[] = "ttyUSB";
 constexpr int kPagePort = 5080;
@@ -109,7 +110,8 @@ std::vector<Device> LookAtDevices(const std::string& folder, const Who& who,
       device.group = GroupName(file.st_gid);
     }
     for (const Process& holder : HoldersOf(processes, device.path))
-      if (holder.name != kDaemonProgram) device.others.push_back(holder);
+      if (holder.name != kDaemonProgram && holder.name != kVirtualBus)
+        device.others.push_back(holder);
     devices.push_back(device);
   }
   std::sort(devices.begin(), devices.end(),

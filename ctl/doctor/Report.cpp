@@ -29,6 +29,7 @@ constexpr Look kLooks[] = {
 const Look& LookOf(Verdict verdict) { return kLooks[static_cast<size_t>(verdict)]; }
 
 constexpr size_t kNameWidth = 14;  // of a check, and a blank
+constexpr char kMargin[] = "                     -> ";
 
 }  // namespace
 
@@ -53,8 +54,7 @@ std::string ReportText(const Report& report, const Paint& paint) {
       const Look& look = LookOf(finding.verdict);
       text += paint(look.colour, look.mark) + "  " + name +
               std::string(kNameWidth - name.size(), ' ') + Printable(finding.found) + "\n";
-      if (!finding.advice.empty())
-        text += std::string(7 + kNameWidth, ' ') + "-> " + Printable(finding.advice) + "\n";
+      if (!finding.advice.empty()) text += kMargin + Printable(finding.advice) + "\n";
       name.clear();
     }
   }

@@ -79,8 +79,7 @@ Findings CheckHub(const Facts& facts) {
   const HubFacts& hub = facts.hub;
   if (!hub.failure.empty()) {
     if (hub.processes.empty())
-      return {
-          {Verdict::kWrong, hub.failure, "systemctl start qelm-hub; \"journalctl -u qelm-hub\""}};
+      return {{Verdict::kWrong, hub.failure, "\"journalctl -u qelm-hub\" has its last words"}};
     return {{Verdict::kWrong, hub.processes.front().Text() + " runs, but " + hub.failure,
              "name its socket with --socket, or its address with --url"}};
   }

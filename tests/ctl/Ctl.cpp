@@ -1,6 +1,7 @@
 #include "Ctl.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 
 #include "kit/Files.h"
 #include "kit/TempDir.h"
+#include "kit/Wait.h"
 
 namespace {
 
@@ -35,6 +37,14 @@ void Redirect(const std::string& file, int flags, int to) {
   const int fd = open(file.c_str(), flags, 0600);
   dup2(fd, to);
   close(fd);
+}
+
+// Nothing where it says nothing more, or ends.
+ssize_t ReadInTime(int terminal, std::array<char, 4096>& bytes) {
+  constexpr std::chrono::milliseconds kBound = kPatience;
+  pollfd readable{.fd = terminal, .events = POLLIN, .revents = 0};
+  if (poll(&readable, 1, static_cast<int>(kBound.count())) <= 0) return 0;
+  return read(terminal, bytes.data(), bytes.size());
 }
 
 }  // namespace
@@ -65,7 +75,7 @@ Outcome RunCtlOnTerminal(const std::vector<std::string>& arguments, const std::s
   size_t sent = 0;
   std::array<char, 4096> bytes{};
   // A line is typed when it is asked for: behind a prompt.
-  for (ssize_t count = 0; (count = read(terminal, bytes.data(), bytes.size())) > 0;) {
+  for (ssize_t count = 0; (count = ReadInTime(terminal, bytes)) > 0;) {
     shown.append(bytes.data(), static_cast<size_t>(count));
     const bool is_asked = shown.ends_with("> ") || shown.ends_with(": ");
     const size_t end = typed.find('\n', sent);

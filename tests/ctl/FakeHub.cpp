@@ -119,8 +119,6 @@ void FakeHub::Feed(std::vector<std::string> messages) {
   feed_ = std::move(messages);
 }
 
-void FakeHub::Fall() { silent_ = true; }
-
 std::vector<FakeHub::Request> FakeHub::Requests() {
   const std::lock_guard guard(lock_);
   return requests_;
@@ -170,7 +168,6 @@ void FakeHub::Serve(int fd) {
       const std::lock_guard guard(lock_);
       requests_.push_back(request);
     }
-    if (silent_) continue;
     const bool is_feed = !HeaderOf(*head, "Sec-WebSocket-Key").empty();
     const Scripted answer = ScriptFor(request.line);
     if (is_feed && answer.status == 404) return ServeFeed(fd, request);

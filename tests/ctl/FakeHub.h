@@ -2,7 +2,6 @@
 // port. It shares no line with the program under test nor with the real hub.
 #pragma once
 
-#include <atomic>
 #include <map>
 #include <mutex>
 #include <string>
@@ -28,8 +27,6 @@ class FakeHub {
   void Answer(const std::string& line, const std::string& body, int status = 200);
   // What goes to whoever subscribes; the connection is closed behind it.
   void Feed(std::vector<std::string> messages);
-  // From now on a connection is taken and gets no answer.
-  void Fall();
 
   // What came, in order.
   std::vector<Request> Requests();
@@ -54,7 +51,6 @@ class FakeHub {
   int unix_listener_ = -1;
   int tcp_listener_ = -1;
   int port_ = 0;
-  std::atomic<bool> silent_ = false;
   std::mutex lock_;  // of all below
   std::map<std::string, Scripted> answers_;
   std::vector<std::string> feed_;

@@ -45,7 +45,10 @@ TEST_F(Watch, ByNameIsTheSame) {
   hub.Answer(
       "GET /api/cards",
       R"({"cards":[{"address":"5","name":"Relays","channels":[{"id":"5.0","name":"Lamp"}]}]})");
-  EXPECT_EQ(Run({"watch", "lamp"}).out, Run({"watch", "5.0"}).out);
+  hub.Feed({kState, kLampOn});
+  EXPECT_EQ(Run({"watch", "lamp"}).out,
+            "12:00:00.000  5.0  Lamp  off\n"
+            "12:00:01.250  5.0  Lamp  on\n");
 }
 
 TEST_F(Watch, ACardHasItsEventsAndTheLostOnesAreCounted) {

@@ -61,9 +61,10 @@ class Doctor : public SiteTest {
     ExpectLog("INF", "hardware found on /dev/ttyUSB0 version: v1.2");
   }
 
-  void Examine() {
+  // With the patience for a port that greets.
+  void Examine(const std::string& patience = "60s") {
     report = RunCtl({"--socket", hub ? hub->SocketPath() : "/run/test/hub.sock", "--json", "doctor",
-                     "--wait", "5s"});
+                     "--wait", patience});
   }
 
   // A check says this, in these words or with them.
@@ -219,7 +220,6 @@ TEST_F(Doctor, NoAdapter) {
   ExpectLog("ERR", "ttyUSB devices couldn't be found");
   Examine();
   ExpectWrong("adapter", "there is no /dev/ttyUSB");
-  ExpectWrong("adapter", "it does not answer");
 }
 
 TEST_F(Doctor, AnAdapterThatDoesNotAnswer) {
@@ -249,7 +249,7 @@ TEST_F(Doctor, AStrangerOnAPort) {
 TEST_F(Doctor, ADaemonThatHangs) {
   StartQuietSite();
   daemon.Kill(SIGSTOP);
-  Examine();
+  Examine("2s");
   daemon.Kill(SIGCONT);
   ExpectWrong("ports", "CAE (5001) takes a connection and does not greet");
 }
@@ -305,9 +305,13 @@ TEST_F(Doctor, ABusWithoutCards) {
 
 TEST_F(Doctor, TellsPeopleInATable) {
   StartQuietSite();
-  const Outcome outcome = RunCtl({"--socket", hub->SocketPath(), "doctor", "--wait", "5s"});
+  const Outcome outcome = RunCtl({"--socket", hub->SocketPath(), "doctor", "--wait", "60s"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_NE(outcome.out.find("well   configuration /etc/qelm/qelmconf.xml"), std::string::npos)
+  EXPECT_NE(outcome.out.find("\nwell   log           /run/test/qelm.log\n"), std::string::npos)
+      << outcome.out;
+  EXPECT_NE(outcome.out.find("\n                     -> <InitPollState Action=\"True\"/>, or: "
+                             "qelmctl polling on\n"),
+            std::string::npos)
       << outcome.out;
   EXPECT_TRUE(outcome.out.ends_with("All is well.\n")) << outcome.out;
 }
