@@ -17,8 +17,6 @@ constexpr char kFooter[] =
     "2 the command line is wrong; 3 the hub is not reachable.\n"
     "\"qelmctl COMMAND --help\" says more of a command. Something does not work: qelmctl doctor";
 
-constexpr int kMany = 1000;  // arguments of one kind
-
 // What was read before it is known which command it is for.
 struct Given {
   Target target;
@@ -44,11 +42,11 @@ void DescribeCommon(CLI::App& app, Given& given) {
 }
 
 void DescribeCommand(CLI::App& app, const Command& command) {
-  for (const Argument& argument : command.arguments)
-    app.add_option(argument.name, argument.help)
-        ->type_name("")
-        ->expected(1, argument.count == Count::kAny ? kMany : 1)
-        ->required(argument.count == Count::kOne);
+  for (const Argument& argument : command.arguments) {
+    CLI::Option* option = app.add_option(argument.name, argument.help)->type_name("");
+    option->required(argument.count == Count::kOne);
+    if (argument.count == Count::kAny) option->expected(1, -1)->allow_extra_args();
+  }
   for (const Option& option : command.options) {
     if (option.value.empty()) {
       app.add_flag(option.name, option.help);

@@ -18,7 +18,7 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr long kMostPoints = 100'000;
+constexpr long kMostPoints = 5000;
 constexpr long kMostEntries = 1000;
 constexpr char kDefaultSince[] = "1h";
 constexpr std::chrono::seconds kJournalPause{1};
@@ -90,10 +90,12 @@ std::string EntryText(const json::value& entry, const Paint& paint) {
          Printable(TextAt(entry, "kind")) + "  " + Printable(TextAt(entry, "text") + by) + "\n";
 }
 
-// Prints a page of the journal; gives the number of its last entry, or `after` where it has none.
+// Prints a page of the journal, the entries behind `after`; gives the number of its last one, or
+// `after` where it has none. What is older than the first page is not missed.
 int64_t PrintPage(const Session& session, const Reply& page, int64_t after) {
   const double lost = NumberAt(page.data, "lost").value_or(0);
-  if (lost > 0 && !session.json) session.Print("entries that are gone: " + ValueText(lost) + "\n");
+  if (lost > 0 && after > 0 && !session.json)
+    session.Print("entries that are gone: " + ValueText(lost) + "\n");
   for (const json::value& entry : ItemsAt(page.data, "entries")) {
     after = std::max(after, static_cast<int64_t>(NumberAt(entry, "seq").value_or(0)));
     if (!session.json) session.Print(EntryText(entry, session.paint));

@@ -214,7 +214,6 @@ TEST_F(Commands, JournalSaysWhoDidWhat) {
              R"("text":"5.0 on","by":"operator"},{"seq":18,"time":"2026-11-21T12:00:01.000Z",)"
              R"("kind":"adapter","text":"gone","by":null}],"lost":3})");
   Expect({"journal", "--limit", "5"},
-         "entries that are gone: 3\n"
          "2026-11-21 12:00:00  command  5.0 on (operator)\n"
          "2026-11-21 12:00:01  adapter  gone\n");
 }
