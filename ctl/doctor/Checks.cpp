@@ -1,6 +1,8 @@
 #include "doctor/Checks.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 
 #include "base/Times.h"
 
@@ -89,10 +91,14 @@ Findings CheckClock(const Facts& facts) {
 }
 
 Findings CheckConfiguration(const Facts& facts) {
+  // What this user may not read, the daemon perhaps may.
+  if (facts.config_error == std::strerror(EACCES))
+    return {{Verdict::kUnseen, facts.config_file + " may not be read by you",
+             "run qelmctl doctor as root"}};
   if (!facts.config_error.empty())
     return {{Verdict::kWrong,
              facts.config_file + ": " + facts.config_error + "; the daemon ends without it",
-             "put the example there: /usr/share/doc/qelm/examples/qelmconf.xml"}};
+             "write it after the example in \"man qelmconf.xml\""}};
   Findings findings = facts.configuration.findings;
   for (Finding& finding : findings) finding.found.insert(0, facts.config_file + ": ");
   if (!facts.configuration.polls)
@@ -135,7 +141,7 @@ Findings CheckDaemon(const Facts& facts) {
     return {{Verdict::kWrong,
              "more than one qelm runs (processes " + PidsOf(facts.daemons) +
                  "): one of them has no ports",
-             "kill " + PidsOf(facts.daemons) + "; systemctl start qelm"}};
+             "see whose they are, and end the one too many; then: systemctl restart qelm"}};
   const std::string process = facts.daemons.front().Text();
   if (!facts.pid)
     return {{Verdict::kWrong,

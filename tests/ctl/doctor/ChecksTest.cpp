@@ -22,6 +22,14 @@ TEST(Checks, AClockBefore2024IsWrong) {
   EXPECT_EQ(CheckClock(facts).front().verdict, Verdict::kWell);
 }
 
+TEST(Checks, AConfigurationThatIsHiddenFromWhoAsksIsNotWrong) {
+  Facts facts;
+  facts.config_error = "Permission denied";
+  EXPECT_EQ(CheckConfiguration(facts).front().verdict, Verdict::kUnseen);
+  facts.config_error = "No such file or directory";
+  EXPECT_EQ(CheckConfiguration(facts).front().verdict, Verdict::kWrong);
+}
+
 struct stat File(mode_t mode, uid_t user, gid_t group) {
   struct stat file {};
   file.st_mode = mode;
