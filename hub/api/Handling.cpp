@@ -123,13 +123,13 @@ void RequireAccepted(link::Outcome outcome, unsigned address) {
 boost::asio::awaitable<protocol::Lines> AskDaemon(House& house, std::string line) {
   RequireDaemon(house);
   auto asking = house.link.Ask(line);
-  std::optional<protocol::Lines> lines = co_await std::move(asking);
-  if (!lines)
+  std::optional<protocol::Answer> answer = co_await std::move(asking);
+  if (!answer)
     throw RetryLater(503, fmt::format("the daemon did not answer {}", line), kRetryDaemonSeconds);
-  if (const auto error = protocol::ParseError(*lines))
+  if (const auto error = protocol::ParseError(answer->lines))
     throw RetryLater(503, fmt::format("the daemon's answer to {}: {}", line, *error),
                      kRetryDaemonSeconds);
-  co_return std::move(*lines);
+  co_return std::move(answer->lines);
 }
 
 boost::asio::awaitable<void> RefreshPolling(House& house) {

@@ -37,9 +37,9 @@ class Door {
     for (const auto& session : sessions_) session->Show(line);
   }
 
-  void EndToken(const std::string& name) {
+  void End(std::string_view account) {
     for (const auto& session : sessions_)
-      if (session->TokenName() == name) session->Close();
+      if (session->Account() == account) session->Close();
   }
 
   size_t ClientCount() const {
@@ -94,8 +94,8 @@ TextPorts::TextPorts(api::House& house, const TextOptions& options)
     try {
       parts_->doors.push_back(std::make_unique<Door>(house, address, number, row.port));
     } catch (const boost::system::system_error& error) {
-      throw std::runtime_error("cannot listen on " + options.listen + ":" +
-                               std::to_string(number) + ": " + error.code().message());
+      throw std::runtime_error("cannot listen on " + options.listen + ":" + std::to_string(number) +
+                               ": " + error.code().message());
     }
   }
 }
@@ -119,7 +119,11 @@ void TextPorts::ShowMonitored(std::string_view line) {
 }
 
 void TextPorts::EndToken(const std::string& name) {
-  for (const auto& door : parts_->doors) door->EndToken(name);
+  for (const auto& door : parts_->doors) door->End("token:" + name);
+}
+
+void TextPorts::EndNameless() {
+  for (const auto& door : parts_->doors) door->End("");
 }
 
 size_t TextPorts::ClientCount() const {

@@ -43,8 +43,9 @@ class TextPorts {
   void ShowReport(std::string_view line);
   void ShowMonitored(std::string_view line);
 
-  // A token is gone: its clients are, too.
+  // Clients end with their token; and all that came in without one when one is needed.
   void EndToken(const std::string& name);
+  void EndNameless();
 
   size_t ClientCount() const;
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/Raw.h"
+#include "api/DaemonLines.h"
 #include "protocol/IoCommand.h"
 #include "protocol/LineReader.h"
 
@@ -165,7 +165,7 @@ bool TextSession::LogIn(std::string_view line) {
 }
 
 asio::awaitable<void> TextSession::TakeConsoleLine(std::string line) {
-  const auto answer = co_await api::RunConsole(house_, caller_, std::move(line));
+  const auto answer = co_await api::RunConsoleLine(house_, caller_, std::move(line));
   if (const auto* good = std::get_if<protocol::Answer>(&answer)) {
     Send(good->wire);
     co_return;
@@ -190,12 +190,13 @@ asio::awaitable<void> TextSession::TakeCommand(std::string line) {
 }
 
 asio::awaitable<void> TextSession::RunCommand(Self self, std::string line) {
-  std::optional<api::Problem> problem = co_await api::RunIo(self->house_, self->caller_, line);
+  std::optional<api::Problem> problem =
+      co_await api::RunCommandLine(self->house_, self->caller_, line);
   asio::steady_timer pause(self->socket_.get_executor());
   while (problem && problem->status == kTooFast && self->IsOpen()) {
     pause.expires_after(kPause);
     co_await pause.async_wait(asio::use_awaitable);
-    problem = co_await api::RunIo(self->house_, self->caller_, line);
+    problem = co_await api::RunCommandLine(self->house_, self->caller_, line);
   }
   --self->commands_under_way_;
   self->has_receipt_.cancel();

@@ -32,7 +32,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
   // A line for the client: what is not for it yet (no token) is dropped.
   void Show(std::string_view line);
 
-  const std::string& TokenName() const { return caller_.account; }
+  const std::string& Account() const { return caller_.account; }  // "token:NAME", or empty
 
  private:
   using Self = std::shared_ptr<TextSession>;

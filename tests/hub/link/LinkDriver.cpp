@@ -7,6 +7,17 @@ namespace hub::link {
 
 namespace asio = boost::asio;
 
+namespace {
+
+asio::awaitable<std::optional<protocol::Lines>> LinesOf(Link& link, std::string line) {
+  auto asking = link.Ask(std::move(line));
+  auto answer = co_await std::move(asking);
+  if (!answer) co_return std::nullopt;
+  co_return std::move(answer->lines);
+}
+
+}  // namespace
+
 LinkDriver::LinkDriver(LinkOptions options, const std::vector<protocol::WriteBlock>& asked,
                        const model::Settings& settings)
     : work_(context_.get_executor()), remembered_(asked) {
@@ -41,7 +52,7 @@ std::future<Outcome> LinkDriver::SendLater(protocol::IoCommand command) {
 }
 
 std::future<std::optional<protocol::Lines>> LinkDriver::AskLater(std::string line) {
-  return asio::co_spawn(context_, link_->Ask(std::move(line)), asio::use_future);
+  return asio::co_spawn(context_, LinesOf(*link_, std::move(line)), asio::use_future);
 }
 
 Outcome LinkDriver::Set(unsigned address, std::vector<Target> targets, Motion motion) {

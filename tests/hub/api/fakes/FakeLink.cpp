@@ -31,14 +31,14 @@ boost::asio::awaitable<Outcome> Link::Send(protocol::IoCommand command) {
   co_return static_cast<Outcome>(fake.outcome);
 }
 
-boost::asio::awaitable<std::optional<protocol::Lines>> Link::Ask(std::string line) {
+boost::asio::awaitable<std::optional<protocol::Answer>> Link::Ask(std::string line) {
   FakeLink& fake = *FakeLink::now;
   fake.asked.push_back(line);
   if (fake.then) fake.then(line);
   if (fake.is_mute) co_return std::nullopt;
   const auto answer = fake.answers.find(line);
-  if (answer == fake.answers.end()) co_return protocol::Lines{"CIA: OK"};
-  co_return answer->second;
+  if (answer == fake.answers.end()) co_return protocol::Answer{{"CIA: OK"}, ""};
+  co_return protocol::Answer{answer->second, ""};
 }
 
 }  // namespace hub::link
