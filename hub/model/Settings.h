@@ -31,7 +31,7 @@ struct CardSettings {
 
 struct Settings {
   std::string bus_name;
-  bool is_virtual = false;  // the bus is qelm-bus's
+  bool is_virtual = false;                                            // the bus is qelm-bus's
   std::map<unsigned, CardSettings> cards;                             // by address
   std::map<std::pair<unsigned, unsigned>, ChannelSettings> channels;  // by address and number
 

@@ -1,0 +1,233 @@
+#include "Hub.h"
+
+#include <systemd/sd-daemon.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <iostream>
+#include <random>
+#include <utility>
+#include <variant>
+
+#include "api/KeptSettings.h"
+
+namespace hub {
+
+namespace {
+
+namespace asio = boost::asio;
+
+// Documents of the store that are the hub's own.
+constexpr std::string_view kIdentity = "identity";
+constexpr std::string_view kOutputs = "outputs";
+constexpr std::string_view kAccess = "access";
+constexpr std::string_view kLocked = "locked";
+
+// A file that was set aside took the accounts with it. To serve the network without any would open
+// the hub to everybody, so only the local socket is served until there is an account again.
+bool IsLocked(store::Store& store) {
+  if (store.Document(kAccess)) return false;
+  if (store.DocumentsLost()) store.PutDocument(kLocked, "accounts were lost");
+  return store.Document(kLocked).has_value();
+}
+
+// Random, once, and kept for ever.
+std::string IdentityOf(store::Store& store) {
+  if (const auto kept = store.Document(kIdentity)) return *kept;
+  std::random_device random;
+  std::string id;
+  for (int digit = 0; digit < 8; ++digit) id += "0123456789abcdef"[random() % 16];
+  store.PutDocument(kIdentity, id);
+  return id;
+}
+
+std::string HostName() {
+  std::array<char, 256> name{};
+  if (gethostname(name.data(), name.size() - 1) != 0 || name[0] == '\0') return "bus";
+  return name.data();
+}
+
+// The bus has the host's name until somebody gives it one.
+model::Settings FileOf(const settings::Settings& settings) {
+  model::Settings file = settings.names;
+  if (file.bus_name.empty()) file.bus_name = HostName();
+  file.is_virtual = !settings.virtual_bus.control.empty();
+  return file;
+}
+
+// A socket that systemd has opened for us.
+std::optional<int> InheritedSocket() {
+  return sd_listen_fds(1) == 1 ? std::optional(SD_LISTEN_FDS_START) : std::nullopt;
+}
+
+http::ServerOptions ServerOptionsOf(const settings::Settings& settings, const Places& places,
+                                    bool is_locked) {
+  http::ServerOptions options;
+  options.listen.clear();
+  for (const settings::Endpoint& endpoint : settings.http.listen)
+    if (!is_locked) options.listen.push_back(ToText(endpoint));
+  options.socket = places.socket;
+  options.socket_descriptor = InheritedSocket();
+  options.certificate = settings.http.certificate;
+  options.key = settings.http.key;
+  options.insecure_http = settings.http.insecure_http;
+  options.hosts = settings.http.hosts;
+  options.proxies = settings.http.proxies;
+  options.page = places.page;
+  options.max_connections = static_cast<size_t>(settings.http.max_connections);
+  return options;
+}
+
+text::TextOptions TextOptionsOf(const settings::TextOptions& options, bool is_locked) {
+  return {is_locked ? "" : options.listen, options.ports};
+}
+
+std::optional<std::chrono::microseconds> WatchdogPeriod() {
+  uint64_t microseconds = 0;
+  if (sd_watchdog_enabled(0, &microseconds) <= 0) return std::nullopt;
+  return std::chrono::microseconds(microseconds / 2);
+}
+
+// What a level is in the history; nothing for what has no number.
+std::optional<double> Number(const model::Value& value) {
+  if (const bool* line = std::get_if<bool>(&value)) return *line ? 1 : 0;
+  if (const double* number = std::get_if<double>(&value)) return *number;
+  return std::nullopt;
+}
+
+}  // namespace
+
+Hub::Hub(const settings::Settings& settings, Places places)
+    : settings_(settings),
+      places_(std::move(places)),
+      store_(context_, settings_.store, clock_),
+      is_locked_(IsLocked(store_)),
+      bus_(IdentityOf(store_)),
+      outputs_(store_.Document(kOutputs).value_or("")),
+      access_(context_, clock_, store_.Document(kAccess),
+              {.keep =
+                   [this](std::string text) {
+                     store_.PutDocument(kAccess, std::move(text));
+                     store_.RemoveDocument(kLocked);
+                   },
+               .ended = [this](const std::string& session) { server_.EndSession(session); },
+               .token_ended =
+                   [this](const std::string& name) {
+                     server_.EndToken(name);
+                     text_ports_.EndToken(name);
+                   },
+               .login_needed =
+                   [this] {
+                     server_.EndNameless();
+                     text_ports_.EndNameless();
+                   }}),
+      link_(
+          context_, settings_.daemon, bus_,
+          {.report = [this](std::string_view line) { text_ports_.ShowReport(line); },
+           .monitored = [this](std::string_view line) { text_ports_.ShowMonitored(line); },
+           .asked = [this](const protocol::WriteBlock& block) { Keep(block); },
+           .journal = [this](model::JournalEntry entry) { store_.AddJournal(std::move(entry)); }}),
+      house_{context_, bus_, link_, store_, access_, clock_, FileOf(settings_)},
+      server_(house_, ServerOptionsOf(settings_, places_, is_locked_)),
+      text_ports_(house_, TextOptionsOf(settings_.text, is_locked_)),
+      signals_(context_, SIGTERM, SIGINT, SIGHUP),
+      watchdog_(context_),
+      watchdog_period_(WatchdogPeriod()) {}
+
+void Hub::Run() {
+  ApplySettings(house_);
+  bus_.Publish();
+  bus_.Listen([this](const model::Change& change) { Record(change); });
+  link_.Remember(outputs_.Blocks());
+  server_.Start();
+  text_ports_.Start();
+  link_.Start();
+  AwaitSignal();
+  TellWatchdog();
+  for (const std::string& address : server_.Addresses())
+    std::cerr << "qelm-hub: listening on " << address << '\n';
+  if (const std::string trouble = store_.Trouble(); !trouble.empty())
+    std::cerr << "qelm-hub: " << trouble << '\n';
+  if (is_locked_)
+    std::cerr << "qelm-hub: the accounts are lost; only " << places_.socket
+              << " is served until there is one again and the hub was restarted\n";
+  Journal("started");
+  sd_notify(0, "READY=1");
+  context_.run();
+}
+
+void Hub::Record(const model::Change& change) {
+  const model::Time now = clock_.Now();
+  for (const model::ChannelId& id : change.channels) {
+    const model::Card* const card = bus_.At(id.address);
+    if (card == nullptr || id.number >= card->channels.size()) continue;
+    if (const auto number = Number(card->channels[id.number].value))
+      store_.AddValue(id, now, *number);
+  }
+}
+
+void Hub::Keep(const protocol::WriteBlock& block) {
+  if (outputs_.Keep(block)) store_.PutDocument(kOutputs, outputs_.Document());
+}
+
+void Hub::Journal(std::string text) {
+  model::JournalEntry entry;
+  entry.time = clock_.Now();
+  entry.kind = "hub";
+  entry.text = std::move(text);
+  store_.AddJournal(std::move(entry));
+}
+
+void Hub::AwaitSignal() {
+  signals_.async_wait([this](boost::system::error_code error, int signal) {
+    if (error) return;
+    if (signal != SIGHUP) return Stop();
+    ReadSettingsAgain();
+    AwaitSignal();
+  });
+}
+
+// Names and units at once; what else has changed says that it wants a restart.
+void Hub::ReadSettingsAgain() {
+  if (places_.settings_file.empty()) return;
+  sd_notify(0, "RELOADING=1");
+  const auto read = settings::Load(places_.settings_file);
+  if (const auto* errors = std::get_if<settings::SettingsErrors>(&read)) {
+    for (const settings::SettingsError& error : *errors)
+      std::cerr << ToText(error, places_.settings_file) << '\n';
+    Journal("settings are not read again: the file has errors");
+  } else {
+    settings::Settings fresh = std::get<settings::Settings>(read);
+    house_.file = FileOf(fresh);
+    ApplySettings(house_);
+    bus_.Publish();
+    fresh.names = settings_.names;
+    const bool wants_restart = fresh != settings_;
+    Journal(wants_restart ? "settings read again: names and units; the rest wants a restart"
+                          : "settings read again");
+  }
+  sd_notify(0, "READY=1");
+}
+
+void Hub::TellWatchdog() {
+  if (!watchdog_period_) return;
+  sd_notify(0, "WATCHDOG=1");
+  watchdog_.expires_after(*watchdog_period_);
+  watchdog_.async_wait([this](boost::system::error_code error) {
+    if (!error) TellWatchdog();
+  });
+}
+
+// Everybody is sent away; the context runs on until the last conversation has ended.
+void Hub::Stop() {
+  sd_notify(0, "STOPPING=1");
+  Journal("stopped");
+  watchdog_.cancel();
+  text_ports_.Stop();
+  server_.Stop();
+  link_.Stop();
+}
+
+}  // namespace hub

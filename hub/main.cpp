@@ -1,0 +1,67 @@
+// qelm-hub: one bus for everybody.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "Hub.h"
+#include "settings/Settings.h"
+
+namespace {
+
+constexpr char kSettingsFile[] = "/etc/qelm/qelm-hub.toml";
+
+struct Options {
+  hub::Places places;
+  bool check = false;
+};
+
+// Nothing where the file is not there and nobody has asked for it: all defaults hold.
+std::variant<hub::settings::Settings, hub::settings::SettingsErrors> ReadSettings(
+    const std::string& file) {
+  if (file.empty()) return hub::settings::Settings{};
+  return hub::settings::Load(file);
+}
+
+int Complain(const hub::settings::SettingsErrors& errors, const std::string& file) {
+  for (const auto& error : errors) std::cerr << ToText(error, file) << '\n';
+  return EXIT_FAILURE;
+}
+
+int Serve(const Options& options) {
+  const auto settings = ReadSettings(options.places.settings_file);
+  if (const auto* errors = std::get_if<hub::settings::SettingsErrors>(&settings))
+    return Complain(*errors, options.places.settings_file);
+  if (options.check) return EXIT_SUCCESS;
+  hub::Hub hub(std::get<hub::settings::Settings>(settings), options.places);
+  hub.Run();
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("Offers one card bus to many clients: page, API, text ports.", "qelm-hub");
+  std::string file;
+  app.add_option("--config", file,
+                 std::string("settings; otherwise ") + kSettingsFile + " where it is there");
+  app.add_flag("--check", options.check, "say what is wrong with the settings, and end");
+  app.add_option("--socket", options.places.socket, "where the local socket lies")
+      ->capture_default_str();
+  app.add_option("--page", options.places.page, "folder of the page")->capture_default_str();
+  app.set_version_flag("--version", "qelm-hub " QELM_VERSION);
+  CLI11_PARSE(app, argc, argv);
+  if (file.empty() && access(kSettingsFile, F_OK) == 0) file = kSettingsFile;
+  options.places.settings_file = file;
+  try {
+    return Serve(options);
+  } catch (const std::exception& error) {
+    std::cerr << "qelm-hub: " << error.what() << '\n';
+    return EXIT_FAILURE;
+  }
+}
