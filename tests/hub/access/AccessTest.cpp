@@ -6,7 +6,7 @@
 #include <boost/asio/co_spawn.hpp>
 #include <stdexcept>
 
-#include "hub/access/FakeClock.h"
+#include "hub/FakeClock.h"
 
 namespace hub::access {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "hub/access/FakeClock.h"
+#include "hub/FakeClock.h"
 
 namespace hub::access {
 namespace {

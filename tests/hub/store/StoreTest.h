@@ -8,29 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "hub/FakeClock.h"
 #include "kit/TempDir.h"
 #include "store/Store.h"
 
 namespace hub::store {
 
 using namespace std::chrono_literals;
-
-// Starts on 2026-11-21 at 12:00 UTC.
-class FakeClock : public model::Clock {
- public:
-  model::Time Now() const override { return now_; }
-  model::SteadyTime Steady() const override { return steady_; }
-
-  void Pass(std::chrono::milliseconds time) {
-    now_ += time;
-    steady_ += time;
-  }
-  void Jump(std::chrono::milliseconds time) { now_ += time; }  // somebody sets it
-
- private:
-  model::Time now_{1795262400s};
-  model::SteadyTime steady_{1000s};
-};
 
 class StoreTest : public testing::Test {
  protected:

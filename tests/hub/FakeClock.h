@@ -1,4 +1,4 @@
-// A clock that stands until a test moves it.
+// A clock that stands until a test moves it. It begins on 2026-11-21 at 12:00 UTC.
 #pragma once
 
 #include "model/Clock.h"
@@ -16,7 +16,7 @@ class FakeClock : public model::Clock {
   }
 
   // Somebody sets the time of day.
-  void Set(std::chrono::milliseconds by) { now_ += by; }
+  void Jump(std::chrono::milliseconds by) { now_ += by; }
 
  private:
   model::Time now_{std::chrono::seconds(1'795'262'400)};
