@@ -20,12 +20,13 @@
 #include <string_view>
 #include <vector>
 
+#include "model/Clock.h"
 #include "protocol/ConsoleReplies.h"
 #include "protocol/IoCommand.h"
 
 namespace hub::link {
 
-using SteadyTime = std::chrono::steady_clock::time_point;
+using model::SteadyTime;
 
 // Names a command to whoever offered it.
 using Ticket = uint64_t;

@@ -15,7 +15,6 @@ enum class LogEvent {
   kAdapterLost,      // an exchange has timed out, the device is closed
   kAdapterMissing,   // no device, or none that could be opened
   kPaceSet,          // the pause of the configuration
-  kIoServed,         // a client is served on the IO port
   kIoLeft,           // and has left it
 };
 
