@@ -17,9 +17,15 @@ namespace json = boost::json;
 
 namespace {
 
-// The documents in the store.
-constexpr std::string_view kNames = "names";
-constexpr std::string_view kSetup = "setup";
+// Documents in the store. Two of them are settings, kept as what differs from the file's.
+struct SettingsRow {
+  std::string_view name;
+  void (*read)(const json::object& document, model::Settings& settings);
+  json::object (*write)(const model::Settings& settings);
+};
+
+constexpr SettingsRow kNames{"names", ReadNames, NamesJson};
+constexpr SettingsRow kSetup{"setup", ReadSetup, SetupJson};
 constexpr std::string_view kPage = "page";
 
 constexpr size_t kLongestPage = 32 * 1024;  // bytes
@@ -33,30 +39,41 @@ json::object Kept(const House& house, std::string_view name) {
   return value->get_object();
 }
 
-using Read = void (*)(const json::object& document, model::Settings& settings);
-using Write = json::object (*)(const model::Settings& settings);
-
 // One document on top of the settings.
-void Apply(House& house, std::string_view name, Read read, Write write, model::Settings& settings) {
+void Apply(House& house, const SettingsRow& row, model::Settings& settings) {
   try {
-    read(Merge(write(settings), Kept(house, name)), settings);
+    row.read(Merge(row.write(settings), Kept(house, row.name)), settings);
   } catch (const Problem& problem) {
     house.store.AddJournal({.sequence = 0,
                             .time = house.clock.Now(),
                             .kind = "hub",
                             .text = fmt::format("the kept {} cannot be read and are passed over: "
                                                 "{}",
-                                                name, problem.detail),
+                                                row.name, problem.detail),
                             .by = ""});
   }
+}
+
+// The file's settings with the document's in place of them.
+model::Settings OnFile(const House& house, const SettingsRow& row, const json::object& document) {
+  model::Settings settings = house.file;
+  row.read(document, settings);
+  return settings;
+}
+
+void Keep(House& house, const SettingsRow& row, const json::object& document) {
+  const model::Settings settings = OnFile(house, row, document);
+  const json::object difference = Difference(row.write(house.file), row.write(settings));
+  house.store.PutDocument(row.name, ToText(difference));
+  ApplySettings(house);
 }
 
 }  // namespace
 
 void ApplySettings(House& house) {
   model::Settings settings = house.file;
-  Apply(house, kNames, ReadNames, NamesJson, settings);
-  Apply(house, kSetup, ReadSetup, SetupJson, settings);
+  Apply(house, kNames, settings);
+  Apply(house, kSetup, settings);
   house.bus.Apply(std::move(settings));
   house.bus.Publish();
 }
@@ -73,36 +90,18 @@ json::object PageNow(const House& house) {
   }
 }
 
-void CheckNames(const House& house, const json::object& names) {
-  model::Settings settings = house.file;
-  ReadNames(names, settings);
-}
+void CheckNames(const House& house, const json::object& names) { OnFile(house, kNames, names); }
 
-void CheckSetup(const House& house, const json::object& setup) {
-  model::Settings settings = house.file;
-  ReadSetup(setup, settings);
-}
+void CheckSetup(const House& house, const json::object& setup) { OnFile(house, kSetup, setup); }
 
 void CheckPage(const json::object& page) {
   if (ToText(page).size() > kLongestPage)
     throw DoesNotFit("page", fmt::format("the page keeps at most {} bytes", kLongestPage));
 }
 
-void KeepNames(House& house, const json::object& names) {
-  model::Settings settings = house.file;
-  ReadNames(names, settings);
-  const json::object difference = Difference(NamesJson(house.file), NamesJson(settings));
-  house.store.PutDocument(kNames, ToText(difference));
-  ApplySettings(house);
-}
+void KeepNames(House& house, const json::object& names) { Keep(house, kNames, names); }
 
-void KeepSetup(House& house, const json::object& setup) {
-  model::Settings settings = house.file;
-  ReadSetup(setup, settings);
-  const json::object difference = Difference(SetupJson(house.file), SetupJson(settings));
-  house.store.PutDocument(kSetup, ToText(difference));
-  ApplySettings(house);
-}
+void KeepSetup(House& house, const json::object& setup) { Keep(house, kSetup, setup); }
 
 void KeepPage(House& house, const json::object& page) {
   CheckPage(page);
