@@ -1,6 +1,5 @@
 // Real sites, each broken in one way, and what doctor finds. The daemon is the real one on the
 // virtual bus; the hub is a fake one that answers like a hub that has them.
-#include <netinet/in.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -14,30 +13,11 @@
 #include "Ctl.h"
 #include "FakeHub.h"
 #include "SiteTest.h"
+#include "kit/Listener.h"
 
 namespace {
 
 constexpr char kLogFolder[] = "/run/test/log";
-
-// A listening socket that nobody serves.
-class Listener {
- public:
-  explicit Listener(int port) : fd_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const int yes = 1;
-    setsockopt(fd_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<uint16_t>(port));
-    bind(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    listen(fd_, 1);
-  }
-  ~Listener() { close(fd_); }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-
- private:
-  int fd_;
-};
 
 class Doctor : public SiteTest {
  protected:
