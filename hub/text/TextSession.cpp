@@ -115,6 +115,7 @@ asio::awaitable<void> TextSession::Read(Self self) {
   protocol::LineReader reader(kLongestLine);
   std::vector<std::string> lines;
   std::array<char, 4096> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by reads
+  uint64_t lost = 0;
   error_code error;
   bool goes_on = true;
   while (goes_on && self->IsOpen()) {
@@ -124,10 +125,13 @@ asio::awaitable<void> TextSession::Read(Self self) {
     reader.Take({chunk.data(), count}, [&](std::string line) { lines.push_back(std::move(line)); });
     // The daemon takes what stands behind the last line end as a command, too.
     if (error && !reader.Unfinished().empty()) lines.push_back(reader.Unfinished());
-    for (std::string& line : std::exchange(lines, {})) {
-      goes_on = co_await self->Take(std::move(line));
+    for (std::string& line : lines) {
+      auto taking = self->Take(std::move(line));
+      goes_on = co_await std::move(taking);
       if (!goes_on) break;
     }
+    lines.clear();
+    if (std::exchange(lost, reader.LostLines()) != reader.LostLines()) self->RefuseLongLine();
     goes_on = goes_on && !error;
   }
   co_await self->Settle();
@@ -165,13 +169,24 @@ bool TextSession::LogIn(std::string_view line) {
 }
 
 asio::awaitable<void> TextSession::TakeConsoleLine(std::string line) {
-  const auto answer = co_await api::RunConsoleLine(house_, caller_, std::move(line));
+  auto running = api::RunConsoleLine(house_, caller_, std::move(line));
+  const auto answer = co_await std::move(running);
   if (const auto* good = std::get_if<protocol::Answer>(&answer)) {
     Send(good->wire);
     co_return;
   }
-  Send(Item("CIE: " + std::get<api::Problem>(answer).detail));
+  Refuse(std::get<api::Problem>(answer).detail);
+}
+
+void TextSession::Refuse(std::string_view why) {
+  Send(Item("CIE: " + std::string(why)));
   Send(Item(">"));
+}
+
+void TextSession::RefuseLongLine() {
+  const std::string why = "a line of more than " + std::to_string(kLongestLine) + " characters";
+  if (may_enter_ && port_ == Port::kCae) Refuse(why);
+  if (may_enter_ && port_ == Port::kIo) Send(Item("COE:" + why));
 }
 
 // Blocks go on without waiting for each other's receipt, as at the daemon; the bound slows down
@@ -184,19 +199,22 @@ asio::awaitable<void> TextSession::TakeCommand(std::string line) {
   const auto command = protocol::ParseIoCommand(line);
   const bool is_block = command && std::holds_alternative<protocol::WriteBlock>(*command);
   ++commands_under_way_;
-  if (!is_block) co_return co_await RunCommand(shared_from_this(), std::move(line));
-  asio::co_spawn(socket_.get_executor(), RunCommand(shared_from_this(), std::move(line)),
-                 asio::detached);
+  auto running = RunCommand(shared_from_this(), std::move(line));
+  if (is_block)
+    asio::co_spawn(socket_.get_executor(), std::move(running), asio::detached);
+  else
+    co_await std::move(running);
 }
 
 asio::awaitable<void> TextSession::RunCommand(Self self, std::string line) {
-  std::optional<api::Problem> problem =
-      co_await api::RunCommandLine(self->house_, self->caller_, line);
   asio::steady_timer pause(self->socket_.get_executor());
-  while (problem && problem->status == kTooFast && self->IsOpen()) {
+  std::optional<api::Problem> problem;
+  while (true) {
+    auto running = api::RunCommandLine(self->house_, self->caller_, line);
+    problem = co_await std::move(running);
+    if (!problem || problem->status != kTooFast || !self->IsOpen()) break;
     pause.expires_after(kPause);
     co_await pause.async_wait(asio::use_awaitable);
-    problem = co_await api::RunCommandLine(self->house_, self->caller_, line);
   }
   --self->commands_under_way_;
   self->has_receipt_.cancel();

@@ -46,6 +46,8 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
   boost::asio::awaitable<void> TakeCommand(std::string line);
   boost::asio::awaitable<void> Settle();  // until every command has its receipt
   bool LogIn(std::string_view line);
+  void Refuse(std::string_view why);  // a line of the console
+  void RefuseLongLine();
   void Greet();
   void Send(std::string_view bytes);
 
