@@ -33,7 +33,7 @@ std::optional<Role> ParseRole(std::string_view name) {
 struct Access::Parts {};
 
 Access::Access(boost::asio::io_context&, const model::Clock&, const std::optional<std::string>&,
-               Sinks) {}
+               Sinks, PasswordCost) {}
 Access::~Access() = default;
 
 boost::asio::awaitable<std::variant<Session, Refusal, Wait>> Access::LogIn(std::string account,
