@@ -6,12 +6,17 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <utility>
 
 namespace virtualbus {
 
 Program::Program(const TempDir& folder, std::vector<std::string> arguments)
+    : Program(folder, QELM_BUS, std::move(arguments)) {}
+
+Program::Program(const TempDir& folder, const std::string& binary,
+                 std::vector<std::string> arguments)
     : out_(folder.Path("out")), err_(folder.Path("err")) {
-  arguments.insert(arguments.begin(), QELM_BUS);
+  arguments.insert(arguments.begin(), binary);
   std::vector<char*> words;
   for (std::string& argument : arguments) words.push_back(argument.data());
   words.push_back(nullptr);
@@ -21,7 +26,7 @@ Program::Program(const TempDir& folder, std::vector<std::string> arguments)
   const int err = open(err_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
-  execv(QELM_BUS, words.data());
+  execv(binary.c_str(), words.data());
   _exit(127);
 }
 

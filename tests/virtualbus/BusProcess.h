@@ -17,7 +17,8 @@ namespace virtualbus {
 // A program started with its output in files.
 class Program {
  public:
-  Program(const TempDir& folder, std::vector<std::string> arguments);
+  Program(const TempDir& folder, std::vector<std::string> arguments);  // qelm-bus
+  Program(const TempDir& folder, const std::string& binary, std::vector<std::string> arguments);
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
