@@ -65,7 +65,9 @@ asio::awaitable<void> LiveClient::Answer(Self self, std::string text) {
 }
 
 void LiveClient::Queue(std::string text) {
+  if (is_cut_) return;
   if (!replies_.empty() && reply_bytes_ + text.size() > kReplyBytesToEnd) {
+    is_cut_ = true;
     ++live_.Count().cut;
     return socket_->Close(CloseCode::kTooSlow, "too slow to take its answers");
   }
