@@ -79,7 +79,7 @@ TEST_F(BusMethodsTest, AnErrorOfTheConsoleIsAnAnswer) {
 
 TEST_F(BusMethodsTest, TheHubsOwnSessionIsNotEnded) {
   ExpectProblem("console.run", R"({"line":"EXIT"})", 422, "line",
-                "EXIT would end the hub's own session");
+                "a line for the daemon is one line of at most 253 characters, and not EXIT");
   ExpectProblem("console.run", R"({"line":""})", 422, "line",
                 "a text of 0 characters; line takes 1 to 200");
   ExpectProblem("console.run", R"({"line":"H\u00e9LP"})", 422, "line",
