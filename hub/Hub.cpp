@@ -228,6 +228,7 @@ void Hub::Stop() {
   text_ports_.Stop();
   server_.Stop();
   link_.Stop();
+  store_.Stop();
 }
 
 }  // namespace hub

@@ -83,6 +83,7 @@ struct Store::Parts {
   Disk::Report report;
   std::string notice;  // the last one; it stays Trouble until the next start
   bool writing = false;
+  bool stopped = false;
   size_t documents_under_way = 0;
   std::optional<model::SteadyTime> documents_due;
   std::optional<model::SteadyTime> values_due;
@@ -139,7 +140,7 @@ void Store::Parts::Plan(std::optional<model::SteadyTime>& due, std::chrono::mill
 }
 
 std::optional<model::SteadyTime> Store::Parts::NextDue() const {
-  if (writing) return std::nullopt;
+  if (writing || stopped) return std::nullopt;
   if (retry_due) return retry_due;
   if (documents_due && values_due) return std::min(*documents_due, *values_due);
   return documents_due ? documents_due : values_due;
@@ -243,6 +244,11 @@ Store::Store(asio::io_context& context, StoreOptions options, const model::Clock
     : parts_(std::make_unique<Parts>(context, options, clock)) {}
 
 Store::~Store() = default;
+
+void Store::Stop() {
+  parts_->stopped = true;
+  parts_->timer.cancel();
+}
 
 std::string Store::Trouble() const {
   return parts_->report.failure.empty() ? parts_->notice : parts_->report.failure;

@@ -35,6 +35,9 @@ class Store {
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
 
+  // From now on nothing is written before the end, and no timer keeps the context running.
+  void Stop();
+
   // What is wrong with the disk, for people; empty when all is well. A broken file that was set
   // aside is named until the next start.
   std::string Trouble() const;

@@ -156,6 +156,16 @@ TEST_F(HubTest, SixtyFourClientsAreServedAndOneMoreIsClosed) {
   ASSERT_TRUE(WaitUntil([] { return Client(kTextIo).IsServed(); }));
 }
 
+TEST_F(HubTest, ItEndsAtOnceBesideItsClients) {
+  StartAll();
+  Client console = Greeted(kTextCae);
+  Client monitor = Greeted(kTextMon);
+  hub->Signal(SIGTERM);
+  EXPECT_EQ(hub->WaitForExit(), 0);
+  console.ExpectClosed();
+  monitor.ExpectClosed();
+}
+
 TEST_F(HubTest, WhatWasAskedForOutlivesHubAndDaemon) {
   StartAll();
   EXPECT_NE(Ask("PUT", "/api/channels/5.0", R"({"value":true})").find("200 OK"), std::string::npos);

@@ -35,6 +35,18 @@ TEST_F(StoreJournal, NumbersGoOnAfterARestart) {
   EXPECT_EQ(JournalTexts(), (Texts{"one", "two"}));
 }
 
+TEST_F(StoreJournal, AStoppedStoreKeepsNobodyRunning) {
+  Start();
+  Happen("one");
+  store->Stop();
+  Happen("two");
+  context.restart();
+  context.poll();
+  EXPECT_TRUE(context.stopped());
+  Restart();
+  EXPECT_EQ(JournalTexts(), (Texts{"one", "two"}));
+}
+
 TEST_F(StoreJournal, BehindANumberTheNewest) {
   Start();
   for (const char* text : {"1", "2", "3"}) Happen(text);
