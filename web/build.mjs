@@ -1,0 +1,52 @@
+// Builds the page into dist/: names with a hash of what is in them, each file also compressed.
+import { mkdir, readFile, rm, writeFile } from 'node:fs/promises';
+import { brotliCompressSync, constants, gzipSync } from 'node:zlib';
+import { fileURLToPath } from 'node:url';
+import { basename, join, relative } from 'node:path';
+
+import { build } from 'esbuild';
+
+const here = fileURLToPath(new URL('.', import.meta.url));
+const dist = join(here, 'dist');
+
+await rm(dist, { recursive: true, force: true });
+await mkdir(dist);
+
+const result = await build({
+  absWorkingDir: here,
+  entryPoints: ['src/main.ts', 'src/theme/page.css', 'src/theme/icon.svg'],
+  entryNames: '[name]-[hash]',
+  chunkNames: '[name]-[hash]',
+  assetNames: '[name]-[hash]',
+  outdir: dist,
+  bundle: true,
+  splitting: true,
+  format: 'esm',
+  target: ['es2022'],
+  minify: true,
+  legalComments: 'none',
+  metafile: true,
+  write: false,
+  loader: { '.svg': 'copy' },
+  define: { 'process.env.NODE_ENV': '"production"' },
+});
+
+const files = new Map(result.outputFiles.map((file) => [relative(dist, file.path), file.contents]));
+const nameOf = (entry) =>
+  basename(
+    Object.entries(result.metafile.outputs).find(([, output]) => output.entryPoint === entry)[0],
+  );
+
+const icon = [...files.keys()].find((name) => name.startsWith('icon-'));
+const index = (await readFile(join(here, 'src/index.html'), 'utf8'))
+  .replace('main.js', nameOf('src/main.ts'))
+  .replace('page.css', nameOf('src/theme/page.css'))
+  .replace('icon.svg', icon);
+files.set('index.html', Buffer.from(index));
+
+for (const [name, bytes] of files) {
+  await writeFile(join(dist, name), bytes);
+  const parameters = { [constants.BROTLI_PARAM_QUALITY]: 11 };
+  await writeFile(join(dist, `${name}.br`), brotliCompressSync(bytes, { params: parameters }));
+  await writeFile(join(dist, `${name}.gz`), gzipSync(bytes, { level: 9 }));
+}

@@ -1,0 +1,89 @@
+// A pad of the 63 keys that a card can tell, and its encoder.
+import { css, svg, type SVGTemplateResult } from 'lit';
+
+const columns = 9;
+const rows = 7;
+const pitch = 11;
+const size = 9.5;
+
+export const padBox = `0 0 ${columns * pitch} ${rows * pitch}`;
+export const encoderBox = '-50 -50 100 100';
+
+export const hex = (code: number) => code.toString(16).toUpperCase().padStart(2, '0');
+
+export function drawPad(held: number, recent: readonly number[]): SVGTemplateResult {
+  const keys = Array.from({ length: columns * rows }, (_, place) => {
+    const code = place + 1;
+    const x = (place % columns) * pitch + (pitch - size) / 2;
+    const y = Math.floor(place / columns) * pitch + (pitch - size) / 2;
+    const state = code === held ? 'held' : recent.includes(code) ? 'recent' : '';
+    return svg`<g class="pad-key ${state}">
+      <rect x=${x} y=${y} width=${size} height=${size} rx="1"></rect>
+      <text x=${x + size / 2} y=${y + size / 2 + 1.5}>${hex(code)}</text></g>`;
+  });
+  return svg`<g>${keys}</g>`;
+}
+
+const detents = 24; // a turn of the encoder
+
+export function encoderAngle(steps: number): number {
+  return (steps * 360) / detents;
+}
+
+export function drawEncoder(steps: number, contacts: number | null): SVGTemplateResult {
+  const notches = Array.from({ length: detents }, (_, place) => {
+    const angle = (place * 360) / detents;
+    return svg`<path d="M0-36V-40" transform="rotate(${angle})"></path>`;
+  });
+  const contact = (bit: number, x: number) =>
+    svg`<circle class="contact-dot ${contacts !== null && contacts & bit ? 'on' : ''}"
+      cx=${x} cy="46" r="3"></circle>`;
+  return svg`<g class="encoder"><circle class="cap" r="40"></circle>
+    <g class="turned" transform="rotate(${encoderAngle(steps)})">${notches}
+      <circle class="dimple" cy="-24" r="6"></circle></g>
+    ${contact(2, -40)}${contact(1, 40)}</g>`;
+}
+
+export const keypadStyle = css`
+  .pad-key rect {
+    fill: var(--part);
+    stroke: var(--line);
+    stroke-width: 0.5;
+  }
+  .pad-key text {
+    fill: var(--faint);
+    font-size: 4.25px;
+    text-anchor: middle;
+  }
+  .pad-key.recent rect {
+    stroke: var(--ink);
+  }
+  .pad-key.held rect {
+    fill: var(--on);
+    stroke: var(--on);
+  }
+  .pad-key.held text {
+    fill: var(--on-ink);
+  }
+  .encoder .cap {
+    fill: var(--part);
+    stroke: var(--edge);
+  }
+  .encoder .turned {
+    stroke: var(--edge);
+    stroke-width: 1.5;
+    transition: transform var(--move);
+  }
+  .encoder .dimple {
+    fill: var(--well);
+    stroke: var(--edge);
+  }
+  .encoder .contact-dot {
+    fill: var(--well);
+    stroke: var(--edge);
+  }
+  .encoder .contact-dot.on {
+    fill: var(--on);
+    stroke: var(--on);
+  }
+`;

@@ -1,0 +1,16 @@
+// What can happen to the state.
+import type { Connection } from '../api/Live.js';
+import type { Arrangement, Card, Changes, Channel, Problem, Snapshot, Who } from '../api/Shapes.js';
+import type { AllOff } from './State.js';
+
+export type Action =
+  | { type: 'connection'; state: Connection; nextTry: number | null; now: number }
+  | { type: 'who'; who: Who }
+  | { type: 'snapshot'; snapshot: Snapshot; now: number }
+  | { type: 'changes'; changes: Changes; now: number }
+  | { type: 'card'; card: Card; now: number } // an answer; the same comes as a change
+  | { type: 'channel'; channel: Channel; now: number }
+  | { type: 'arrangement'; arrangement: Arrangement }
+  | { type: 'refused'; id: number; problem: Problem }
+  | { type: 'noticed'; id: number }
+  | { type: 'all-off'; allOff: AllOff | null };

@@ -1,0 +1,58 @@
+// All that the page knows. Plain data that nobody changes in place: what is another object is new.
+import type { Connection } from '../api/Live.js';
+import type { Arrangement, Bus, Card, KeyEvent, Problem, Value, Who } from '../api/Shapes.js';
+
+export interface TrailPoint {
+  time: number; // ms, this machine's clock
+  value: number;
+}
+
+export interface SentCode {
+  time: number;
+  bytes: string;
+}
+
+export interface Notice {
+  id: number;
+  problem: Problem;
+}
+
+// Outputs that were switched off together, and what they were.
+export interface AllOff {
+  until: number; // ms, this machine's clock: it can be undone till then
+  before: Record<string, Record<string, Value>>; // by address and number
+}
+
+export interface State {
+  connection: Connection;
+  nextTry: number | null; // ms, this machine's clock
+  lostSince: number | null;
+  who: Who | null; // null: not asked yet
+  bus: Bus | null;
+  cards: Readonly<Record<string, Card>>; // by address
+  missed: number; // events that this page has lost
+  keys: Readonly<Record<string, readonly KeyEvent[]>>; // the last of each card, newest first
+  turns: Readonly<Record<string, number>>; // steps of a card's encoder, right is more
+  codes: Readonly<Record<string, readonly SentCode[]>>; // infrared, newest first
+  trails: Readonly<Record<string, readonly TrailPoint[]>>; // of levels, by channel, oldest first
+  arrangement: Arrangement;
+  notices: readonly Notice[];
+  allOff: AllOff | null;
+}
+
+export const beginning: State = {
+  connection: 'connecting',
+  nextTry: null,
+  lostSince: null,
+  who: null,
+  bus: null,
+  cards: {},
+  missed: 0,
+  keys: {},
+  turns: {},
+  codes: {},
+  trails: {},
+  arrangement: {},
+  notices: [],
+  allOff: null,
+};

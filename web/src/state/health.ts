@@ -1,0 +1,47 @@
+// How the daemon, the adapter, the broker and this connection are, a row each. Pure.
+import type { State } from './State.js';
+
+export type Sign = 'good' | 'busy' | 'wrong' | 'none';
+export type Part = 'page' | 'daemon' | 'adapter' | 'broker';
+
+export type Word =
+  | 'open'
+  | 'connecting'
+  | 'lost'
+  | 'up'
+  | 'down'
+  | 'waiting'
+  | 'absent'
+  | 'refused'
+  | 'unknown';
+
+export interface Health {
+  part: Part;
+  sign: Sign;
+  word: Word;
+}
+
+const signs: Record<Word, Sign> = {
+  open: 'good',
+  up: 'good',
+  connecting: 'busy',
+  waiting: 'busy',
+  lost: 'wrong',
+  absent: 'wrong',
+  down: 'wrong',
+  refused: 'wrong',
+  unknown: 'none',
+};
+
+export function healthOf({ connection, bus }: Pick<State, 'connection' | 'bus'>): Health[] {
+  const row = (part: Part, word: Word): Health => ({ part, word, sign: signs[word] });
+  const rows = [
+    row('daemon', bus?.daemon.state ?? 'unknown'),
+    row('adapter', bus?.adapter.state ?? 'unknown'),
+  ];
+  if (bus?.broker) rows.push(row('broker', bus.broker.state));
+  // What the hub said last is not news while it is not there.
+  const shown =
+    connection === 'open' ? rows : rows.map((each) => ({ ...each, sign: 'none' as const }));
+  return [...shown, row('page', connection)];
+}

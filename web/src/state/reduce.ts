@@ -1,0 +1,109 @@
+// The next state after an action. Pure.
+import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
+import type { Action } from './Actions.js';
+import { addKeys, addTurns, codesAfter, trailsAfter } from './memory.js';
+import type { State } from './State.js';
+
+const mostNotices = 3;
+
+export function reduce(state: State, action: Action): State {
+  switch (action.type) {
+    case 'connection':
+      return connected(state, action);
+    case 'who':
+      return { ...state, who: action.who };
+    case 'snapshot':
+      return takeSnapshot(state, action.snapshot, action.now);
+    case 'changes':
+      return takeChanges(state, action.changes, action.now);
+    case 'card':
+      return takeCards(state, [action.card], action.now);
+    case 'channel':
+      return takeChannels(state, [action.channel], action.now);
+    case 'arrangement':
+      return { ...state, arrangement: action.arrangement };
+    case 'refused':
+      return addNotice(state, action.id, action.problem);
+    case 'noticed':
+      return { ...state, notices: state.notices.filter(({ id }) => id !== action.id) };
+    case 'all-off':
+      return { ...state, allOff: action.allOff };
+  }
+}
+
+function connected(state: State, action: Action & { type: 'connection' }): State {
+  const lostSince = action.state === 'open' ? null : (state.lostSince ?? action.now);
+  const nextTry = action.nextTry === null ? null : action.now + action.nextTry;
+  return { ...state, connection: action.state, nextTry, lostSince };
+}
+
+// Cards that were here and are not in it any more are kept as absent: the bench shows that they
+// are missing.
+function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
+  const present = new Set(snapshot.cards.map((card) => card.address));
+  const gone = Object.values(state.cards)
+    .filter((card) => !present.has(card.address))
+    .map((card) => ({ ...card, state: 'absent' as const }));
+  const isSameBus = state.bus?.id === snapshot.bus.id;
+  const base: State = isSameBus
+    ? state
+    : { ...state, cards: {}, keys: {}, turns: {}, codes: {}, trails: {} };
+  const next = takeCards(base, [...(isSameBus ? gone : []), ...snapshot.cards], now);
+  return {
+    ...next,
+    bus: snapshot.bus,
+    keys: addKeys(next.keys, snapshot.events),
+    turns: addTurns(next.turns, snapshot.events),
+    missed: next.missed + snapshot.lost,
+  };
+}
+
+function takeChanges(state: State, changes: Changes, now: number): State {
+  let next = takeCards(state, changes.cards, now);
+  next = takeChannels(next, changes.channels, now);
+  return {
+    ...next,
+    bus: changes.bus ?? next.bus,
+    keys: addKeys(next.keys, changes.events),
+    turns: addTurns(next.turns, changes.events),
+    missed: next.missed + changes.lost,
+  };
+}
+
+function takeCards(state: State, fresh: readonly Card[], now: number): State {
+  if (fresh.length === 0) return state;
+  const cards = { ...state.cards };
+  for (const card of fresh) cards[card.address] = card;
+  const channels = fresh.flatMap((card) => card.channels);
+  return remember({ ...state, cards }, channels, now);
+}
+
+// Channels that are not named stay the same objects, so that nobody draws them again.
+function takeChannels(state: State, fresh: Changes['channels'], now: number): State {
+  if (fresh.length === 0) return state;
+  const cards = { ...state.cards };
+  const copied = new Set<string>();
+  for (const channel of fresh) {
+    const [address = '', number = ''] = channel.id.split('.');
+    let card = cards[address];
+    if (!card) continue;
+    if (!copied.has(address)) {
+      card = { ...card, channels: [...card.channels] };
+      cards[address] = card;
+      copied.add(address);
+    }
+    card.channels[Number(number)] = channel;
+  }
+  return remember({ ...state, cards }, fresh, now);
+}
+
+function remember(state: State, channels: Changes['channels'], now: number): State {
+  const trails = trailsAfter(state.trails, channels, now);
+  const codes = codesAfter(state.codes, channels);
+  return { ...state, trails, codes };
+}
+
+function addNotice(state: State, id: number, problem: Problem): State {
+  const others = state.notices.filter((notice) => notice.problem.detail !== problem.detail);
+  return { ...state, notices: [...others, { id, problem }].slice(-mostNotices) };
+}

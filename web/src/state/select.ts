@@ -1,0 +1,38 @@
+// Questions to the state that more than one component asks. Pure.
+import type { Card, Channel, Role } from '../api/Shapes.js';
+import type { State } from './State.js';
+
+const rank: Record<Role, number> = { view: 1, use: 2, admin: 3 };
+
+export function may(state: State, role: Role): boolean {
+  const own = state.who?.role;
+  return own ? rank[own] >= rank[role] : false;
+}
+
+// What the page shows was true once, and nobody knows whether it still is.
+export function isStale(state: State): boolean {
+  return state.connection !== 'open' || state.bus?.daemon.state !== 'up';
+}
+
+// No output follows: the cable is out.
+export function isAdapterDown(state: State): boolean {
+  return state.bus?.adapter.state === 'down';
+}
+
+export type Certainty = 'unknown' | 'pending' | 'assumed' | 'known';
+
+export function certainty(channel: Channel): Certainty {
+  if (channel.pending) return 'pending';
+  if (!channel.known || channel.value === null) return 'unknown';
+  return channel.assumed ? 'assumed' : 'known';
+}
+
+export function numberOf(channel: Channel): number {
+  return Number(channel.id.slice(2));
+}
+
+export function presentCards(state: State): Card[] {
+  return Object.values(state.cards)
+    .filter((card) => card.state !== 'absent')
+    .sort((a, b) => a.address.localeCompare(b.address));
+}

@@ -1,0 +1,23 @@
+// Numbers, times and names as people read them. Pure.
+import type { Channel } from '../api/Shapes.js';
+import { text } from './text.js';
+
+export function formatNumber(value: number): string {
+  return String(Number(value.toFixed(2))).replace('-', '\u2212');
+}
+
+export function formatValue(channel: Channel): string {
+  const { value, known } = channel;
+  if (!known || value === null) return text.unknownValue;
+  if (typeof value === 'boolean') return value ? text.on : text.off;
+  return typeof value === 'number' ? formatNumber(value) : value;
+}
+
+export function formatTime(time: number): string {
+  return new Date(time).toLocaleTimeString('en-GB');
+}
+
+// A channel without a name is called by its number.
+export function nameOf(channel: Channel): string {
+  return channel.name ?? text.channel(Number(channel.id.slice(2)));
+}

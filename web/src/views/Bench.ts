@@ -1,0 +1,68 @@
+// The bench: rails with the cards in their slots, as they stand in front of you.
+import { html, LitElement, nothing } from 'lit';
+import { customElement } from 'lit/decorators.js';
+
+import { isStale, may, presentCards } from '../state/select.js';
+import { Reads } from '../state/Store.js';
+import { text } from '../text/text.js';
+import { base } from '../theme/base.js';
+import { arrange, type Slot } from './arrange.js';
+import { benchStyle } from './benchStyle.js';
+
+const slotsInHalf = 8;
+const slotsInQuarter = 4;
+
+@customElement('qelm-bench')
+export class Bench extends LitElement {
+  static override styles = [base, benchStyle];
+
+  private readonly cards = new Reads(this, (state) => state.cards);
+  private readonly arrangement = new Reads(this, (state) => state.arrangement);
+  private readonly stale = new Reads(this, isStale);
+  private readonly canUse = new Reads(this, (state) => may(state, 'use'));
+  private readonly isEmpty = new Reads(this, (state) => presentCards(state).length === 0);
+  private readonly allOff = new Reads(this, (state) => state.allOff);
+
+  override render() {
+    if (this.isEmpty.value) return html`<qelm-first-run></qelm-first-run>`;
+    const rails = arrange(this.cards.value, this.arrangement.value);
+    return html`<h1 class="unseen">${text.nav.bench}</h1>
+      <div class="rails ${this.stale.value ? 'stale' : ''}">
+        ${rails.map(
+          ({ title, slots }) =>
+            html`${title === null ? nothing : html`<h2 class="group">${title}</h2>`}
+            ${pieces(slots, slotsInHalf).map(
+              (half) =>
+                html`<div class="half">
+                  ${pieces(half, slotsInQuarter).map(
+                    (quarter) =>
+                      html`<div class="quarter">
+                        ${quarter.map((slot) => this.renderSlot(slot))}
+                      </div>`,
+                  )}
+                </div>`,
+            )}`,
+        )}
+      </div>
+      <footer>
+        <qelm-legend></qelm-legend>
+        ${this.canUse.value
+          ? html`<qelm-all-off .allOff=${this.allOff.value}></qelm-all-off>`
+          : nothing}
+      </footer>`;
+  }
+
+  private renderSlot({ address, card }: Slot) {
+    if (!card)
+      return html`<div class="slot empty" role="img" aria-label=${text.empty(address)}>
+        <span aria-hidden="true">${address}</span>
+      </div>`;
+    return html`<qelm-plate class="slot ${card.kind}" .card=${card}></qelm-plate>`;
+  }
+}
+
+function pieces<Item>(items: readonly Item[], size: number): Item[][] {
+  return Array.from({ length: Math.ceil(items.length / size) }, (_, at) =>
+    items.slice(at * size, (at + 1) * size),
+  );
+}

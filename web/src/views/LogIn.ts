@@ -1,0 +1,73 @@
+import { css, html, LitElement } from 'lit';
+import { customElement } from 'lit/decorators.js';
+
+import { want } from '../state/Intent.js';
+import { text } from '../text/text.js';
+import { base } from '../theme/base.js';
+
+@customElement('qelm-log-in')
+export class LogIn extends LitElement {
+  static override styles = [
+    base,
+    css`
+      :host {
+        display: grid;
+        justify-content: center;
+        padding: 15vh 1rem 1rem;
+      }
+      form {
+        display: grid;
+        gap: 1rem;
+        width: min(20rem, calc(100vw - 2rem));
+        padding: 1.5rem;
+        background: var(--plate);
+        border: var(--hair) solid var(--line);
+        border-radius: 2px;
+      }
+      h1 {
+        font-size: 1.0625rem;
+        font-weight: 600;
+      }
+      label {
+        display: grid;
+        gap: 0.25rem;
+        font-size: 0.8125rem;
+      }
+      .field {
+        font-size: 1rem;
+      }
+    `,
+  ];
+
+  override render() {
+    return html`<form @submit=${this.send}>
+      <h1>${text.logIn.title}</h1>
+      <label>
+        ${text.logIn.account}
+        <input class="field" name="account" autocomplete="username" required maxlength="64" />
+      </label>
+      <label>
+        ${text.logIn.password}
+        <input
+          class="field"
+          name="password"
+          type="password"
+          autocomplete="current-password"
+          required
+          maxlength="1024"
+        />
+      </label>
+      <button class="key">${text.logIn.go}</button>
+    </form>`;
+  }
+
+  private send(event: SubmitEvent): void {
+    event.preventDefault();
+    const data = new FormData(event.target as HTMLFormElement);
+    const field = (name: string) => {
+      const value = data.get(name);
+      return typeof value === 'string' ? value : '';
+    };
+    want(this, { do: 'log-in', account: field('account'), password: field('password') });
+  }
+}

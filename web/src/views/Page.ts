@@ -1,0 +1,134 @@
+// The page: state above, the view, and the way to the other views (at the thumb on a phone).
+import { css, html, LitElement, nothing } from 'lit';
+import { customElement, state } from 'lit/decorators.js';
+
+import { may } from '../state/select.js';
+import { Reads, store } from '../state/Store.js';
+import { text } from '../text/text.js';
+import { base } from '../theme/base.js';
+import { viewAt, views } from './Views.js';
+
+@customElement('qelm-page')
+export class Page extends LitElement {
+  static override styles = [
+    base,
+    css`
+      :host {
+        display: flex;
+        flex-direction: column;
+        min-height: 100vh;
+        min-height: 100dvh;
+      }
+      qelm-state-bar {
+        position: sticky;
+        z-index: 1;
+        top: 0;
+      }
+      main {
+        flex: 1;
+      }
+      nav {
+        display: flex;
+      }
+      a {
+        display: flex;
+        align-items: center;
+        gap: 0.5rem;
+        min-height: var(--touch);
+        padding: 0 0.75rem;
+        color: var(--faint);
+        text-decoration: none;
+      }
+      a[aria-current] {
+        color: var(--ink);
+        box-shadow: inset 0 -2px var(--ink);
+      }
+      a svg {
+        width: 1.25rem;
+        height: 1.25rem;
+        fill: none;
+        stroke: currentcolor;
+        stroke-width: 1.5;
+      }
+      @media (max-width: 639px) {
+        :host {
+          --thumb: 3.5rem;
+        }
+        nav.many {
+          position: fixed;
+          z-index: 1;
+          inset: auto 0 0;
+          background: var(--plate);
+          border-top: var(--hair) solid var(--line);
+          padding-bottom: env(safe-area-inset-bottom);
+        }
+        nav.many a {
+          flex: 1;
+          flex-direction: column;
+          justify-content: center;
+          gap: 0.125rem;
+          min-height: 3.5rem;
+          padding: 0;
+          font-size: 0.6875rem;
+        }
+        nav.many a[aria-current] {
+          box-shadow: inset 0 2px var(--ink);
+        }
+        main.above {
+          padding-bottom: calc(var(--thumb) + env(safe-area-inset-bottom));
+        }
+      }
+    `,
+  ];
+
+  private readonly ownRole = new Reads(this, (known) => known.who?.role);
+  private readonly busName = new Reads(this, (known) => known.bus?.name);
+  @state() private hash = location.hash;
+
+  override connectedCallback(): void {
+    super.connectedCallback();
+    window.addEventListener('hashchange', this.onHash);
+    this.onHash();
+  }
+
+  override disconnectedCallback(): void {
+    super.disconnectedCallback();
+    window.removeEventListener('hashchange', this.onHash);
+  }
+
+  override render() {
+    const name = this.busName.value;
+    document.title = name ? `${name} – ${text.page}` : text.page;
+    if (this.ownRole.value === null)
+      return html`<main><qelm-log-in></qelm-log-in></main>
+        <qelm-notices></qelm-notices>`;
+    const view = viewAt(this.hash);
+    return html`<qelm-state-bar>${this.renderNav()}</qelm-state-bar>
+      <qelm-notices></qelm-notices>
+      <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render()}</main>`;
+  }
+
+  private get offered() {
+    return views.filter(({ role }) => may(store.state, role));
+  }
+
+  private renderNav() {
+    const offered = this.offered;
+    if (offered.length < 2) return nothing;
+    const current = viewAt(this.hash);
+    return html`<nav class="many" aria-label=${text.nav.label}>
+      ${offered.map(
+        (view) =>
+          html`<a href="#${view.name}" aria-current=${view === current ? 'page' : nothing}>
+            <svg viewBox="0 0 24 24" aria-hidden="true"><path d=${view.icon}></path></svg>
+            ${view.title}
+          </a>`,
+      )}
+    </nav>`;
+  }
+
+  private readonly onHash = (): void => {
+    this.hash = location.hash;
+    void viewAt(this.hash).load();
+  };
+}

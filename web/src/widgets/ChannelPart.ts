@@ -1,0 +1,60 @@
+// What all drawn channels have in common: the channel, and what the person may do with it.
+import { html, LitElement, nothing, type TemplateResult } from 'lit';
+import { property } from 'lit/decorators.js';
+
+import type { Channel } from '../api/Shapes.js';
+import { want } from '../state/Intent.js';
+import { type Certainty, certainty, numberOf } from '../state/select.js';
+import { nameOf } from '../text/format.js';
+import { text } from '../text/text.js';
+import type { RenamedEvent } from './Name.js';
+
+export abstract class ChannelPart extends LitElement {
+  @property({ attribute: false }) channel!: Channel;
+  @property({ type: Boolean }) usable = false; // the person may move it
+  @property({ type: Boolean }) renamable = false;
+
+  protected get certainty(): Certainty {
+    return certainty(this.channel);
+  }
+
+  protected get isOn(): boolean {
+    return this.channel.value === true;
+  }
+
+  // What a screen reader says: the name, and how sure the value is.
+  protected get label(): string {
+    const doubt = text.certainty[this.certainty];
+    return doubt ? `${nameOf(this.channel)}, ${doubt}` : nameOf(this.channel);
+  }
+
+  protected get number(): string {
+    return String(numberOf(this.channel)).padStart(2, '0');
+  }
+
+  protected renderName(): TemplateResult {
+    return html`<qelm-name
+      .name=${this.channel.name}
+      .fallback=${nameOf({ ...this.channel, name: null })}
+      .editable=${this.renamable}
+      @renamed=${(event: RenamedEvent) => {
+        want(this, { do: 'rename-channel', id: this.channel.id, name: event.name });
+      }}
+    ></qelm-name>`;
+  }
+
+  // The mark of a value that is not simply known; the label says it in words.
+  protected renderDoubt(): TemplateResult | typeof nothing {
+    const marks = { known: '', assumed: '\u2248', pending: '\u2026', unknown: '?' };
+    const mark = marks[this.certainty];
+    return mark
+      ? html`<span class="doubt" aria-hidden="true" title=${text.certainty[this.certainty]}
+          >${mark}</span
+        >`
+      : nothing;
+  }
+
+  protected set(value: boolean | number): void {
+    want(this, { do: 'set', id: this.channel.id, value });
+  }
+}

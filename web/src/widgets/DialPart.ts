@@ -1,0 +1,185 @@
+// A dial that is turned by mouse, finger and keyboard. Its value follows the hand at once, and the
+// channel as soon as the hub has answered.
+import { css, html, nothing, type PropertyValues, type SVGTemplateResult } from 'lit';
+import { property, state } from 'lit/decorators.js';
+
+import { type Dial, valueAt } from '../cards/geometry.js';
+import { formatNumber, formatValue } from '../text/format.js';
+import { ChannelPart } from './ChannelPart.js';
+
+const bytes = 255;
+const page = 10; // steps
+const settle = 800; // ms till the hub's value is shown again
+const slop = 6; // pixels that a finger goes before it turns anything: it may want to scroll
+
+export abstract class DialPart extends ChannelPart {
+  @property({ type: Boolean, reflect: true }) held = false;
+  @state() private hand: number | null = null; // the value that the hand has chosen
+  private start: { x: number; y: number } | null = null;
+  private settling: ReturnType<typeof setTimeout> | undefined;
+
+  protected abstract readonly dial: Dial;
+  protected abstract readonly box: string;
+  protected abstract draw(value: number | null): SVGTemplateResult;
+
+  protected get min(): number {
+    return this.channel.min ?? 0;
+  }
+
+  protected get max(): number {
+    return this.channel.max ?? bytes;
+  }
+
+  private get value(): number | null {
+    const { value } = this.channel;
+    return this.hand ?? (typeof value === 'number' ? value : null);
+  }
+
+  private get step(): number {
+    return this.min < 0 && this.channel.unit === null ? 1 : (this.max - this.min) / bytes;
+  }
+
+  override willUpdate(changed: PropertyValues<this>): void {
+    if (changed.has('channel') && !this.held && this.channel.value === this.hand) this.hand = null;
+  }
+
+  override render() {
+    const value = this.value;
+    const shown = this.hand === null ? formatValue(this.channel) : formatNumber(this.hand);
+    const drawing = html`<svg viewBox=${this.box} aria-hidden="true">${this.draw(value)}</svg>`;
+    const dial = this.usable
+      ? html`<div
+          class="dial"
+          role="slider"
+          tabindex="0"
+          aria-label=${this.label}
+          aria-valuemin=${this.min}
+          aria-valuemax=${this.max}
+          aria-valuenow=${value ?? this.min}
+          aria-valuetext=${shown}
+          @pointerdown=${this.onDown}
+          @pointermove=${this.onMove}
+          @pointerup=${this.onUp}
+          @pointercancel=${this.onUp}
+          @keydown=${this.onKey}
+        >
+          ${drawing}
+        </div>`
+      : html`<div class="dial" role="img" aria-label="${this.label}: ${shown}">${drawing}</div>`;
+    return html`${dial}
+      <div class="value">
+        ${shown}${this.channel.unit
+          ? html`<span class="unit">${this.channel.unit}</span>`
+          : nothing}
+        ${this.renderDoubt()}
+      </div>
+      ${this.renderName()}`;
+  }
+
+  private onDown(event: PointerEvent): void {
+    if (event.button !== 0) return;
+    this.start = { x: event.clientX, y: event.clientY };
+    if (event.pointerType === 'touch') return;
+    (event.currentTarget as Element).setPointerCapture(event.pointerId);
+    this.grip(event);
+  }
+
+  private onMove(event: PointerEvent): void {
+    if (!this.start) return;
+    const way = Math.hypot(event.clientX - this.start.x, event.clientY - this.start.y);
+    if (!this.held && way < slop) return;
+    this.grip(event);
+  }
+
+  private onUp(): void {
+    this.start = null;
+    this.held = false;
+    this.letSettle();
+  }
+
+  private grip(event: PointerEvent): void {
+    this.held = true;
+    const svg = this.renderRoot.querySelector('svg');
+    const matrix = svg?.getScreenCTM()?.inverse();
+    if (!matrix) return;
+    const { x, y } = new DOMPoint(event.clientX, event.clientY).matrixTransform(matrix);
+    this.choose(valueAt(x, y, this.min, this.max, this.dial));
+  }
+
+  private onKey(event: KeyboardEvent): void {
+    const value = this.value ?? this.min;
+    const targets: Record<string, number> = {
+      ArrowUp: value + this.step,
+      ArrowRight: value + this.step,
+      ArrowDown: value - this.step,
+      ArrowLeft: value - this.step,
+      PageUp: value + page * this.step,
+      PageDown: value - page * this.step,
+      Home: this.min,
+      End: this.max,
+    };
+    const target = targets[event.key];
+    if (target === undefined) return;
+    event.preventDefault();
+    this.choose(target);
+    this.letSettle();
+  }
+
+  private choose(value: number): void {
+    const steps = Math.round((value - this.min) / this.step);
+    const near = Number((this.min + steps * this.step).toFixed(4));
+    const chosen = Math.min(this.max, Math.max(this.min, near));
+    clearTimeout(this.settling);
+    if (chosen === this.value) return;
+    this.hand = chosen;
+    this.set(chosen);
+  }
+
+  private letSettle(): void {
+    clearTimeout(this.settling);
+    this.settling = setTimeout(() => {
+      this.hand = null;
+    }, settle);
+  }
+}
+
+export const dialStyle = css`
+  :host {
+    display: block;
+    text-align: center;
+  }
+  .dial {
+    touch-action: pan-y;
+    border-radius: 2px;
+  }
+  .dial[role='slider'] {
+    cursor: grab;
+  }
+  :host([held]) .dial {
+    cursor: grabbing;
+  }
+  :host([held]) g {
+    transition: none;
+  }
+  .dial svg {
+    width: 100%;
+    max-height: 7rem;
+  }
+  .value {
+    font-size: 1.0625rem;
+    line-height: 1.25rem;
+  }
+  .unit {
+    margin-left: 0.25em;
+    color: var(--faint);
+    font-size: 0.75rem;
+  }
+  .doubt {
+    margin-left: 0.25em;
+    color: var(--faint);
+  }
+  qelm-name {
+    font-size: 0.75rem;
+    text-align: center;
+  }
+`;

@@ -1,0 +1,127 @@
+// The infrared transmitter: its eye, the codes that went out last, and a line for another.
+import { css, html, LitElement, nothing, type PropertyValues } from 'lit';
+import { customElement, property, state } from 'lit/decorators.js';
+
+import type { Card } from '../api/Shapes.js';
+import { drawEye, eyeBox, eyeStyle, spaced } from '../cards/eye.js';
+import { want } from '../state/Intent.js';
+import type { SentCode } from '../state/State.js';
+import { formatTime } from '../text/format.js';
+import { text } from '../text/text.js';
+import { base } from '../theme/base.js';
+
+const rayTime = 600; // ms
+const mostDigits = 70;
+
+@customElement('qelm-infrared')
+export class InfraredEye extends LitElement {
+  static override styles = [
+    base,
+    eyeStyle,
+    css`
+      :host {
+        display: grid;
+        gap: 0.5rem;
+      }
+      svg {
+        width: 100%;
+        max-height: 5.5rem;
+      }
+      ol,
+      .none {
+        min-height: 6.25rem;
+        border-top: var(--hair) solid var(--line);
+        padding-top: 0.25rem;
+        font-size: 0.75rem;
+        line-height: 1.25rem;
+      }
+      .none {
+        color: var(--faint);
+      }
+      li {
+        display: flex;
+        gap: 0.5rem;
+      }
+      code {
+        font-family: var(--mono);
+        overflow: hidden;
+        text-overflow: ellipsis;
+        white-space: nowrap;
+      }
+      time {
+        margin-left: auto;
+        color: var(--faint);
+      }
+      form {
+        display: flex;
+        flex-wrap: wrap;
+        gap: 0.25rem;
+      }
+      .field {
+        flex: 1 1 5rem;
+        font-family: var(--mono);
+        text-transform: uppercase;
+      }
+    `,
+  ];
+
+  @property({ attribute: false }) card!: Card;
+  @property({ attribute: false }) codes: readonly SentCode[] = [];
+  @property({ type: Boolean }) usable = false;
+  @state() private isSending = false;
+
+  override updated(changed: PropertyValues<this>): void {
+    const before = changed.get('codes');
+    if (!before || this.codes.length === 0 || this.codes[0] === before[0]) return;
+    this.isSending = true;
+    setTimeout(() => {
+      this.isSending = false;
+    }, rayTime);
+  }
+
+  override render() {
+    const list = this.codes.map(
+      ({ time, bytes }) =>
+        html`<li>
+          <code title=${spaced(bytes)}>${spaced(bytes)}</code><time>${formatTime(time)}</time>
+        </li>`,
+    );
+    return html`<svg
+        class=${this.isSending ? 'sending' : ''}
+        viewBox=${eyeBox}
+        role="img"
+        aria-label=${text.infrared.label}
+      >
+        ${drawEye()}
+      </svg>
+      ${list.length === 0
+        ? html`<p class="none">${text.infrared.none}</p>`
+        : html`<ol aria-label=${text.infrared.recent}>
+            ${list}
+          </ol>`}
+      ${this.usable ? this.renderForm() : nothing}`;
+  }
+
+  private renderForm() {
+    return html`<form @submit=${this.send}>
+      <input
+        class="field"
+        aria-label=${text.infrared.bytes}
+        placeholder="434F"
+        required
+        pattern="([0-9A-Fa-f]{2} ?)+"
+        maxlength=${mostDigits}
+        spellcheck="false"
+        autocomplete="off"
+      />
+      <button class="key">${text.infrared.send}</button>
+    </form>`;
+  }
+
+  private send(event: SubmitEvent): void {
+    event.preventDefault();
+    const field = this.renderRoot.querySelector('input');
+    const bytes = field?.value.replaceAll(' ', '').toUpperCase() ?? '';
+    want(this, { do: 'infrared', address: this.card.address, bytes });
+  }
+}

@@ -1,0 +1,24 @@
+// Asks a component to draw itself again each second, as long as it is there: for what counts down.
+import type { ReactiveController, ReactiveControllerHost } from 'lit';
+
+export class Ticking implements ReactiveController {
+  private timer: ReturnType<typeof setInterval> | undefined;
+
+  constructor(private readonly host: ReactiveControllerHost) {
+    host.addController(this);
+  }
+
+  hostConnected(): void {
+    this.timer = setInterval(() => {
+      this.host.requestUpdate();
+    }, 1000);
+  }
+
+  hostDisconnected(): void {
+    clearInterval(this.timer);
+  }
+}
+
+export function secondsTill(time: number): number {
+  return Math.max(0, Math.ceil((time - Date.now()) / 1000));
+}

@@ -1,0 +1,42 @@
+// Runs the tests: bundles them into test/out/ and gives them to Node's own runner.
+//
+//   node test/run.mjs unit | browser [node --test option...]
+//
+// The browser tests need the programs of build-hub/ (QELM_BUILD says where else), the page in
+// dist/, and Debian's chromium; they run in a network namespace of their own.
+import { spawnSync } from 'node:child_process';
+import { readdirSync, rmSync } from 'node:fs';
+import { fileURLToPath } from 'node:url';
+import { join } from 'node:path';
+
+import { build } from 'esbuild';
+
+const here = fileURLToPath(new URL('.', import.meta.url));
+const [suite = 'unit', ...options] = process.argv.slice(2);
+const folders = { unit: 'unit', browser: 'browser' };
+const folder = join(here, folders[suite]);
+const out = join(here, 'out', suite);
+
+rmSync(out, { recursive: true, force: true });
+await build({
+  entryPoints: readdirSync(folder)
+    .filter((name) => name.endsWith('.test.ts'))
+    .map((name) => join(folder, name)),
+  outdir: out,
+  outExtension: { '.js': '.mjs' },
+  bundle: true,
+  platform: 'node',
+  format: 'esm',
+  target: 'node18',
+  sourcemap: 'inline',
+  packages: 'external',
+});
+
+const files = readdirSync(out).map((name) => join(out, name));
+const node = [process.execPath, '--enable-source-maps', '--test', ...options, ...files];
+const inNamespace = ['unshare', process.getuid() === 0 ? '-n' : '-rn', 'sh', '-c'];
+const command =
+  suite === 'browser' ? [...inNamespace, 'ip link set lo up && exec "$@"', 'sh', ...node] : node;
+const [program, ...rest] = command;
+const env = { ...process.env, QELM_ROOT: process.env.QELM_ROOT ?? join(here, '../..') };
+process.exit(spawnSync(program, rest, { stdio: 'inherit', env }).status ?? 1);
