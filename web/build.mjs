@@ -42,7 +42,7 @@ const index = (await readFile(join(here, 'src/index.html'), 'utf8'))
   .replace('main.js', nameOf('src/main.ts'))
   .replace('page.css', nameOf('src/theme/page.css'))
   .replace('icon.svg', icon);
-files.set('index.html', Buffer.from(index));
+files.set('index.html', new TextEncoder().encode(index));
 
 for (const [name, bytes] of files) {
   await writeFile(join(dist, name), bytes);

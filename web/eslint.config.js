@@ -50,8 +50,15 @@ export default ts.config(
   ...oneWay,
   { files: ['**/*.{js,mjs}'], ...ts.configs.disableTypeChecked },
   {
-    files: ['**/*.mjs'],
-    languageOptions: { globals: { process: 'readonly', console: 'readonly', URL: 'readonly' } },
+    files: ['**/*.{js,mjs}'],
+    languageOptions: {
+      globals: {
+        process: 'readonly',
+        console: 'readonly',
+        URL: 'readonly',
+        TextEncoder: 'readonly',
+      },
+    },
   },
   { files: ['test/**'], rules: { '@typescript-eslint/no-floating-promises': 'off' } },
 );

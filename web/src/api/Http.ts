@@ -1,4 +1,5 @@
 // Requests that are not for the WebSocket: the session, whose answers bring and end the cookie.
+import { text } from '../text/text.js';
 import { isProblem, Refusal, unreached } from './Refusal.js';
 
 export async function request(verb: string, path: string, body?: object): Promise<unknown> {
@@ -11,7 +12,7 @@ export async function request(verb: string, path: string, body?: object): Promis
   try {
     answer = await fetch(path, init);
   } catch {
-    throw unreached('The hub does not answer.');
+    throw unreached(text.reach.noAnswer);
   }
   const json: unknown = await answer.json().catch(() => null);
   if (answer.ok) return json;

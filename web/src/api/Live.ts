@@ -3,6 +3,7 @@
 //
 // A message that does not follow the one before it (its "after" is not our sequence number) means
 // that something was missed: it subscribes again.
+import { text } from '../text/text.js';
 import { Backoff } from './Backoff.js';
 import { unreached } from './Refusal.js';
 import { Rpc } from './Rpc.js';
@@ -69,7 +70,7 @@ export class Live {
     this.socket = null;
     if (socket) socket.onopen = socket.onmessage = socket.onclose = null;
     socket?.close();
-    this.rpc?.end('The connection to the hub was lost.');
+    this.rpc?.end(text.reach.lost);
     this.rpc = null;
   }
 
@@ -86,7 +87,7 @@ export class Live {
   call(method: string, params: object): Promise<unknown> {
     if (this.rpc && this.socket?.readyState === WebSocket.OPEN)
       return this.rpc.call(method, params);
-    return Promise.reject(unreached('There is no connection to the hub.'));
+    return Promise.reject(unreached(text.reach.noConnection));
   }
 
   private async subscribe(): Promise<void> {

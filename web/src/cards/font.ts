@@ -29,7 +29,7 @@ function parse(packed: string): number[][] {
   return packed
     .trim()
     .split(/\s+/)
-    .map((glyph) => [...glyph].map((row) => parseInt(row, 32)));
+    .map((glyph) => Array.from(glyph, (row) => parseInt(row, 32)));
 }
 
 // The rows of a character; a blank for what the glass cannot print.

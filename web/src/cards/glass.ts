@@ -23,7 +23,7 @@ export function glassBox(rows: number, columns: number): string {
 // has changed.
 export function dotsOfRow(text: string, row: number): string {
   let path = '';
-  [...text].forEach((character, column) => {
+  Array.from(text).forEach((character, column) => {
     rowsOf(character).forEach((bits, y) => {
       for (let x = 0; x < fontWidth; ++x)
         if (bits & (1 << (fontWidth - 1 - x)))

@@ -7,7 +7,7 @@ const pitch = 11;
 const size = 9.5;
 
 export const padBox = `0 0 ${columns * pitch} ${rows * pitch}`;
-export const encoderBox = '-50 -50 100 100';
+export const encoderBox = '-42 -42 84 96';
 
 export const hex = (code: number) => code.toString(16).toUpperCase().padStart(2, '0');
 
@@ -37,11 +37,11 @@ export function drawEncoder(steps: number, contacts: number | null): SVGTemplate
   });
   const contact = (bit: number, x: number) =>
     svg`<circle class="contact-dot ${contacts !== null && contacts & bit ? 'on' : ''}"
-      cx=${x} cy="46" r="3"></circle>`;
+      cx=${x} cy="48" r="3.5"></circle>`;
   return svg`<g class="encoder"><circle class="cap" r="40"></circle>
     <g class="turned" transform="rotate(${encoderAngle(steps)})">${notches}
       <circle class="dimple" cy="-24" r="6"></circle></g>
-    ${contact(2, -40)}${contact(1, 40)}</g>`;
+    ${contact(2, -7)}${contact(1, 7)}</g>`;
 }
 
 export const keypadStyle = css`

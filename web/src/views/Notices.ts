@@ -5,7 +5,7 @@ import { repeat } from 'lit/directives/repeat.js';
 
 import { want } from '../state/Intent.js';
 import { Reads, store } from '../state/Store.js';
-import { formatTime } from '../text/format.js';
+import { formatTime } from '../widgets/format.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 import { secondsTill, Ticking } from '../widgets/Ticking.js';

@@ -11,7 +11,7 @@ export interface Rail {
   slots: Slot[];
 }
 
-const addresses = [...'0123456789ABCDEF'];
+const addresses = Array.from('0123456789ABCDEF');
 
 // As the bus has them: sixteen slots by address. As soon as somebody has arranged the cards, only
 // those that are there, in that order, by groups; what nobody has placed comes last, by address.

@@ -71,10 +71,13 @@ export const benchStyle = css`
       flex: 4 1 0;
       min-width: 10rem;
     }
-    .slot.lcd,
     .slot.digital-output,
     .slot.digital-input,
+    .slot.lcd {
+      flex-grow: 6;
+    }
     .slot.servo,
+    .slot.motor,
     .slot.analogue-input {
       flex-grow: 5;
     }

@@ -76,9 +76,6 @@ export const plateStyle = css`
     grid-template-columns: repeat(2, minmax(0, 1fr));
     gap: 0.75rem 0.75rem;
   }
-  .motor .dials {
-    grid-template-columns: repeat(auto-fit, minmax(4.5rem, 1fr));
-  }
   @container (min-width: 17rem) {
     .lines {
       --line-height: var(--touch);

@@ -5,7 +5,7 @@ import { property } from 'lit/decorators.js';
 import type { Channel } from '../api/Shapes.js';
 import { want } from '../state/Intent.js';
 import { type Certainty, certainty, numberOf } from '../state/select.js';
-import { nameOf } from '../text/format.js';
+import { nameOf, numberedName } from './format.js';
 import { text } from '../text/text.js';
 import type { RenamedEvent } from './Name.js';
 
@@ -35,7 +35,7 @@ export abstract class ChannelPart extends LitElement {
   protected renderName(): TemplateResult {
     return html`<qelm-name
       .name=${this.channel.name}
-      .fallback=${nameOf({ ...this.channel, name: null })}
+      .fallback=${numberedName(this.channel)}
       .editable=${this.renamable}
       @renamed=${(event: RenamedEvent) => {
         want(this, { do: 'rename-channel', id: this.channel.id, name: event.name });
@@ -45,7 +45,7 @@ export abstract class ChannelPart extends LitElement {
 
   // The mark of a value that is not simply known; the label says it in words.
   protected renderDoubt(): TemplateResult | typeof nothing {
-    const marks = { known: '', assumed: '\u2248', pending: '\u2026', unknown: '?' };
+    const marks = { known: '', assumed: '\u2248', pending: '\u2026', unknown: '' };
     const mark = marks[this.certainty];
     return mark
       ? html`<span class="doubt" aria-hidden="true" title=${text.certainty[this.certainty]}

@@ -4,7 +4,7 @@ import { customElement } from 'lit/decorators.js';
 
 import { contactStyle, drawContact } from '../cards/contact.js';
 import { drawLamp, lampStyle } from '../cards/lamp.js';
-import { formatValue } from '../text/format.js';
+import { formatValue } from './format.js';
 import { base } from '../theme/base.js';
 import { ChannelPart } from './ChannelPart.js';
 import { lineStyle } from './lineStyle.js';

@@ -3,7 +3,7 @@ import { css, html } from 'lit';
 import { customElement } from 'lit/decorators.js';
 
 import { drawLamp, lampStyle } from '../cards/lamp.js';
-import { formatValue, nameOf } from '../text/format.js';
+import { formatValue, nameOf } from './format.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 import { ChannelPart } from './ChannelPart.js';

@@ -4,7 +4,7 @@ import { css, html, nothing, type PropertyValues, type SVGTemplateResult } from 
 import { property, state } from 'lit/decorators.js';
 
 import { type Dial, valueAt } from '../cards/geometry.js';
-import { formatNumber, formatValue } from '../text/format.js';
+import { formatNumber, formatValue } from './format.js';
 import { ChannelPart } from './ChannelPart.js';
 
 const bytes = 255;

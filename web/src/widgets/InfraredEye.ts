@@ -6,7 +6,7 @@ import type { Card } from '../api/Shapes.js';
 import { drawEye, eyeBox, eyeStyle, spaced } from '../cards/eye.js';
 import { want } from '../state/Intent.js';
 import type { SentCode } from '../state/State.js';
-import { formatTime } from '../text/format.js';
+import { formatTime } from './format.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 

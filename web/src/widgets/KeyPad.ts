@@ -4,7 +4,8 @@ import { customElement, property } from 'lit/decorators.js';
 
 import type { Card, KeyEvent } from '../api/Shapes.js';
 import { drawEncoder, drawPad, encoderBox, hex, keypadStyle, padBox } from '../cards/keypad.js';
-import { formatTime } from '../text/format.js';
+import { formatTime } from './format.js';
+import { type Entry, entriesOf } from '../cards/turns.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 
@@ -51,6 +52,9 @@ export class KeyPad extends LitElement {
         display: flex;
         gap: 0.5rem;
       }
+      .count {
+        color: var(--faint);
+      }
       time {
         margin-left: auto;
         color: var(--faint);
@@ -77,8 +81,8 @@ export class KeyPad extends LitElement {
   override render() {
     const raw = this.card.channels[0]?.raw ?? null;
     const held = raw === null ? 0 : raw & codeBits;
-    const last = this.events.slice(0, shown);
-    const recent = last.flatMap(({ code }) => code ?? []);
+    const last = entriesOf(this.events).slice(0, shown);
+    const recent = last.flatMap(({ event }) => event.code ?? []);
     const key = held === 0 ? text.keys.none : text.keys.held(hex(held));
     const value = raw === null ? text.unknownValue : key;
     return html`<svg
@@ -94,13 +98,14 @@ export class KeyPad extends LitElement {
       </svg>
       <div class="held" aria-hidden="true">${value}</div>
       <ol aria-label=${text.keys.recent}>
-        ${last.map((event) => this.renderEvent(event))}
+        ${last.map((entry) => this.renderEntry(entry))}
       </ol>`;
   }
 
-  private renderEvent({ event_type: type, code, time }: KeyEvent) {
+  private renderEntry({ event: { event_type: type, code, time }, count }: Entry) {
     return html`<li>
       <span>${text.keys[type]}</span>${code === null ? nothing : html`<b>${hex(code)}</b>`}
+      ${count > 1 ? html`<span class="count">× ${count}</span>` : nothing}
       <time datetime=${time}>${formatTime(Date.parse(time))}</time>
     </li>`;
   }

@@ -5,7 +5,7 @@ import { customElement, property } from 'lit/decorators.js';
 import { drawKnob, knobBox, knobStyle, sparkBox, sparkPath } from '../cards/knob.js';
 import { trailSpan } from '../state/memory.js';
 import type { TrailPoint } from '../state/State.js';
-import { formatValue, nameOf } from '../text/format.js';
+import { formatValue, nameOf } from './format.js';
 import { base } from '../theme/base.js';
 import { ChannelPart } from './ChannelPart.js';
 import { dialStyle } from './DialPart.js';

@@ -26,11 +26,13 @@ export class Name extends LitElement {
       }
       span,
       button {
-        display: block;
+        display: -webkit-box;
+        -webkit-box-orient: vertical;
+        -webkit-line-clamp: 2;
         max-width: 100%;
         overflow: hidden;
-        text-overflow: ellipsis;
-        white-space: nowrap;
+        overflow-wrap: anywhere;
+        line-height: 1.15;
       }
       button {
         width: 100%;

@@ -4,7 +4,7 @@ import { customElement } from 'lit/decorators.js';
 
 import { drawLamp, lampStyle } from '../cards/lamp.js';
 import { drawRocker, rockerStyle } from '../cards/rocker.js';
-import { formatValue } from '../text/format.js';
+import { formatValue } from './format.js';
 import { base } from '../theme/base.js';
 import { ChannelPart } from './ChannelPart.js';
 import { lineStyle } from './lineStyle.js';

@@ -6,12 +6,12 @@ export const lineStyle = css`
     display: grid;
     grid-template-columns: auto minmax(0, 1fr);
     align-items: center;
-    gap: 0.5rem;
+    gap: 0.375rem;
     min-height: var(--line-height, var(--touch));
   }
   .part {
     display: grid;
-    grid-template-columns: 1.125rem 2.25rem 1.5rem;
+    grid-template-columns: 1rem 2rem 1.25rem;
     align-items: center;
     gap: 0.25rem;
     min-height: var(--line-height, var(--touch));
@@ -21,12 +21,12 @@ export const lineStyle = css`
     font-size: 0.6875rem;
   }
   .drawing {
-    width: 2.25rem;
-    height: 1.25rem;
+    width: 2rem;
+    height: 1.125rem;
   }
   .bulb {
-    width: 1.5rem;
-    height: 1.5rem;
+    width: 1.25rem;
+    height: 1.25rem;
     overflow: visible;
   }
   qelm-name {

@@ -1,6 +1,6 @@
 // Numbers, times and names as people read them. Pure.
 import type { Channel } from '../api/Shapes.js';
-import { text } from './text.js';
+import { text } from '../text/text.js';
 
 export function formatNumber(value: number): string {
   return String(Number(value.toFixed(2))).replace('-', '\u2212');
@@ -17,7 +17,14 @@ export function formatTime(time: number): string {
   return new Date(time).toLocaleTimeString('en-GB');
 }
 
-// A channel without a name is called by its number.
+// A channel without a name is called by its kind and number.
 export function nameOf(channel: Channel): string {
-  return channel.name ?? text.channel(Number(channel.id.slice(2)));
+  return channel.name ?? numberedName(channel);
+}
+
+const drives = 3; // the fourth channel of a motor card is its control byte
+
+export function numberedName({ id, type }: Channel): string {
+  const number = Number(id.slice(2));
+  return type === 'drive' && number === drives ? text.controlByte : text.channels[type](number);
 }
