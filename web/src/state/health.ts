@@ -35,13 +35,12 @@ const signs: Record<Word, Sign> = {
 
 export function healthOf({ connection, bus }: Pick<State, 'connection' | 'bus'>): Health[] {
   const row = (part: Part, word: Word): Health => ({ part, word, sign: signs[word] });
-  const rows = [
-    row('daemon', bus?.daemon.state ?? 'unknown'),
-    row('adapter', bus?.adapter.state ?? 'unknown'),
-  ];
-  if (bus?.broker) rows.push(row('broker', bus.broker.state));
   // What the hub said last is not news while it is not there.
-  const shown =
-    connection === 'open' ? rows : rows.map((each) => ({ ...each, sign: 'none' as const }));
-  return [...shown, row('page', connection)];
+  const now = connection === 'open' ? bus : null;
+  const rows = [
+    row('daemon', now?.daemon.state ?? 'unknown'),
+    row('adapter', now?.adapter.state ?? 'unknown'),
+  ];
+  if (bus?.broker) rows.push(row('broker', now?.broker?.state ?? 'unknown'));
+  return [...rows, row('page', connection)];
 }

@@ -146,5 +146,14 @@ export const en = {
     lost: 'The connection to the hub was lost; it is not known whether this was done.',
   },
   dismiss: 'Dismiss',
+  table: {
+    card: 'Card',
+    channel: 'Channel',
+    name: 'Name',
+    value: 'Value',
+    doubt: 'Certainty',
+    since: 'Since',
+    at: (bus: string, time: string) => `${bus}, ${time}`,
+  },
   loading: 'Connecting to the hub',
 };

@@ -26,6 +26,14 @@ export class Page extends LitElement {
       }
       main {
         flex: 1;
+        display: grid;
+      }
+      @media print {
+        qelm-state-bar,
+        qelm-notices,
+        main {
+          display: none;
+        }
       }
       nav {
         display: flex;
@@ -105,7 +113,8 @@ export class Page extends LitElement {
     const view = viewAt(this.hash);
     return html`<qelm-state-bar>${this.renderNav()}</qelm-state-bar>
       <qelm-notices></qelm-notices>
-      <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render()}</main>`;
+      <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render()}</main>
+      <qelm-card-table></qelm-card-table>`;
   }
 
   private get offered() {

@@ -1,5 +1,6 @@
 // What is there at first sight; other views come when somebody goes there.
 import './Bench.js';
+import './CardTable.js';
 import './FirstRun.js';
 import './LogIn.js';
 import './Notices.js';

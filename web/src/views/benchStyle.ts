@@ -73,10 +73,10 @@ export const benchStyle = css`
     }
     .slot.digital-output,
     .slot.digital-input,
+    .slot.servo,
     .slot.lcd {
       flex-grow: 6;
     }
-    .slot.servo,
     .slot.motor,
     .slot.analogue-input {
       flex-grow: 5;
@@ -100,6 +100,14 @@ export const benchStyle = css`
     }
   }
   @media (min-width: 1200px) {
+    :host {
+      display: flex;
+      flex-direction: column;
+      min-height: 100%;
+    }
+    .rails {
+      flex: 1;
+    }
     .half {
       display: flex;
       gap: 0.25rem;

@@ -17,8 +17,8 @@ export const plateStyle = css`
     display: flex;
     align-items: center;
     gap: 0.625rem;
-    min-height: 3rem;
-    padding: 0.25rem 0.75rem;
+    min-height: 2.75rem;
+    padding: 0.125rem 0.75rem;
     border-bottom: var(--hair) solid var(--line);
   }
   .address {
@@ -67,14 +67,15 @@ export const plateStyle = css`
     padding: 0.5rem 0.75rem 0.75rem;
   }
   .lines {
-    --line-height: 1.375rem;
+    --line-height: 1.1875rem;
     display: grid;
     column-gap: 1rem;
   }
   .dials {
     display: grid;
     grid-template-columns: repeat(2, minmax(0, 1fr));
-    gap: 0.75rem 0.75rem;
+    gap: 0.5rem 0.75rem;
+    --dial-height: 3.5rem;
   }
   @container (min-width: 17rem) {
     .lines {
@@ -84,7 +85,9 @@ export const plateStyle = css`
       grid-auto-flow: column;
     }
     .dials {
+      --dial-height: 7rem;
       grid-template-columns: repeat(3, minmax(0, 1fr));
+      row-gap: 0.75rem;
     }
   }
   @media (pointer: coarse) {

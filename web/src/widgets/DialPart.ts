@@ -163,23 +163,24 @@ export const dialStyle = css`
   }
   .dial svg {
     width: 100%;
-    max-height: 7rem;
+    max-height: var(--dial-height);
   }
   .value {
-    font-size: 1.0625rem;
-    line-height: 1.25rem;
+    font-size: var(--value-size);
+    line-height: 1.2;
   }
   .unit {
     margin-left: 0.25em;
     color: var(--faint);
     font-size: 0.75rem;
+    line-height: 1;
   }
   .doubt {
     margin-left: 0.25em;
     color: var(--faint);
   }
   qelm-name {
-    font-size: 0.75rem;
+    font-size: var(--small-name);
     text-align: center;
   }
 `;

@@ -21,6 +21,7 @@ export class InfraredEye extends LitElement {
     css`
       :host {
         display: grid;
+        grid-template-columns: minmax(0, 1fr);
         gap: 0.5rem;
       }
       svg {
@@ -58,7 +59,8 @@ export class InfraredEye extends LitElement {
         gap: 0.25rem;
       }
       .field {
-        flex: 1 1 5rem;
+        flex: 1 1 4rem;
+        width: 4rem;
         font-family: var(--mono);
         text-transform: uppercase;
       }

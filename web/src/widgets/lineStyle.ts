@@ -11,7 +11,7 @@ export const lineStyle = css`
   }
   .part {
     display: grid;
-    grid-template-columns: 1rem 2rem 1.25rem;
+    grid-template-columns: 1rem calc(2rem * var(--line-scale)) calc(1.25rem * var(--line-scale));
     align-items: center;
     gap: 0.25rem;
     min-height: var(--line-height, var(--touch));
@@ -21,16 +21,16 @@ export const lineStyle = css`
     font-size: 0.6875rem;
   }
   .drawing {
-    width: 2rem;
-    height: 1.125rem;
+    width: 100%;
+    height: calc(1.125rem * var(--line-scale));
   }
   .bulb {
-    width: 1.25rem;
-    height: 1.25rem;
+    width: 100%;
+    height: calc(1.25rem * var(--line-scale));
     overflow: visible;
   }
   qelm-name {
-    font-size: 0.8125rem;
+    font-size: var(--name-size);
     min-height: inherit;
     display: grid;
     align-items: center;

@@ -4,6 +4,7 @@ import { css } from 'lit';
 export const paneStyle = css`
   :host {
     display: grid;
+    grid-template-columns: minmax(0, 1fr);
     gap: 0.5rem;
   }
   svg {
@@ -60,7 +61,8 @@ export const paneStyle = css`
     border-left: 0;
   }
   .field {
-    flex: 1 1 8rem;
+    flex: 1 1 6rem;
+    width: 6rem;
     font-family: var(--mono);
   }
   .switches .key {
