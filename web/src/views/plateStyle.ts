@@ -75,7 +75,8 @@ export const plateStyle = css`
     display: grid;
     grid-template-columns: repeat(2, minmax(0, 1fr));
     gap: 0.5rem 0.75rem;
-    --dial-height: 3.5rem;
+    --dial-height: 3.125rem;
+    --trail-height: 0.75rem;
   }
   @container (min-width: 17rem) {
     .lines {
@@ -86,6 +87,7 @@ export const plateStyle = css`
     }
     .dials {
       --dial-height: 7rem;
+      --trail-height: 1.25rem;
       grid-template-columns: repeat(3, minmax(0, 1fr));
       row-gap: 0.75rem;
     }

@@ -19,7 +19,7 @@ export class LevelKnob extends ChannelPart {
     css`
       .trail {
         width: 100%;
-        height: 1.25rem;
+        height: var(--trail-height);
         border-bottom: var(--hair) solid var(--line);
       }
     `,

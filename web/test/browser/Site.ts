@@ -86,6 +86,17 @@ export class Site {
     return answer.json();
   }
 
+  // The daemon has found the adapter, and the cards.
+  async cardsAnswer(): Promise<void> {
+    for (let tries = 0; tries < 400; ++tries) {
+      const { adapter } = (await this.api('GET', '/api/bus')) as { adapter: { state: string } };
+      const { cards } = (await this.api('GET', '/api/cards')) as { cards: unknown[] };
+      if (adapter.state === 'up' && cards.length > 0) return;
+      await new Promise((resolve) => setTimeout(resolve, 50));
+    }
+    throw new Error('no card answers');
+  }
+
   private async order(line: string): Promise<void> {
     this.process.stdin.write(`${line}\n`);
     await this.answer();

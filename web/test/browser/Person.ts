@@ -1,0 +1,174 @@
+// A person at the page, in a browser of his own: what he does and what he sees. Things are found by
+// their role and name, as a screen reader finds them.
+import { strict as assert } from 'node:assert';
+
+import { type Browser, chromium, type Locator, type Page } from 'playwright-core';
+
+import { address } from './Site.js';
+
+const patience = 8000; // ms; what is seen takes a tenth of a second, a new connection seconds
+
+let browser: Browser | undefined;
+
+export async function closeBrowser(): Promise<void> {
+  await browser?.close();
+  browser = undefined;
+}
+
+export interface Look {
+  width?: number;
+  height?: number;
+  theme?: 'dark' | 'light';
+  touch?: boolean;
+}
+
+function escaped(name: string): string {
+  return name.replace(/[.*+?^${}()|[\]\\]/g, '\\$&');
+}
+
+export async function eventually(what: string, holds: () => Promise<boolean>): Promise<void> {
+  const end = Date.now() + patience;
+  while (Date.now() < end) {
+    if (await holds()) return;
+    await new Promise((resolve) => setTimeout(resolve, 20));
+  }
+  assert.fail(`not within ${patience} ms: ${what}`);
+}
+
+export class Person {
+  readonly complaints: string[] = []; // of the browser: scripts, styles, what the policy forbids
+
+  private constructor(readonly page: Page) {
+    page.on('pageerror', (error) => this.complaints.push(error.message));
+    page.on('console', (message) => {
+      if (/Content Security Policy|Refused to/.test(message.text()))
+        this.complaints.push(message.text());
+    });
+  }
+
+  static async arrives(look: Look = {}): Promise<Person> {
+    browser ??= await chromium.launch({
+      executablePath: process.env['CHROMIUM'] ?? '/usr/bin/chromium',
+      args: ['--no-sandbox'],
+    });
+    const { width = 1440, height = 900, theme = 'dark', touch = false } = look;
+    const context = await browser.newContext({
+      viewport: { width, height },
+      colorScheme: theme,
+      hasTouch: touch,
+      reducedMotion: 'reduce',
+    });
+    const person = new Person(await context.newPage());
+    person.page.setDefaultTimeout(patience);
+    await person.page.goto(address);
+    return person;
+  }
+
+  leaves = () => this.page.context().close();
+
+  // A switch, a dial, a picture: "Lamp", "Lamp, assumed: ...", "Lamp: on".
+  part(name: string): Locator {
+    const label = new RegExp(`^${escaped(name)}(,[^:]*(: not sent[^:]*)?)?(: .*)?$`, 's');
+    const { page } = this;
+    return page
+      .getByRole('switch', { name: label })
+      .or(page.getByRole('slider', { name: label }))
+      .or(page.getByRole('img', { name: label }));
+  }
+
+  async press(name: string): Promise<void> {
+    await this.part(name).click();
+  }
+
+  async says(name: string): Promise<string> {
+    const part = this.part(name);
+    if ((await part.count()) !== 1) return `${await part.count()} of them`;
+    const checked = await part.getAttribute('aria-checked');
+    if (checked !== null) return checked === 'true' ? 'on' : 'off';
+    const value = await part.getAttribute('aria-valuetext');
+    return value ?? ((await part.getAttribute('aria-label')) ?? '').replace(/^[^:]*: /, '').trim();
+  }
+
+  sees(name: string, value: string): Promise<void> {
+    return eventually(`"${name}" is ${value}`, async () => (await this.says(name)) === value);
+  }
+
+  reads(text: string | RegExp): Promise<void> {
+    return this.page.getByText(text).first().waitFor();
+  }
+
+  doesNotRead(text: string | RegExp): Promise<void> {
+    return eventually(
+      `no "${String(text)}"`,
+      async () => (await this.page.getByText(text).count()) === 0,
+    );
+  }
+
+  async presses(button: string | RegExp): Promise<void> {
+    await this.page.getByRole('button', { name: button }).click();
+  }
+
+  async holds(button: string): Promise<void> {
+    await this.page.getByRole('button', { name: button }).click({ delay: 1200 });
+  }
+
+  async renames(from: string, to: string): Promise<void> {
+    await this.page.getByRole('button', { name: `Rename ${from}`, exact: true }).click();
+    const field = this.page.getByRole('textbox', { name: `New name of ${from}`, exact: true });
+    await field.fill(to);
+    await field.press('Enter');
+  }
+
+  async writes(row: number, text: string): Promise<void> {
+    await this.page.getByRole('button', { name: `Row ${row}`, exact: true }).click();
+    await this.page.getByRole('textbox', { name: `Text of row ${row}` }).fill(text);
+    await this.presses('Write');
+  }
+
+  async keys(name: string, ...keys: string[]): Promise<void> {
+    for (const key of keys) await this.part(name).press(key);
+  }
+
+  // Turns a dial by the hand at an angle, 0 is up, as far from its middle as its scale.
+  async turns(name: string, angle: number): Promise<void> {
+    const { x, y, radius } = await this.middle(name);
+    const turn = (angle * Math.PI) / 180;
+    await this.page.mouse.move(x, y - radius);
+    await this.page.mouse.down();
+    await this.page.mouse.move(x + radius * Math.sin(turn), y - radius * Math.cos(turn), {
+      steps: 8,
+    });
+    await this.page.mouse.up();
+  }
+
+  // The same with a finger.
+  async turnsByFinger(name: string, angle: number): Promise<void> {
+    const { x, y, radius } = await this.middle(name);
+    const turn = (angle * Math.PI) / 180;
+    const session = await this.page.context().newCDPSession(this.page);
+    const touch = (type: 'touchStart' | 'touchMove' | 'touchEnd', at?: [number, number]) =>
+      session.send('Input.dispatchTouchEvent', {
+        type,
+        touchPoints: at ? [{ x: at[0], y: at[1] }] : [],
+      });
+    const end: [number, number] = [x + radius * Math.sin(turn), y - radius * Math.cos(turn)];
+    await touch('touchStart', [x, y - radius]);
+    for (let step = 1; step <= 8; ++step)
+      await touch('touchMove', [
+        x + ((end[0] - x) * step) / 8,
+        y - radius + ((end[1] - y + radius) * step) / 8,
+      ]);
+    await touch('touchEnd');
+  }
+
+  // Where a dial's axis is, and how far its scale, on the screen.
+  private async middle(name: string): Promise<{ x: number; y: number; radius: number }> {
+    const svg = this.part(name).locator('svg');
+    await svg.scrollIntoViewIfNeeded();
+    return svg.evaluate((element) => {
+      const matrix = (element as unknown as SVGGraphicsElement).getScreenCTM();
+      if (!matrix) throw new Error('it is not drawn');
+      return { x: matrix.e, y: matrix.f, radius: 40 * matrix.a };
+    });
+  }
+}

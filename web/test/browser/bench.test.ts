@@ -1,0 +1,121 @@
+// The bench with the real daemon, the virtual bus and the hub behind it.
+import assert from 'node:assert/strict';
+import { after, before, test } from 'node:test';
+
+import { closeBrowser, eventually, Person } from './Person.js';
+import { Site } from './Site.js';
+
+let site: Site;
+let anna: Person;
+
+before(async () => {
+  site = await Site.start();
+  await site.cardsAnswer();
+  await site.api('PATCH', '/api/names', {
+    channels: { '5.0': 'Lamp', '5.7': 'Fan', '3.6': 'Door', '0.0': 'Elbow', '4.0': 'Belt' },
+  });
+  anna = await Person.arrives();
+});
+
+after(async () => {
+  await closeBrowser();
+  await site.stop();
+});
+
+test('a switch that is pressed is a frame on the bus', async () => {
+  const lit = site.frame('10 05 02 FE FF');
+  await anna.press('Lamp');
+  await lit;
+  await anna.sees('Lamp', 'on');
+  const dark = site.frame('10 05 02 FF FF');
+  await anna.press('Lamp');
+  await dark;
+  await anna.sees('Lamp', 'off');
+});
+
+test('an input that is pressed is seen, and seen again when it is let go', async () => {
+  await anna.sees('Door', 'off');
+  await site.bus('press 3 06');
+  await anna.sees('Door', 'on');
+  await site.bus('release 3 06');
+  await anna.sees('Door', 'off');
+});
+
+test('what is written stands on the glass, dot by dot', async () => {
+  await anna.presses('Clear');
+  await anna.writes(2, 'Tail of the cat');
+  const ink = anna.page.getByRole('img', { name: /^Glass:/ }).locator('.ink');
+  // The dots of "T" at the beginning of the second row: nine dots below the first.
+  const top = [0, 1, 2, 3, 4].map((x) => `M${x} 9h0.84v0.84h-0.84z`).join('');
+  await eventually('a T on the glass', async () =>
+    ((await ink.nth(1).getAttribute('d')) ?? '').startsWith(top),
+  );
+  assert.equal(await ink.nth(0).getAttribute('d'), '');
+  assert.match(await site.bus('show E'), /Tail of the cat/);
+});
+
+test('a servo turns by mouse', async () => {
+  const frame = site.frame('10 00 06 FF');
+  await anna.turns('Elbow, not known yet, position', 90);
+  await frame;
+  await anna.sees('Elbow, position', '255');
+});
+
+test('a servo turns by keys', async () => {
+  await anna.keys('Elbow, position', 'Home', 'ArrowUp', 'ArrowUp', 'PageUp', 'ArrowLeft');
+  await anna.sees('Elbow, position', '11');
+  await eventually('the servo is there', async () => /0B/.test(await site.bus('show 0')));
+});
+
+test('a servo turns by a finger', async () => {
+  const phone = await Person.arrives({ width: 390, height: 800, touch: true });
+  await phone.turnsByFinger('Elbow, position', -90);
+  await phone.sees('Elbow, position', '0');
+  await anna.sees('Elbow, position', '0');
+  await phone.leaves();
+});
+
+test('a name is edited where it stands, and is there in another browser', async () => {
+  await anna.renames('Lamp', 'Reading lamp');
+  const ben = await Person.arrives();
+  await ben.sees('Reading lamp', 'off');
+  await ben.renames('Reading lamp', 'Lamp');
+  await anna.sees('Lamp', 'off');
+  await ben.leaves();
+});
+
+test('a key that is pressed and an encoder that turns are shown', async () => {
+  await site.bus('press 8 05');
+  await anna.sees('Key pad', 'key 05');
+  await site.bus('release 8');
+  await anna.sees('Key pad', 'no key');
+  await site.bus('turn 8 3');
+  await anna.reads(/× 3/);
+});
+
+test('an infrared code is listed as soon as it is sent', async () => {
+  await anna.page.getByRole('textbox', { name: /hexadecimal/ }).fill('43 4f');
+  await anna.presses('Send');
+  await anna.reads('43 4F');
+});
+
+test('all outputs off needs a second, and is undone', async () => {
+  await site.api('PATCH', '/api/cards/5', { 0: true, 7: true });
+  await anna.sees('Fan', 'on');
+  await anna.presses('All outputs off');
+  await anna.sees('Fan', 'on');
+  await anna.holds('All outputs off');
+  await anna.sees('Lamp', 'off');
+  await anna.sees('Fan', 'off');
+  await anna.presses(/^Undo/);
+  await anna.sees('Lamp', 'on');
+  await anna.sees('Fan', 'on');
+});
+
+test('what the hub refuses is said in its words', async () => {
+  await anna.renames('Fan', '\u00e4'.repeat(64));
+  await anna.reads(/64 bytes|too long|at most/);
+  await anna.presses('Dismiss');
+  await anna.sees('Fan', 'on');
+  assert.deepEqual(anna.complaints, []);
+});

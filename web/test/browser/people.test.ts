@@ -1,0 +1,96 @@
+// Who may do what, what markup in names does, and what axe finds.
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import { after, before, test } from 'node:test';
+
+import { closeBrowser, Person } from './Person.js';
+import { Site } from './Site.js';
+
+const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
+const markup = '<img src=x onerror=alert(1)>';
+const admin = { account: 'ada', password: 'correct horse', role: 'admin' };
+const viewer = { account: 'vera', password: 'correct horse', role: 'view' };
+
+let site: Site;
+
+before(async () => {
+  site = await Site.start();
+  await site.cardsAnswer();
+});
+
+after(async () => {
+  await closeBrowser();
+  await site.stop();
+});
+
+interface Finding {
+  id: string;
+  nodes: { html: string }[];
+}
+
+async function findings(person: Person): Promise<string[]> {
+  await person.page.evaluate(axe);
+  const found = await person.page.evaluate(async () => {
+    const { axe } = window as unknown as { axe: { run: () => Promise<{ violations: Finding[] }> } };
+    return (await axe.run()).violations;
+  });
+  return found.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html).join(' | ')}`);
+}
+
+async function logsIn(person: Person, who: { account: string; password: string }): Promise<void> {
+  await person.page.getByLabel('Account').fill(who.account);
+  await person.page.getByLabel('Password').fill(who.password);
+  await person.presses('Log in');
+}
+
+test('axe finds nothing on the bench, in either theme', async () => {
+  for (const theme of ['dark', 'light'] as const) {
+    const anna = await Person.arrives({ theme });
+    await anna.reads('Servos');
+    assert.deepEqual(await findings(anna), []);
+    await anna.leaves();
+  }
+});
+
+test('markup in a name stays text', async () => {
+  await site.api('PATCH', '/api/names', { cards: { 5: markup }, channels: { '5.0': markup } });
+  const anna = await Person.arrives();
+  await anna.sees(markup, 'off').catch(() => anna.part(markup).waitFor());
+  assert.equal(await anna.page.locator('img').count(), 0);
+  assert.deepEqual(anna.complaints, []);
+  await anna.leaves();
+});
+
+test('a viewer sees all, is offered nothing, and is refused what he asks by hand', async () => {
+  await site.api('POST', '/api/accounts', admin);
+  const vera = await Person.arrives();
+  assert.deepEqual(await findings(vera), []); // of the log-in
+  await logsIn(vera, admin);
+  await vera.page.getByRole('switch').first().waitFor();
+  await vera.page.evaluate(
+    (body) =>
+      fetch('/api/accounts', {
+        method: 'POST',
+        headers: { 'Content-Type': 'application/json' },
+        body,
+      }),
+    JSON.stringify(viewer),
+  );
+  await vera.presses('Log out');
+  await logsIn(vera, viewer);
+  await vera.reads('Servos');
+  for (const role of ['switch', 'slider', 'textbox'] as const)
+    assert.equal(await vera.page.getByRole(role).count(), 0, role);
+  assert.equal(await vera.page.getByRole('button', { name: 'All outputs off' }).count(), 0);
+  const status = await vera.page.evaluate(async () => {
+    const answer = await fetch('/api/channels/5.0', {
+      method: 'PUT',
+      headers: { 'Content-Type': 'application/json' },
+      body: '{"value":true}',
+    });
+    return answer.status;
+  });
+  assert.equal(status, 403);
+  assert.deepEqual(vera.complaints, []);
+});

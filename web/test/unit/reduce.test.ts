@@ -1,0 +1,124 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+import type { Changes, KeyEvent } from '../../src/api/Shapes.js';
+import type { Action } from '../../src/state/Actions.js';
+import { reduce } from '../../src/state/reduce.js';
+import { beginning, type State } from '../../src/state/State.js';
+import { bus, card, channel, snapshot } from './kit.js';
+
+const none: Changes = {
+  after: 10,
+  seq: 11,
+  bus: null,
+  cards: [],
+  channels: [],
+  events: [],
+  lost: 0,
+};
+
+function after(...actions: Action[]): State {
+  return actions.reduce(reduce, beginning);
+}
+
+const take = (change: Partial<Changes>, now = 0): Action => ({
+  type: 'changes',
+  changes: { ...none, ...change },
+  now,
+});
+
+const subscribed: Action = {
+  type: 'snapshot',
+  snapshot: snapshot([card('3'), card('5')]),
+  now: 0,
+};
+
+const key = (seq: number, type: KeyEvent['event_type'], code: number | null = null): KeyEvent => ({
+  seq,
+  time: '2026-11-21T12:00:00.000Z',
+  card: '8',
+  event_type: type,
+  code,
+});
+
+test('a change of a channel replaces it, and leaves all others the same objects', () => {
+  const before = after(subscribed);
+  const next = reduce(before, take({ channels: [channel('5.1', { value: true })] }));
+  assert.equal(next.cards['5']?.channels[1]?.value, true);
+  assert.equal(next.cards['5'].channels[0], before.cards['5']?.channels[0]);
+  assert.equal(next.cards['3'], before.cards['3']);
+  assert.equal(before.cards['5']?.channels[1]?.value, false);
+});
+
+test('a change of a card that nobody knows is passed over', () => {
+  const next = after(subscribed, take({ channels: [channel('C.1')] }));
+  assert.equal(next.cards['C'], undefined);
+});
+
+test('a card that a later snapshot leaves out is missing', () => {
+  const next = after(subscribed, { type: 'snapshot', snapshot: snapshot([card('5')]), now: 1 });
+  assert.equal(next.cards['3']?.state, 'absent');
+  assert.equal(next.cards['5']?.state, 'present');
+});
+
+test('another bus behind the same address begins anew', () => {
+  const other = snapshot([card('5')], { bus: { ...bus, id: '00000001' } });
+  const next = after(subscribed, { type: 'snapshot', snapshot: other, now: 1 });
+  assert.deepEqual(Object.keys(next.cards), ['5']);
+});
+
+test('the time of a loss stays through all tries, till the connection is back', () => {
+  const lost = (now: number): Action => ({ type: 'connection', state: 'lost', nextTry: 1000, now });
+  const trying: Action = { type: 'connection', state: 'connecting', nextTry: null, now: 60 };
+  const open: Action = { type: 'connection', state: 'open', nextTry: null, now: 90 };
+  assert.equal(after(lost(50), trying, lost(70)).lostSince, 50);
+  assert.equal(after(lost(50)).nextTry, 1050);
+  assert.equal(after(lost(50), open).lostSince, null);
+});
+
+test('events come newest first, once, and lost ones are counted', () => {
+  const press = key(11, 'press', 5);
+  const release = key(12, 'release', 5);
+  const next = after(subscribed, take({ events: [press, release] }), take({ events: [release] }));
+  assert.deepEqual(next.keys['8'], [release, press]);
+  assert.equal(after(subscribed, take({ lost: 7 })).missed, 7);
+});
+
+test('the encoder stands where its steps have led', () => {
+  const steps = [key(11, 'right'), key(12, 'right'), key(13, 'left'), key(14, 'right')];
+  assert.equal(after(subscribed, take({ events: steps })).turns['8'], 2);
+});
+
+test('a level keeps its way of the last half minute', () => {
+  const level = (value: number) => channel('F.0', { type: 'level', value });
+  const next = after(
+    { type: 'snapshot', snapshot: snapshot([card('F', { channels: [level(1)] })]), now: 0 },
+    take({ channels: [level(2)] }, 10_000),
+    take({ channels: [level(3)] }, 35_000),
+    take({ channels: [level(4)] }, 45_000),
+  );
+  assert.deepEqual(
+    next.trails['F.0']?.map(({ value }) => value),
+    [2, 3, 4],
+  );
+});
+
+test('the same refusal is said once, and three at most', () => {
+  const refuse = (id: number, detail: string): Action => ({
+    type: 'refused',
+    id,
+    problem: { title: 'does not fit', status: 422, detail, where: null },
+  });
+  const next = after(
+    refuse(1, 'a'),
+    refuse(2, 'a'),
+    refuse(3, 'b'),
+    refuse(4, 'c'),
+    refuse(5, 'd'),
+  );
+  assert.deepEqual(
+    next.notices.map(({ problem }) => problem.detail),
+    ['b', 'c', 'd'],
+  );
+  assert.equal(reduce(next, { type: 'noticed', id: 4 }).notices.length, 2);
+});

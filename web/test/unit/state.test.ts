@@ -1,0 +1,112 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+import { Backoff } from '../../src/api/Backoff.js';
+import { Rpc } from '../../src/api/Rpc.js';
+import { offValues, valuesBefore } from '../../src/state/allOff.js';
+import { progressOf } from '../../src/state/firstRun.js';
+import { healthOf } from '../../src/state/health.js';
+import { Latest } from '../../src/state/Latest.js';
+import { certainty } from '../../src/state/select.js';
+import { arrange } from '../../src/views/arrange.js';
+import { bus, card, channel } from './kit.js';
+
+test('tries come after 1 s, doubling to 30 s', () => {
+  const backoff = new Backoff(() => 1);
+  const waits = Array.from({ length: 7 }, () => backoff.next());
+  assert.deepEqual(waits, [1000, 2000, 4000, 8000, 16000, 30000, 30000]);
+  backoff.reset();
+  assert.equal(backoff.next(), 1000);
+  assert.equal(new Backoff(() => 0).next(), 750);
+});
+
+test('answers find their requests, and a loss ends those that wait', async () => {
+  const sent: string[] = [];
+  const rpc = new Rpc(
+    (text) => sent.push(text),
+    () => undefined,
+  );
+  const first = rpc.call('bus.get');
+  const second = rpc.call('channels.set', { id: '5.0', value: true });
+  assert.equal(
+    sent[1],
+    '{"jsonrpc":"2.0","id":2,"method":"channels.set","params":{"id":"5.0","value":true}}',
+  );
+  rpc.take(
+    '{"jsonrpc":"2.0","id":2,"error":{"code":-32602,"message":"does not fit","data":' +
+      '{"title":"does not fit","status":422,"detail":"on or off","where":"value"}}}',
+  );
+  await assert.rejects(second, { message: 'on or off' });
+  rpc.end('gone');
+  await assert.rejects(first, { message: 'gone' });
+});
+
+test('whoever asks faster than the hub answers ends with the latest', async () => {
+  const done: number[] = [];
+  const latest = new Latest();
+  const task = (value: number) => async () => {
+    await Promise.resolve();
+    done.push(value);
+  };
+  await Promise.all([1, 2, 3, 4].map((value) => latest.run('0.0', task(value))));
+  assert.deepEqual(done, [1, 4]);
+});
+
+test('all off: lines go off, motors stand still, the rest stays', () => {
+  const drive = (number: number, min: number) =>
+    channel(`4.${number}`, { type: 'drive', value: 200, min, max: 255 });
+  const motor = card('4', { kind: 'motor', channels: [0, 1, 2, 3].map((n) => drive(n, 0)) });
+  assert.deepEqual(offValues(card('5'), []), { 0: false, 1: false });
+  assert.deepEqual(offValues(motor, [0, 8, null]), { 0: 0, 1: 128, 2: 0 });
+  const signed = card('4', { kind: 'motor', channels: [0, 1, 2].map((n) => drive(n, -100)) });
+  assert.deepEqual(offValues(signed, [8, 8, 8]), { 0: 0, 1: 0, 2: 0 });
+  assert.deepEqual(offValues(card('0', { kind: 'servo' }), []), {});
+});
+
+test('undoing puts back what was known', () => {
+  const lines = [channel('5.0', { value: true }), channel('5.1', { known: false, value: null })];
+  const relays = card('5', { channels: lines });
+  assert.deepEqual(valuesBefore(relays, { 0: false, 1: false }), { 0: true });
+});
+
+test('a value says how sure it is', () => {
+  assert.equal(certainty(channel('5.0')), 'known');
+  assert.equal(certainty(channel('5.0', { assumed: true })), 'assumed');
+  assert.equal(certainty(channel('5.0', { known: false, value: null })), 'unknown');
+  assert.equal(certainty(channel('5.0', { assumed: true, pending: true })), 'pending');
+});
+
+test('an empty bench waits for one step at a time', () => {
+  const absent = { ...bus, daemon: { ...bus.daemon, state: 'absent' as const } };
+  const states = (found: typeof bus) =>
+    progressOf({ connection: 'open', bus: found }).map(({ state }) => state);
+  assert.deepEqual(states(absent), ['done', 'now', 'later', 'later']);
+  assert.deepEqual(states(bus), ['done', 'done', 'done', 'now']);
+});
+
+test('a lost connection says nothing about the daemon', () => {
+  const words = (connection: 'open' | 'lost') =>
+    healthOf({ connection, bus }).map(({ word }) => word);
+  assert.deepEqual(words('open'), ['up', 'up', 'open']);
+  assert.deepEqual(words('lost'), ['unknown', 'unknown', 'lost']);
+});
+
+test('cards stand by address in sixteen slots, till somebody arranges them', () => {
+  const cards = { 3: card('3'), 5: card('5'), E: card('E') };
+  const plain = arrange(cards, {});
+  assert.equal(plain[0]?.slots.length, 16);
+  assert.equal(plain[0].slots[5]?.card, cards[5]);
+  assert.equal(plain[0].slots[6]?.card, null);
+  const own = arrange(cards, {
+    order: ['E', '5'],
+    hidden: ['5'],
+    groups: [{ name: 'Door', cards: ['3'] }],
+  });
+  assert.deepEqual(
+    own.map(({ title, slots }) => [title, slots.map(({ address }) => address)]),
+    [
+      ['Door', ['3']],
+      [null, ['E']],
+    ],
+  );
+});
