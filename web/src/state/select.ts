@@ -31,7 +31,7 @@ export function numberOf(channel: Channel): number {
   return Number(channel.id.slice(2));
 }
 
-export function presentCards(state: State): Card[] {
+export function presentCards(state: Pick<State, 'cards'>): Card[] {
   return Object.values(state.cards)
     .filter((card) => card.state !== 'absent')
     .sort((a, b) => a.address.localeCompare(b.address));

@@ -4,7 +4,7 @@ import { customElement, state } from 'lit/decorators.js';
 
 import type { Card, Channel } from '../api/Shapes.js';
 import { certainty, presentCards } from '../state/select.js';
-import { store } from '../state/Store.js';
+import { Reads, store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 import { formatValue, nameOf } from '../widgets/format.js';
@@ -46,6 +46,7 @@ export class CardTable extends LitElement {
     `,
   ];
 
+  private readonly cards = new Reads(this, (known) => known.cards);
   @state() private isPrinting = false;
 
   override connectedCallback(): void {
@@ -69,7 +70,7 @@ export class CardTable extends LitElement {
             ${heads.map((head) => html`<th scope="col">${head}</th>`)}
           </tr>
         </thead>
-        ${presentCards(store.state).map((each) => this.renderCard(each))}
+        ${presentCards({ cards: this.cards.value }).map((each) => this.renderCard(each))}
       </table>`;
   }
 

@@ -19,7 +19,7 @@ export class Page extends LitElement {
         min-height: 100vh;
         min-height: 100dvh;
       }
-      qelm-state-bar {
+      header {
         position: sticky;
         z-index: 1;
         top: 0;
@@ -29,7 +29,7 @@ export class Page extends LitElement {
         display: grid;
       }
       @media print {
-        qelm-state-bar,
+        header,
         qelm-notices,
         main {
           display: none;
@@ -111,7 +111,7 @@ export class Page extends LitElement {
       return html`<main><qelm-log-in></qelm-log-in></main>
         <qelm-notices></qelm-notices>`;
     const view = viewAt(this.hash);
-    return html`<qelm-state-bar>${this.renderNav()}</qelm-state-bar>
+    return html`<header><qelm-state-bar>${this.renderNav()}</qelm-state-bar></header>
       <qelm-notices></qelm-notices>
       <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render()}</main>
       <qelm-card-table></qelm-card-table>`;

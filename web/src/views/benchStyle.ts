@@ -63,6 +63,15 @@ export const benchStyle = css`
     outline-offset: -1px;
   }
 
+  @media (max-width: 639px) {
+    :host {
+      padding: 0.5rem;
+    }
+    .half,
+    .rails {
+      gap: 0.5rem;
+    }
+  }
   @media (min-width: 640px) {
     .quarter {
       flex-wrap: nowrap;

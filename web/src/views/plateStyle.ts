@@ -78,6 +78,14 @@ export const plateStyle = css`
     --dial-height: 3.125rem;
     --trail-height: 0.75rem;
   }
+  @container (max-width: 19rem) {
+    .parts {
+      padding-inline: 0.5rem;
+    }
+    .lines {
+      column-gap: 0.5rem;
+    }
+  }
   @container (min-width: 17rem) {
     .lines {
       --line-height: var(--touch);

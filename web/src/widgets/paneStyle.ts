@@ -79,6 +79,12 @@ export const paneStyle = css`
     border-color: var(--edge);
     box-shadow: inset 0 -2px var(--ink);
   }
+  @media (forced-colors: active) {
+    .key[aria-pressed='true'] {
+      outline: 3px double CanvasText;
+      outline-offset: -4px;
+    }
+  }
   .hint {
     color: var(--faint);
     font-size: 0.75rem;

@@ -6,9 +6,18 @@ import { type Browser, chromium, type Locator, type Page } from 'playwright-core
 
 import { address } from './Site.js';
 
-const patience = 8000; // ms; what is seen takes a tenth of a second, a new connection seconds
+// What is seen takes a tenth of a second; a daemon greets seven seconds after its last client went.
+const patience = 20_000; // ms
 
 let browser: Browser | undefined;
+
+export async function openBrowser(): Promise<Browser> {
+  browser ??= await chromium.launch({
+    executablePath: process.env['CHROMIUM'] ?? '/usr/bin/chromium',
+    args: ['--no-sandbox'],
+  });
+  return browser;
+}
 
 export async function closeBrowser(): Promise<void> {
   await browser?.close();
@@ -47,12 +56,9 @@ export class Person {
   }
 
   static async arrives(look: Look = {}): Promise<Person> {
-    browser ??= await chromium.launch({
-      executablePath: process.env['CHROMIUM'] ?? '/usr/bin/chromium',
-      args: ['--no-sandbox'],
-    });
+    const opened = await openBrowser();
     const { width = 1440, height = 900, theme = 'dark', touch = false } = look;
-    const context = await browser.newContext({
+    const context = await opened.newContext({
       viewport: { width, height },
       colorScheme: theme,
       hasTouch: touch,
@@ -141,7 +147,7 @@ export class Person {
     await this.page.mouse.up();
   }
 
-  // The same with a finger.
+  // The same with a finger, which follows the scale: what goes down at first would scroll.
   async turnsByFinger(name: string, angle: number): Promise<void> {
     const { x, y, radius } = await this.middle(name);
     const turn = (angle * Math.PI) / 180;
@@ -151,13 +157,11 @@ export class Person {
         type,
         touchPoints: at ? [{ x: at[0], y: at[1] }] : [],
       });
-    const end: [number, number] = [x + radius * Math.sin(turn), y - radius * Math.cos(turn)];
     await touch('touchStart', [x, y - radius]);
-    for (let step = 1; step <= 8; ++step)
-      await touch('touchMove', [
-        x + ((end[0] - x) * step) / 8,
-        y - radius + ((end[1] - y + radius) * step) / 8,
-      ]);
+    for (let step = 1; step <= 12; ++step) {
+      const part = (turn * step) / 12;
+      await touch('touchMove', [x + radius * Math.sin(part), y - radius * Math.cos(part)]);
+    }
     await touch('touchEnd');
   }
 

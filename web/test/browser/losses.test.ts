@@ -2,13 +2,14 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
-import { closeBrowser, Person } from './Person.js';
+import { closeBrowser, openBrowser, Person } from './Person.js';
 import { Site } from './Site.js';
 
 let site: Site;
 let anna: Person;
 
 before(async () => {
+  await openBrowser(); // which takes longer than the daemon takes to find its cards
   site = await Site.start();
   anna = await Person.arrives();
 });
