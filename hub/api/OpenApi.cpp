@@ -24,7 +24,7 @@ struct Tag {
   std::string_view summary;
 };
 
-constexpr std::array<Tag, 16> kTags{{
+constexpr std::array<Tag, 17> kTags{{
     {"bus", "The bus as a whole"},
     {"cards", "Cards and what is on them"},
     {"card", "What an administrator does with one card"},
@@ -41,6 +41,7 @@ constexpr std::array<Tag, 16> kTags{{
     {"session", "Logging in and out"},
     {"accounts", "Who may log in"},
     {"tokens", "For programs"},
+    {"live", "Everything as it happens"},
 }};
 
 // By Type; a time and any value are written by hand.
@@ -141,10 +142,34 @@ json::object OperationOf(const Method& method) {
   return operation;
 }
 
+// What goes over the WebSocket: the answer to live.subscribe, and what follows it.
+json::object LiveOperation(const Method& subscribe) {
+  json::object operation{{"operationId", subscribe.name}, {"summary", subscribe.summary}};
+  operation["description"] =
+      "A WebSocket. In its text frames go requests and answers of JSON-RPC 2.0 for all methods. The "
+      "result of live.subscribe is a Snapshot; after it come notifications, whose method is changes "
+      "and whose params are Changes.";
+  operation["tags"] = json::array{TagOf(subscribe)};
+  operation["parameters"] = json::parse(R"([{"name":"ticket", "in":"query", "required":false,
+    "schema":{"type":"string", "description":"of session.ticket, where no header can be sent"}}])");
+  json::object schema{
+      {"anyOf", json::array{Reference("schemas", "Snapshot"), Reference("schemas", "Changes")}}};
+  json::object open{{"description", "the WebSocket is open"}};
+  open["content"] = Content(std::move(schema), subscribe.reply_example);
+  json::object answers{{"101", std::move(open)}};
+  answers["4XX"] = Reference("responses", "Problem");
+  answers["default"] = Reference("responses", "Problem");
+  operation["responses"] = std::move(answers);
+  return operation;
+}
+
 json::object Paths() {
   json::object paths;
   for (const Method& method : Methods()) {
-    if (method.route.empty()) continue;
+    if (method.route.empty()) {
+      paths["/api/live"] = json::object{{"get", LiveOperation(method)}};
+      continue;
+    }
     if (!paths.contains(method.route)) paths[method.route] = json::object();
     const std::string_view verb = kVerbs[static_cast<size_t>(method.verb)];
     paths[method.route].get_object()[verb] = OperationOf(method);
