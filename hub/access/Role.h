@@ -12,6 +12,8 @@ enum class Role { kNone, kView, kUse, kAdmin };
 std::string_view NameOf(Role role);                    // "view"; "none" is nobody's
 std::optional<Role> ParseRole(std::string_view name);  // "view", "use", "admin"
 
+enum class Door { kHttp, kLocal, kWebSocket, kText };  // kLocal: HTTP on the Unix socket
+
 // Somebody who asks, as the door has found out.
 struct Caller {
   // "token:NAME" where a token was shown, which no account can be called; empty: nobody by name
@@ -20,6 +22,7 @@ struct Caller {
   Role role = Role::kNone;
   std::string session;  // its id where a cookie brought it, not the cookie's secret
   std::string address;  // of the network; empty on the Unix socket
+  Door door = Door::kHttp;
 };
 
 }  // namespace hub::access

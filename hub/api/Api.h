@@ -18,6 +18,7 @@
 #include "access/Role.h"
 #include "api/CardMemory.h"
 #include "api/Problem.h"
+#include "api/Traffic.h"
 #include "link/Link.h"
 #include "model/Bus.h"
 #include "model/Clock.h"
@@ -35,6 +36,7 @@ struct House {
   const model::Clock& clock;
   model::Settings file = {};  // what the file settles; whoever changes it calls ApplySettings
   CardMemory card_memory = {};
+  Traffic traffic = {};
 };
 
 struct Request {

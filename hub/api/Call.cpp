@@ -17,9 +17,7 @@ void CheckRole(const Method& method, const access::Caller& caller) {
                                    access::NameOf(method.role), access::NameOf(caller.role)));
 }
 
-}  // namespace
-
-boost::asio::awaitable<Reply> Call(House& house, const Method& method, Request request) {
+boost::asio::awaitable<Reply> Try(House& house, const Method& method, Request request) {
   try {
     CheckRole(method, request.caller);
     CheckParameters(method, request.parameters);
@@ -31,6 +29,19 @@ boost::asio::awaitable<Reply> Call(House& house, const Method& method, Request r
   } catch (const std::exception& fault) {
     co_return Reply{ProblemOf(500, fmt::format("{}: {}", method.name, fault.what())), {}, {}};
   }
+}
+
+}  // namespace
+
+// What needs the role `use` is a command for an output, and is counted.
+boost::asio::awaitable<Reply> Call(House& house, const Method& method, Request request) {
+  const access::Door door = request.caller.door;
+  const model::SteadyTime begin = house.clock.Steady();
+  auto trying = Try(house, method, std::move(request));
+  Reply reply = co_await std::move(trying);
+  if (method.role == access::Role::kUse)
+    house.traffic.Count(door, std::get_if<Problem>(&reply.result), house.clock.Steady() - begin);
+  co_return reply;
 }
 
 }  // namespace hub::api

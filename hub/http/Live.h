@@ -38,7 +38,6 @@ class Live {
   void EndSession(const std::string& session);
   void EndToken(const std::string& token);
   void EndNameless();  // whoever came over the network without a login
-  size_t CountClients() const { return clients_.size(); }
 
   // For its clients.
   api::House& House() { return house_; }

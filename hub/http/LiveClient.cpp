@@ -18,6 +18,7 @@ LiveClient::LiveClient(Live& live, std::shared_ptr<Stream> stream, access::Calle
       pinged_(clock_.Steady()),
       news_(stream->get_executor()),
       room_(stream->get_executor()) {
+  caller_.door = access::Door::kWebSocket;
   stream->KeepOutputSmall(kKernelBytes);
 }
 

@@ -131,6 +131,7 @@ asio::awaitable<Answer> Router::Ask(Request request) {
   if (const auto* problem = std::get_if<Problem>(&admitted))
     co_return Answer{Refusal(*problem), {}};
   Caller caller = std::get<Caller>(std::move(admitted));
+  caller.door = request.peer.is_local ? access::Door::kLocal : access::Door::kHttp;
   const bool is_api = request.path.starts_with("/api/") && request.path != kOpenApi;
   if (!is_api) co_return Answer{AskRest(request, caller), {}};
   auto asking = AskApi(std::move(request), std::move(caller));

@@ -149,7 +149,7 @@ void Server::Parts::ListenOn(const std::string& text) {
 }
 
 std::string Server::Parts::Metrics() {
-  std::string text = MetricsText(house, counters, {streams->Count(), live.CountClients()});
+  std::string text = MetricsText(house, counters);
   for (const Collector& collect : collectors) text += collect();
   return text;
 }
@@ -194,10 +194,14 @@ asio::awaitable<void> Server::Parts::Converse(std::shared_ptr<Stream> stream) {
   stream->AllowFor(kHeaderTime);
   const bool is_safe = co_await stream->ShakeHands();
   if (!is_safe) co_return;
+  std::optional<api::Guest> guest;
+  guest.emplace(house.traffic,
+                stream->OtherEnd().is_local ? access::Door::kLocal : access::Door::kHttp);
   auto answering = AnswerAll(stream);
   std::optional<Upgrade> upgrade = co_await std::move(answering);
   if (!upgrade) co_return;
   ++counters.requests[101];
+  guest.emplace(house.traffic, access::Door::kWebSocket);
   auto talking = live.Talk(stream, std::move(upgrade->request), std::move(upgrade->caller));
   co_await std::move(talking);
 }

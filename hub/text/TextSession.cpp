@@ -49,6 +49,7 @@ TextSession::TextSession(api::House& house, asio::ip::tcp::socket socket, Port p
       port_(port),
       has_output_(NeverExpiring(socket_.get_executor())),
       has_receipt_(NeverExpiring(socket_.get_executor())) {
+  guest_.emplace(house.traffic, access::Door::kText);
   error_code error;
   socket_.set_option(asio::ip::tcp::no_delay(true), error);
   socket_.set_option(asio::socket_base::keep_alive(true), error);
@@ -69,6 +70,7 @@ void TextSession::Start() {
 void TextSession::Close() {
   error_code error;
   socket_.close(error);
+  guest_.reset();
   has_output_.cancel();
   has_receipt_.cancel();
 }
@@ -209,6 +211,7 @@ asio::awaitable<void> TextSession::TakeCommand(std::string line) {
 asio::awaitable<void> TextSession::RunCommand(Self self, std::string line) {
   asio::steady_timer pause(self->socket_.get_executor());
   std::optional<api::Problem> problem;
+  const model::SteadyTime begin = self->house_.clock.Steady();
   while (true) {
     auto running = api::RunCommandLine(self->house_, self->caller_, line);
     problem = co_await std::move(running);
@@ -216,6 +219,8 @@ asio::awaitable<void> TextSession::RunCommand(Self self, std::string line) {
     pause.expires_after(kPause);
     co_await pause.async_wait(asio::use_awaitable);
   }
+  self->house_.traffic.Count(access::Door::kText, problem ? &*problem : nullptr,
+                             self->house_.clock.Steady() - begin);
   --self->commands_under_way_;
   self->has_receipt_.cancel();
   if (!problem) co_return;

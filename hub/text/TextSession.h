@@ -8,6 +8,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -52,6 +53,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
   void Send(std::string_view bytes);
 
   api::House& house_;
+  std::optional<api::Guest> guest_;  // while it is open
   boost::asio::ip::tcp::socket socket_;
   protocol::Port port_;
   access::Caller caller_;

@@ -120,7 +120,7 @@ TEST_F(LimitsTest, AReaderThatNeverReadsIsClosedAfterThirtySeconds) {
   const bool ended = WaitUntil([&] {
     stand.clock.Pass(milliseconds(250));
     ExpectOthersAreServed();
-    return stand.Connect().Get("/metrics").body.find("\nqelm_http_connections 1\n") !=
+    return stand.Connect().Get("/metrics").body.find("\nqelm_clients{door=\"http\"} 1\n") !=
            std::string::npos;
   });
   EXPECT_TRUE(ended);

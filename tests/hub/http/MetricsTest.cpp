@@ -1,5 +1,6 @@
 // The text that a monitoring system reads.
 #include "Stand.h"
+#include "kit/Wait.h"
 
 namespace hub::http {
 namespace {
@@ -34,9 +35,43 @@ TEST_F(MetricsTest, WebSocketsAreCounted) {
   WebClient client = stand.Subscribe();
   stand.Move(1);
   client.ReadText();
-  EXPECT_TRUE(Has("qelm_live_clients 1"));
+  EXPECT_TRUE(Has("qelm_clients{door=\"websocket\"} 1"));
   EXPECT_TRUE(Has("qelm_live_messages_total 1"));
   EXPECT_TRUE(Has("qelm_live_calls_total 1"));
+}
+
+TEST_F(MetricsTest, ClientsAreCountedByTheirDoorWhileTheyAreThere) {
+  {
+    WebClient local = stand.ConnectLocally();
+    local.Get("/healthz");
+    EXPECT_TRUE(Has("qelm_clients{door=\"local\"} 1"));
+    EXPECT_TRUE(Has("qelm_clients{door=\"http\"} 1"));
+  }
+  EXPECT_TRUE(WaitUntil([this] { return Has("qelm_clients{door=\"local\"} 0"); }));
+}
+
+TEST_F(MetricsTest, CardsAreCountedByTheirState) {
+  EXPECT_TRUE(Has("qelm_cards{state=\"present\"} 2"));
+  EXPECT_TRUE(Has("qelm_cards{state=\"silent\"} 0"));
+}
+
+TEST_F(MetricsTest, CommandsAreCountedByDoorAndOutcome) {
+  using std::chrono::milliseconds;
+  stand.Run([this] {
+    const api::Problem too_fast = api::RetryLater(429, "x", 1);
+    stand.house.traffic.Count(api::Door::kText, nullptr, milliseconds(3));
+    stand.house.traffic.Count(api::Door::kText, nullptr, milliseconds(300));
+    stand.house.traffic.Count(api::Door::kWebSocket, &too_fast, milliseconds(0));
+  });
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"text\",outcome=\"done\"} 2"));
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"websocket\",outcome=\"too_fast\"} 1"));
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"http\",outcome=\"done\"} 0"));
+  EXPECT_TRUE(Has("qelm_receipt_seconds_bucket{le=\"0.0025\"} 0"));
+  EXPECT_TRUE(Has("qelm_receipt_seconds_bucket{le=\"0.005\"} 1"));
+  EXPECT_TRUE(Has("qelm_receipt_seconds_bucket{le=\"0.5\"} 2"));
+  EXPECT_TRUE(Has("qelm_receipt_seconds_bucket{le=\"+Inf\"} 2"));
+  EXPECT_TRUE(Has("qelm_receipt_seconds_sum 0.303"));
+  EXPECT_TRUE(Has("qelm_receipt_seconds_count 2"));
 }
 
 TEST_F(MetricsTest, OtherPartsOfTheHubAddTheirOwn) {

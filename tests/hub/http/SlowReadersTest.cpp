@@ -113,7 +113,7 @@ TEST_F(SlowReadersTest, WhoAsksAndNeverReadsIsNotReadAnyMore) {
   // It is dropped like everybody who is silent.
   EXPECT_TRUE(WaitUntil([&] {
     stand.clock.Pass(std::chrono::seconds(1));
-    return stand.Connect().Get("/metrics").body.find("\nqelm_live_clients 0\n") !=
+    return stand.Connect().Get("/metrics").body.find("\nqelm_clients{door=\"websocket\"} 0\n") !=
            std::string::npos;
   }));
   // Seven answers wait at most, and what the kernel takes.
