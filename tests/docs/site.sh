@@ -1,0 +1,59 @@
+# To be sourced: a site of its own inside the sandbox, with a card of each kind.
+#
+# build: has qelm, qelm-bus, and qelm-hub where that is wanted
+# quick: has a sleep that takes less than it says
+# source: the repository
+# where: what fails then is said to be there
+
+fail() {
+  echo "$where: $1" >&2
+  exit 1
+}
+
+# Leaves the socket of the bus here, as "bus", and what happens on it, as "events".
+start_site() {
+  cp "$source/docs/reference/qelmconf.xml" /etc/qelm/
+  (cd / && PATH=$quick:$PATH "$build/qelm")
+  "$build/qelm-bus" --plain --link /dev/ttyUSB0 --control bus >events &
+  bus=$!
+  hub=
+  trap end_site EXIT
+  until [[ -S bus ]]; do sleep 0.05; done
+  # The daemon polls as soon as it knows its cards.
+  order_bus 'wait frame 20'
+}
+
+# The hub has the daemon's three ports from now on.
+start_hub() {
+  mkdir /run/qelm-hub
+  cat >/etc/qelm/qelm-hub.toml <<TOML
+[daemon]
+log = "/run/qelm/qelm.log"
+[store]
+folder = "$PWD/store"
+[names]
+bus = "bench"
+[virtual-bus]
+control = "$PWD/bus"
+TOML
+  "$build/qelm-hub" 2>hub.log &
+  hub=$!
+  local _
+  for _ in {1..400}; do
+    if curl -s localhost:5080/healthz | grep -q '"adapter":"up"' &&
+      curl -s localhost:5080/api/cards/F | grep -q '"id":"F.5".*"known":true'; then return; fi
+    sleep 0.05
+  done
+  fail "the hub does not see the cards: $(<hub.log)"
+}
+
+end_site() {
+  # shellcheck disable=SC2086 # one, or two
+  kill $hub "$bus" "$(</run/qelm/qelm.pid)" 2>/dev/null || true
+  # shellcheck disable=SC2086
+  wait $hub "$bus" || true
+}
+
+order_bus() {
+  [[ $(echo "$1" | socat -t11 - UNIX:bus | tail -1) == ok ]] || fail "the bus refused \"$1\""
+}
