@@ -22,6 +22,7 @@ struct Sources {
   const store::Store& store;
   link::Link::Counters link;
   store::Store::Counters store_counters;
+  access::Access::Counters access;
   const Counters& http;
 };
 
@@ -113,6 +114,10 @@ constexpr Row kRows[] = {
      [](const Sources& s) { return As(s.link.frames_restored); }},
     {"qelm_http_turned_away_total", "counter", "Connections over the limit.",
      [](const Sources& s) { return As(s.http.turned_away); }},
+    {"qelm_logins_wrong_total", "counter", "Names or passwords that were wrong.",
+     [](const Sources& s) { return As(s.access.wrong); }},
+    {"qelm_logins_throttled_total", "counter", "Logins that had to wait.",
+     [](const Sources& s) { return As(s.access.throttled); }},
     {"qelm_live_calls_total", "counter", "Calls over WebSockets.",
      [](const Sources& s) { return As(s.http.calls); }},
     {"qelm_live_messages_total", "counter", "Messages of changes that were sent.",
@@ -200,7 +205,8 @@ void AddReceipts(std::string& text, const api::Traffic::Receipts& receipts) {
 }  // namespace
 
 std::string MetricsText(const api::House& house, const Counters& counters) {
-  const Sources sources{house.bus, house.store, house.link.Count(), house.store.Count(), counters};
+  const Sources sources{house.bus,           house.store,          house.link.Count(),
+                        house.store.Count(), house.access.Count(), counters};
   std::string text;
   for (const Row& row : kRows) {
     AddHead(text, row.name, row.type, row.help);

@@ -40,8 +40,11 @@ TOML
   hub=$!
   local _
   for _ in {1..400}; do
+    # Commands go out some seconds after the start; the answer to this one says that it has.
     if curl -s localhost:5080/healthz | grep -q '"adapter":"up"' &&
-      curl -s localhost:5080/api/cards/F | grep -q '"id":"F.5".*"known":true'; then return; fi
+      curl -s localhost:5080/api/cards/F | grep -q '"id":"F.5".*"known":true' &&
+      curl -s --json '{"do":"clear"}' localhost:5080/api/cards/E/control | grep -q '"known":true'
+    then return; fi
     sleep 0.05
   done
   fail "the hub does not see the cards: $(<hub.log)"
