@@ -11,6 +11,13 @@ fail() {
   exit 1
 }
 
+# A shell's pattern of a text in which "..." stands for anything.
+pattern_of() {
+  local text=${1//\\/\\\\} mark
+  for mark in '*' '?' '[' ']'; do text=${text//"$mark"/\\$mark}; done
+  printf '%s' "${text//.../*}"
+}
+
 # Leaves the socket of the bus here, as "bus", and what happens on it, as "events".
 start_site() {
   cp "$source/docs/reference/qelmconf.xml" /etc/qelm/
