@@ -146,8 +146,10 @@ json::object OperationOf(const Method& method) {
 json::object LiveOperation(const Method& subscribe) {
   json::object operation{{"operationId", subscribe.name}, {"summary", subscribe.summary}};
   operation["description"] =
-      "A WebSocket. In its text frames go requests and answers of JSON-RPC 2.0 for all methods. The "
-      "result of live.subscribe is a Snapshot; after it come notifications, whose method is changes "
+      "A WebSocket. In its text frames go requests and answers of JSON-RPC 2.0 for all methods. "
+      "The "
+      "result of live.subscribe is a Snapshot; after it come notifications, whose method is "
+      "changes "
       "and whose params are Changes.";
   operation["tags"] = json::array{TagOf(subscribe)};
   operation["parameters"] = json::parse(R"([{"name":"ticket", "in":"query", "required":false,

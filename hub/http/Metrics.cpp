@@ -168,8 +168,7 @@ void AddCards(std::string& text, const model::Bus& bus) {
   constexpr std::array<std::string_view, 3> kStates{"present", "silent", "absent"};
   std::array<int, kStates.size()> counts{};
   for (unsigned address = 0; address < protocol::kCardCount; ++address)
-    if (const model::Card* const card = bus.At(address))
-      ++counts[static_cast<size_t>(card->state)];
+    if (const model::Card* const card = bus.At(address)) ++counts[static_cast<size_t>(card->state)];
   AddHead(text, "qelm_cards", "gauge", "Cards by what they do when they are asked.");
   for (size_t i = 0; i < kStates.size(); ++i)
     fmt::format_to(std::back_inserter(text), "qelm_cards{{state=\"{}\"}} {}\n", kStates[i],
@@ -185,10 +184,9 @@ void AddTraffic(std::string& text, const api::Traffic& traffic) {
   AddHead(text, "qelm_commands_total", "counter", "Commands for outputs by door and outcome.");
   for (size_t door = 0; door < api::kDoorNames.size(); ++door)
     for (size_t fate = 0; fate < api::kFateNames.size(); ++fate)
-      fmt::format_to(
-          out, "qelm_commands_total{{door=\"{}\",outcome=\"{}\"}} {}\n", api::kDoorNames[door],
-          api::kFateNames[fate],
-          traffic.Commands(static_cast<api::Door>(door), static_cast<api::Fate>(fate)));
+      fmt::format_to(out, "qelm_commands_total{{door=\"{}\",outcome=\"{}\"}} {}\n",
+                     api::kDoorNames[door], api::kFateNames[fate],
+                     traffic.Commands(static_cast<api::Door>(door), static_cast<api::Fate>(fate)));
 }
 
 void AddReceipts(std::string& text, const api::Traffic::Receipts& receipts) {

@@ -55,7 +55,21 @@ TEST_F(MetricsTest, CardsAreCountedByTheirState) {
   EXPECT_TRUE(Has("qelm_cards{state=\"silent\"} 0"));
 }
 
-TEST_F(MetricsTest, CommandsAreCountedByDoorAndOutcome) {
+TEST_F(MetricsTest, ACommandIsCountedAtTheDoorThroughWhichItCame) {
+  stand.Connect().Write("PUT", "/api/things/lamp", R"({"value":7})");
+  stand.Connect().Write("PUT", "/api/things/lamp", R"({"value":"x"})");
+  stand.ConnectLocally().Write("PUT", "/api/things/lamp", R"({"value":7})");
+  WebClient client = stand.Subscribe();
+  client.SendText(
+      R"({"jsonrpc":"2.0","id":2,"method":"thing.put","params":{"name":"lamp","value":7}})");
+  client.ReadText();
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"http\",outcome=\"done\"} 1"));
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"http\",outcome=\"refused\"} 1"));
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"local\",outcome=\"done\"} 1"));
+  EXPECT_TRUE(Has("qelm_commands_total{door=\"websocket\",outcome=\"done\"} 1"));
+}
+
+TEST_F(MetricsTest, OutcomesAndReceiptTimesAreCounted) {
   using std::chrono::milliseconds;
   stand.Run([this] {
     const api::Problem too_fast = api::RetryLater(429, "x", 1);

@@ -15,6 +15,18 @@ TEST_F(StoreHistory, ValuesAsTheyCame) {
   EXPECT_EQ(ToCurve(history), (Curve{{0, 2.5, 2.5, 2.5}, {1.5, 2.48, 2.48, 2.48}}));
 }
 
+TEST_F(StoreHistory, OnceStoppedItWaitsForNoClockAndWritesAllAtTheEnd) {
+  Start();
+  Add(1);
+  store->Stop();
+  Add(2);
+  context.run_for(5s);
+  EXPECT_TRUE(context.stopped());
+  context.restart();
+  Restart();
+  EXPECT_EQ(ReadDay(), (Curve{{0, 1, 1, 1}, {0, 2, 2, 2}}));
+}
+
 TEST_F(StoreHistory, BothEndsBelongToTheSpan) {
   Start();
   for (const double value : {1, 2, 3, 4}) {
