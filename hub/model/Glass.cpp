@@ -18,12 +18,15 @@ Glass::Glass(int rows, int columns)
       cells_(static_cast<size_t>(rows_) * columns_, ' ') {}
 
 void Glass::Write(unsigned column, unsigned row, std::string_view text) {
+  at_.reset();
   if (column >= columns_ || row >= rows_) return;
   const size_t begin = static_cast<size_t>(row) * columns_ + column;
   const size_t count = std::min(text.size(), cells_.size() - begin);
   std::transform(text.begin(), text.begin() + static_cast<long>(count),
                  cells_.begin() + static_cast<long>(begin),
                  [](char c) { return IsPrintable(c) ? c : ' '; });
+  const auto end = static_cast<unsigned>(begin + count);
+  if (end < cells_.size()) at_ = Place{end / columns_, end % columns_};
 }
 
 void Glass::Control(LcdControl control) {
@@ -31,6 +34,7 @@ void Glass::Control(LcdControl control) {
     case LcdControl::kClear:
       std::ranges::fill(cells_, ' ');
       is_known_ = true;
+      at_ = Place{};
       return;
     case LcdControl::kLightOn:
     case LcdControl::kLightOff:

@@ -35,12 +35,22 @@ class Glass {
   std::optional<bool> Cursor() const { return cursor_; }
   std::optional<bool> Blink() const { return blink_; }
 
+  // Where the next character would stand: behind the last one that was written. Nothing before
+  // the first one, and behind the last place of the glass.
+  struct Place {
+    unsigned row = 0;
+    unsigned column = 0;
+    bool operator==(const Place&) const = default;
+  };
+  std::optional<Place> At() const { return at_; }
+
   bool operator==(const Glass&) const = default;
 
  private:
   unsigned rows_;
   unsigned columns_;
   std::string cells_;  // row by row
+  std::optional<Place> at_;
   bool is_known_ = false;
   std::optional<bool> light_;
   std::optional<bool> cursor_;

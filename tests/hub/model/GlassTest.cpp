@@ -64,5 +64,21 @@ TEST(Glass, SwitchesAreUnknownUntilTheyWereSet) {
   EXPECT_EQ(glass.Blink(), false);
 }
 
+TEST(Glass, TheNextCharacterStandsBehindTheLastOne) {
+  Glass glass(2, 4);
+  EXPECT_EQ(glass.At(), std::nullopt);
+  glass.Control(protocol::LcdControl::kClear);
+  EXPECT_EQ(glass.At(), (Glass::Place{0, 0}));
+  glass.Write(1, 0, "ab");
+  EXPECT_EQ(glass.At(), (Glass::Place{0, 3}));
+  glass.Write(3, 0, "ab");  // runs on
+  EXPECT_EQ(glass.At(), (Glass::Place{1, 1}));
+  glass.Write(0, 1, "abcd");
+  EXPECT_EQ(glass.At(), std::nullopt);
+  glass.Control(protocol::LcdControl::kClear);
+  glass.Write(0, 7, "a");  // off the glass
+  EXPECT_EQ(glass.At(), std::nullopt);
+}
+
 }  // namespace
 }  // namespace hub::model
