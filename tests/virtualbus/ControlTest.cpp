@@ -131,6 +131,23 @@ TEST_F(Control, ScriptsDoNotDisturbEachOther) {
   EXPECT_EQ(Order("mark"), "ok");
 }
 
+TEST_F(Control, StatusShowsTheFaultsThatAreOnAsTheirLines) {
+  Start();
+  for (const char* line :
+       {"drop next 3", "late 40ms", "split 2", "wrong-length 4", "wrong-address 5", "noise 0.1%"})
+    EXPECT_EQ(Order(line), "ok") << line;
+  const std::string status = Order("status");
+  EXPECT_TRUE(
+      status.ends_with("shaped 0\n  fault drop next 3\n  fault late 40ms\n  fault split 2\n"
+                       "  fault wrong-length 4\n  fault wrong-address 5\n"
+                       "  fault noise 0.1%\nok"))
+      << status;
+  EXPECT_EQ(Order("mute 3600s"), "ok");
+  EXPECT_NE(Order("status").find("\n  fault mute 3"), std::string::npos);
+  EXPECT_EQ(Order("faults off"), "ok");
+  EXPECT_EQ(Order("status").find("fault"), std::string::npos);
+}
+
 TEST_F(Control, StatusCounts) {
   Start();
   Ask({0x30});
@@ -142,7 +159,8 @@ TEST_F(Control, StatusCounts) {
   EXPECT_EQ(Order("split 2"), "ok");
   Ask({0x30});
   const std::string status = Order("status");
-  EXPECT_NE(status.find("\n  cable plugged\n  frames 4\n  replies 3\n  lost 1\n  shaped 1\nok"),
+  EXPECT_NE(status.find("\n  cable plugged\n  frames 4\n  replies 3\n  lost 1\n  shaped 1\n"
+                        "  fault split 2\nok"),
             std::string::npos)
       << status;
   EXPECT_TRUE(status.starts_with("  device /dev/pts/")) << status;

@@ -106,14 +106,16 @@ Reply Mark(VirtualBus&) { return {.mark = true}; }
 Reply Status(VirtualBus& bus) {
   const Exchange::Counts& counts = bus.exchange.Totals();
   const std::string cable = bus.cable.IsPlugged() ? "plugged" : "pulled";
-  return {.lines = {
-              "  device " + bus.wire.DevicePath(),
-              "  cable " + cable,
-              "  frames " + std::to_string(counts.frames),
-              "  replies " + std::to_string(counts.replies),
-              "  lost " + std::to_string(counts.lost),
-              "  shaped " + std::to_string(counts.shaped),
-          }};
+  Reply reply{.lines = {
+                  "  device " + bus.wire.DevicePath(),
+                  "  cable " + cable,
+                  "  frames " + std::to_string(counts.frames),
+                  "  replies " + std::to_string(counts.replies),
+                  "  lost " + std::to_string(counts.lost),
+                  "  shaped " + std::to_string(counts.shaped),
+              }};
+  for (const std::string& fault : bus.faults.InEffect()) reply.lines.push_back("  fault " + fault);
+  return reply;
 }
 
 void Mute(VirtualBus& bus, Duration time) { bus.faults.Mute(time.value); }
@@ -164,7 +166,7 @@ constexpr std::array kCommands{
     Row<WaitFrame>("wait frame", "BYTE|.. ... [within TIME]",
                    "answer when a frame begins so (.. is any byte)"),
     Row<Mark>("mark", "", "later waits look only at frames from now on"),
-    Row<Status>("status", "", "show the state of the cable and the counts"),
+    Row<Status>("status", "", "show the cable, the counts, and faults that are on"),
     Row<Note>("note", "TEXT...", "write a text into the events"),
     Row<Mute>("mute", "TIME", "lose every frame for this time"),
     Row<DropNext>("drop next", "COUNT", "lose the next frames"),

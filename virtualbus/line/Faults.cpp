@@ -1,6 +1,7 @@
 #include "line/Faults.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "base/Frames.h"
 
@@ -31,6 +32,26 @@ void Faults::Off() {
   delay_ = {};
   pieces_ = 1;
   noise_ = 0.0;
+}
+
+std::vector<std::string> Faults::InEffect() const {
+  using std::chrono::ceil;
+  using std::chrono::milliseconds;
+  std::vector<std::string> lines;
+  const auto add = [&lines](bool is_on, std::string_view words, auto value, std::string_view unit) {
+    std::ostringstream line;
+    line << words << ' ' << value << unit;
+    if (is_on) lines.push_back(line.str());
+  };
+  const auto muted = ceil<milliseconds>(muted_until_ - Clock::now()).count();
+  add(muted > 0, "mute", muted, "ms");
+  add(drops_ > 0, "drop next", drops_, "");
+  add(delay_ != Clock::duration::zero(), "late", ceil<milliseconds>(delay_).count(), "ms");
+  add(pieces_ > 1, "split", pieces_, "");
+  add(wrong_lengths_ > 0, "wrong-length", wrong_lengths_, "");
+  add(wrong_addresses_ > 0, "wrong-address", wrong_addresses_, "");
+  add(noise_ > 0, "noise", noise_ * 100, "%");
+  return lines;
 }
 
 Bytes Faults::Garbage(size_t count) {

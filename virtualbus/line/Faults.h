@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "base/Loop.h"
 #include "base/Text.h"
@@ -31,6 +32,9 @@ class Faults {
   void Split(size_t pieces) { pieces_ = pieces; }
   void Noise(double chance) { noise_ = chance; }
   void Off();
+
+  // Those that are on, as the control lines that switch them on: "late 40ms".
+  std::vector<std::string> InEffect() const;
 
   Bytes Garbage(size_t count);
 
