@@ -60,10 +60,12 @@ bool IsJson(const Request& request) {
   return IsSameName(type, "application/json");
 }
 
-// A form of another site can send anything but this type without asking first.
+// A form of another site can send anything but this type without asking first. What is no form has
+// neither a type nor a body, or it has an Origin, which was looked at.
 std::optional<Problem> CheckType(const Request& request, const VerbRow& verb) {
-  if ((!verb.writes && request.body.empty()) || IsJson(request)) return {};
-  return ProblemOf(415, "a request that writes has Content-Type: application/json");
+  const bool is_typed = verb.writes && request.Find("Content-Type").has_value();
+  if ((request.body.empty() && !is_typed) || IsJson(request)) return {};
+  return ProblemOf(415, "a request with a body has Content-Type: application/json");
 }
 
 std::optional<Problem> Collect(const Request& request, const api::Method& method,

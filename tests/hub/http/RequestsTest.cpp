@@ -121,8 +121,24 @@ TEST_F(RequestsTest, AFormOrATextIsNotTakenForJson) {
   }
 }
 
-TEST_F(RequestsTest, AWriteWithoutATypeIsRefused) {
-  EXPECT_EQ(client.Ask(RequestText("POST", "/api/session", "Content-Length: 0\r\n")).status, 415);
+TEST_F(RequestsTest, ABodyWithoutATypeIsRefused) {
+  const std::string text = RequestText("PUT", "/api/things/lamp", "Content-Length: 11\r\n");
+  EXPECT_EQ(client.Ask(text + R"({"value":7})").status, 415);
+}
+
+TEST_F(RequestsTest, AWriteWithoutABodyNeedsNoType) {
+  EXPECT_EQ(client.Ask(RequestText("POST", "/api/session", "")).status, 200);
+  EXPECT_EQ(client.Ask(RequestText("POST", "/api/session", "Content-Length: 0\r\n")).status, 200);
+}
+
+TEST_F(RequestsTest, AFormWithoutABodyIsRefused) {
+  for (const std::string type : {"application/x-www-form-urlencoded", "text/plain"})
+    EXPECT_EQ(client
+                  .Ask(RequestText("POST", "/api/session",
+                                   "Content-Type: " + type + "\r\nContent-Length: 0\r\n"))
+                  .status,
+              415)
+        << type;
 }
 
 TEST_F(RequestsTest, TheTypeMayNameItsCharacters) {
