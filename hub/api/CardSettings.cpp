@@ -180,6 +180,8 @@ Answer AskAll(House& house, Request request) {
 
 Answer GetCardSettings(House& house, Request request) {
   if (FlagAt(request, "ask")) {
+    if (request.caller.role < access::Role::kUse)
+      throw ProblemOf(403, "asking a card stops the bus; it needs the role use", "ask");
     auto asking = AskAll(house, std::move(request));
     Reply reply = co_await std::move(asking);
     co_return reply;

@@ -43,6 +43,14 @@ TEST_F(CardSettingsTest, MotorAndAnalogueCardsAreAsked) {
   ExpectResult("card.settings.get", R"({"address":"F","ask":true})", R"({"mask":63})");
 }
 
+TEST_F(CardSettingsTest, WhoMayOnlyLookDoesNotStopTheBus) {
+  caller.role = access::Role::kView;
+  ExpectProblem("card.settings.get", R"({"address":"F","ask":true})", 403, "ask",
+                "asking a card stops the bus; it needs the role use");
+  EXPECT_EQ(TakeAsked(), "");
+  ExpectResult("card.settings.get", R"({"address":"F"})", R"({"mask":null})");
+}
+
 TEST_F(CardSettingsTest, ADisplayCannotBeAsked) {
   ExpectResult("card.settings.get", R"({"address":"E","ask":true})",
                R"({"self_test":null,"init_light":null})");
