@@ -158,6 +158,27 @@ TEST_F(LiveTest, AWebSocketEndsWithItsSession) {
   ExpectClosedWith(client, kNotAllowed);
 }
 
+TEST_F(LiveTest, ASessionThatAWebSocketUsesDoesNotExpire) {
+  const std::string cookie = "Cookie: " + stand.AddAccount() + "\r\n";
+  const auto status = [&] {
+    const Reply reply = stand.Connect().Ask(RequestText("GET", "/api/long?size=1", cookie));
+    return reply.status;
+  };
+  WebClient client = stand.Connect();
+  client.Upgrade("/api/live", cookie + "Origin: http://localhost\r\n");
+  for (int i = 0; i < 4 * 61; ++i) {  // an hour and a quarter of pings
+    stand.clock.Pass(std::chrono::seconds(15));
+    ASSERT_EQ(client.ReadFrame().opcode, 9);
+    client.SendFrame(10, "");
+    client.SendText(R"({"jsonrpc":"2.0","id":1,"method":"session.who"})");
+    client.ReadText();  // so the pong has come too
+  }
+  stand.clock.Pass(std::chrono::hours(24 * 30));  // since the log-in it would be over
+  EXPECT_EQ(status(), 200);
+  stand.clock.Pass(std::chrono::hours(24 * 30));
+  EXPECT_EQ(status(), 401);
+}
+
 TEST_F(LiveTest, AWebSocketEndsWithItsAccount) {
   const std::string cookie = "Cookie: " + stand.AddAccount() + "\r\n";
   WebClient client = stand.Connect();
