@@ -1,4 +1,5 @@
 // qelm-hub: one bus for everybody.
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -20,6 +21,14 @@ struct Options {
   bool check = false;
 };
 
+// Each client takes a descriptor; how many there may be is the settings' business.
+void AllowManyFiles() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+  limit.rlim_cur = limit.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
 // Nothing where the file is not there and nobody has asked for it: all defaults hold.
 std::variant<hub::settings::Settings, hub::settings::SettingsErrors> ReadSettings(
     const std::string& file) {
@@ -37,6 +46,7 @@ int Serve(const Options& options) {
   if (const auto* errors = std::get_if<hub::settings::SettingsErrors>(&settings))
     return Complain(*errors, options.places.settings_file);
   if (options.check) return EXIT_SUCCESS;
+  AllowManyFiles();
   hub::Hub hub(std::get<hub::settings::Settings>(settings), options.places);
   hub.Run();
   return EXIT_SUCCESS;
