@@ -12,6 +12,7 @@
 #include <variant>
 
 #include "api/KeptSettings.h"
+#include "settings/RestartKeys.h"
 
 namespace hub {
 
@@ -90,6 +91,14 @@ std::optional<std::chrono::microseconds> WatchdogPeriod() {
   return std::chrono::microseconds(microseconds / 2);
 }
 
+// The service manager waits for the READY that follows this moment.
+void NotifyReloading() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+  const std::string text = "RELOADING=1\nMONOTONIC_USEC=" + std::to_string(microseconds);
+  sd_notify(0, text.c_str());
+}
+
 // What a level is in the history; nothing for what has no number.
 std::optional<double> Number(const model::Value& value) {
   if (const bool* line = std::get_if<bool>(&value)) return *line ? 1 : 0;
@@ -129,7 +138,15 @@ Hub::Hub(const settings::Settings& settings, Places places)
            .monitored = [this](std::string_view line) { text_ports_.ShowMonitored(line); },
            .asked = [this](const protocol::WriteBlock& block) { Keep(block); },
            .journal = [this](model::JournalEntry entry) { store_.AddJournal(std::move(entry)); }}),
-      house_{context_, bus_, link_, store_, access_, clock_, FileOf(settings_)},
+      virtual_bus_(context_, settings_.virtual_bus.control),
+      house_{.context = context_,
+             .bus = bus_,
+             .link = link_,
+             .store = store_,
+             .access = access_,
+             .clock = clock_,
+             .file = FileOf(settings_),
+             .virtual_bus = settings_.virtual_bus.control.empty() ? nullptr : &virtual_bus_},
       server_(house_, ServerOptionsOf(settings_, places_, is_locked_)),
       text_ports_(house_, TextOptionsOf(settings_.text, is_locked_)),
       signals_(context_, SIGTERM, SIGINT, SIGHUP),
@@ -180,35 +197,46 @@ void Hub::Journal(std::string text) {
   store_.AddJournal(std::move(entry));
 }
 
+void Hub::Say(const std::string& text) {
+  std::cerr << "qelm-hub: " << text << '\n';
+  Journal(text);
+}
+
 void Hub::AwaitSignal() {
   signals_.async_wait([this](boost::system::error_code error, int signal) {
     if (error) return;
     if (signal != SIGHUP) return Stop();
-    ReadSettingsAgain();
+    if (!places_.settings_file.empty()) ReadSettingsAgain();
     AwaitSignal();
   });
 }
 
-// Names and units at once; what else has changed says that it wants a restart.
+// A file with errors changes nothing.
 void Hub::ReadSettingsAgain() {
-  if (places_.settings_file.empty()) return;
-  sd_notify(0, "RELOADING=1");
+  NotifyReloading();
   const auto read = settings::Load(places_.settings_file);
   if (const auto* errors = std::get_if<settings::SettingsErrors>(&read)) {
     for (const settings::SettingsError& error : *errors)
       std::cerr << ToText(error, places_.settings_file) << '\n';
-    Journal("settings are not read again: the file has errors");
+    Say("settings are not read again: the file has errors");
   } else {
-    settings::Settings fresh = std::get<settings::Settings>(read);
-    house_.file = FileOf(fresh);
-    ApplySettings(house_);
-    bus_.Publish();
-    fresh.names = settings_.names;
-    const bool wants_restart = fresh != settings_;
-    Journal(wants_restart ? "settings read again: names and units; the rest wants a restart"
-                          : "settings read again");
+    TakeAgain(std::get<settings::Settings>(read));
   }
   sd_notify(0, "READY=1");
+}
+
+// Names and units at once. What else has changed stays as it was at the start, so it is named each
+// time.
+void Hub::TakeAgain(const settings::Settings& fresh) {
+  settings_.names = fresh.names;
+  house_.file = FileOf(settings_);
+  ApplySettings(house_);
+  std::string keys;
+  for (const std::string_view key : settings::RestartKeys(settings_, fresh)) {
+    if (!keys.empty()) keys += ", ";
+    keys += key;
+  }
+  Say("settings read again" + (keys.empty() ? "" : "; a restart is needed for " + keys));
 }
 
 void Hub::TellWatchdog() {

@@ -40,12 +40,13 @@ class Hub {
   void Run();
 
  private:
-  void Connect();
   void Record(const model::Change& change);
   void Keep(const protocol::WriteBlock& block);
   void Journal(std::string text);
+  void Say(const std::string& text);  // to the journal, and on standard error
   void AwaitSignal();
   void ReadSettingsAgain();
+  void TakeAgain(const settings::Settings& fresh);
   void TellWatchdog();
   void Stop();
 
@@ -59,6 +60,7 @@ class Hub {
   KeptOutputs outputs_;
   access::Access access_;
   link::Link link_;
+  virtualbus::Control virtual_bus_;
   api::House house_;
   http::Server server_;
   text::TextPorts text_ports_;

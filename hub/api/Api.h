@@ -17,12 +17,14 @@
 #include "access/Access.h"
 #include "access/Role.h"
 #include "api/CardMemory.h"
+#include "api/PageJson.h"
 #include "api/Problem.h"
 #include "api/Traffic.h"
 #include "link/Link.h"
 #include "model/Bus.h"
 #include "model/Clock.h"
 #include "store/Store.h"
+#include "virtualbus/Control.h"
 
 namespace hub::api {
 
@@ -37,6 +39,8 @@ struct House {
   model::Settings file = {};  // what the file settles; whoever changes it calls ApplySettings
   CardMemory card_memory = {};
   Traffic traffic = {};
+  boost::json::object page = ReadPage({});     // what the page keeps, as in effect
+  virtualbus::Control* virtual_bus = nullptr;  // none: the bus is a real one
 };
 
 struct Request {

@@ -17,7 +17,7 @@ Reply BackupReply(const House& house) {
   return Done(json::object{{"version", kVersion},
                            {"names", NamesNow(house)},
                            {"setup", SetupNow(house)},
-                           {"page", PageNow(house)}});
+                           {"page", house.page}});
 }
 
 }  // namespace
@@ -31,7 +31,7 @@ Answer PutBackup(House& house, Request request) {
   const json::object page = ObjectAt(request, "page");
   CheckNames(house, names);
   CheckSetup(house, setup);
-  CheckPage(page);
+  ReadPage(page);
   KeepNames(house, names);
   KeepSetup(house, setup);
   KeepPage(house, page);

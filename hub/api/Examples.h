@@ -10,6 +10,7 @@ inline constexpr std::string_view kBus = R"({
   "daemon":{"state":"up", "version":"1.20", "since":"2026-11-21T12:00:00.000Z",
             "waiting_for":null},
   "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"},
+  "broker":{"state":"up", "host":"192.168.1.5", "detail":null},
   "pace":50, "polling":true, "virtual":true})";
 
 inline constexpr std::string_view kDisplay = R"({
@@ -17,7 +18,7 @@ inline constexpr std::string_view kDisplay = R"({
   "channels":[],
   "glass":{"rows":["                    ", "   Tail of the cat  ", "                    ",
                    "                    "],
-           "known":true, "light":true, "cursor":false, "blink":false}})";
+           "known":true, "at":{"row":1, "column":18}, "light":true, "cursor":false, "blink":false}})";
 
 inline constexpr std::string_view kServoCard = R"({
   "address":"0", "kind":"servo", "name":"Arm", "state":"present", "keep":true, "polling":null,
@@ -68,8 +69,10 @@ inline constexpr std::string_view kSnapshot = R"({
   "bus":{"id":"3f9a21c0", "name":"bench", "seq":1234,
          "daemon":{"state":"absent", "version":null, "since":null, "waiting_for":null},
          "adapter":{"state":"unknown", "device":null, "version":null},
+         "broker":null,
          "pace":null, "polling":null, "virtual":false},
   "cards":[],
+  "page":{"order":[], "hidden":[], "groups":[]},
   "events":[{"seq":1230, "time":"2026-11-21T12:00:00.000Z", "card":"8", "event_type":"press",
              "code":5}],
   "lost":0})";
@@ -95,13 +98,20 @@ inline constexpr std::string_view kSetup = R"({
   "channels":{"5.1":{"active":"high"},
               "F.3":{"unit":"V", "max":5, "decimals":2, "hysteresis":0.02}}})";
 
-inline constexpr std::string_view kPage = R"({"order":["5", "E"], "hidden":["9"]})";
+inline constexpr std::string_view kVirtualBus = R"({
+  "device":"/dev/pts/3", "cable":true, "frames":1200, "replies":1198, "lost":2, "shaped":0,
+  "faults":["late 40ms"],
+  "cards":[{"address":"3", "kind":"digital-input", "plugged":true, "values":[64, 0]},
+           {"address":"5", "kind":"digital-output", "plugged":false, "values":null}]})";
+
+inline constexpr std::string_view kPage = R"({
+  "order":["5", "E"], "hidden":["9"], "groups":[{"name":"Hall", "cards":["5", "3"]}]})";
 
 inline constexpr std::string_view kBackup = R"({
   "version":1,
   "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}},
   "setup":{"cards":{}, "channels":{"F.3":{"unit":"V", "max":5}}},
-  "page":{"order":["5", "E"]}})";
+  "page":{"order":["5", "E"], "hidden":[], "groups":[]}})";
 
 inline constexpr std::string_view kWho = R"({"account":"operator", "role":"use"})";
 inline constexpr std::string_view kNobody = R"({"account":null, "role":null})";

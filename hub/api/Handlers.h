@@ -52,6 +52,10 @@ Answer MergeSetup(House& house, Request request);
 Answer GetPage(House& house, Request request);
 Answer SetPage(House& house, Request request);
 
+// VirtualBus.cpp
+Answer GetVirtualBus(House& house, Request request);
+Answer RunVirtualLine(House& house, Request request);
+
 // Backup.cpp
 Answer GetBackup(House& house, Request request);
 Answer PutBackup(House& house, Request request);

@@ -28,8 +28,6 @@ constexpr SettingsRow kNames{"names", ReadNames, NamesJson};
 constexpr SettingsRow kSetup{"setup", ReadSetup, SetupJson};
 constexpr std::string_view kPage = "page";
 
-constexpr size_t kLongestPage = 32 * 1024;  // bytes
-
 json::object Kept(const House& house, std::string_view name) {
   const auto text = house.store.Document(name);
   if (!text) return {};
@@ -39,18 +37,32 @@ json::object Kept(const House& house, std::string_view name) {
   return value->get_object();
 }
 
+void PassOver(House& house, std::string_view what, const Problem& problem) {
+  house.store.AddJournal({.sequence = 0,
+                          .time = house.clock.Now(),
+                          .kind = "hub",
+                          .text = fmt::format("the kept {} cannot be read and are passed over: {}",
+                                              what, problem.detail),
+                          .by = ""});
+}
+
 // One document on top of the settings.
 void Apply(House& house, const SettingsRow& row, model::Settings& settings) {
   try {
     row.read(Merge(row.write(settings), Kept(house, row.name)), settings);
   } catch (const Problem& problem) {
-    house.store.AddJournal({.sequence = 0,
-                            .time = house.clock.Now(),
-                            .kind = "hub",
-                            .text = fmt::format("the kept {} cannot be read and are passed over: "
-                                                "{}",
-                                                row.name, problem.detail),
-                            .by = ""});
+    PassOver(house, row.name, problem);
+  }
+}
+
+void ApplyPage(House& house) {
+  try {
+    json::object page = ReadPage(Kept(house, kPage));
+    if (page == house.page) return;
+    house.page = std::move(page);
+    house.bus.NotePage();
+  } catch (const Problem& problem) {
+    PassOver(house, "order and groups of the page", problem);
   }
 }
 
@@ -75,6 +87,7 @@ void ApplySettings(House& house) {
   Apply(house, kNames, settings);
   Apply(house, kSetup, settings);
   house.bus.Apply(std::move(settings));
+  ApplyPage(house);
   house.bus.Publish();
 }
 
@@ -82,30 +95,19 @@ json::object NamesNow(const House& house) { return NamesJson(house.bus.Names());
 
 json::object SetupNow(const House& house) { return SetupJson(house.bus.Names()); }
 
-json::object PageNow(const House& house) {
-  try {
-    return Kept(house, kPage);
-  } catch (const Problem&) {
-    return {};  // the page begins with its own order again
-  }
-}
-
 void CheckNames(const House& house, const json::object& names) { OnFile(house, kNames, names); }
 
 void CheckSetup(const House& house, const json::object& setup) { OnFile(house, kSetup, setup); }
-
-void CheckPage(const json::object& page) {
-  if (ToText(page).size() > kLongestPage)
-    throw DoesNotFit("page", fmt::format("the page keeps at most {} bytes", kLongestPage));
-}
 
 void KeepNames(House& house, const json::object& names) { Keep(house, kNames, names); }
 
 void KeepSetup(House& house, const json::object& setup) { Keep(house, kSetup, setup); }
 
 void KeepPage(House& house, const json::object& page) {
-  CheckPage(page);
-  house.store.PutDocument(kPage, ToText(page));
+  house.page = ReadPage(page);
+  house.store.PutDocument(kPage, ToText(house.page));
+  house.bus.NotePage();
+  house.bus.Publish();
 }
 
 }  // namespace hub::api

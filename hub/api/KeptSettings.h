@@ -11,19 +11,18 @@
 
 namespace hub::api {
 
-// The file's settings, what is kept on top, and the bus told. Called at start and whenever
-// House::file has changed. A kept document that cannot be read is passed over; the journal says so.
+// The file's settings, what is kept on top, and what the page keeps; the bus told. Called at start
+// and whenever House::file has changed. A kept document that cannot be read is passed over; the
+// journal says so.
 void ApplySettings(House& house);
 
 // As they are in effect.
 boost::json::object NamesNow(const House& house);
 boost::json::object SetupNow(const House& house);
-boost::json::object PageNow(const House& house);
 
 // Throws a Problem, and keeps nothing, where the document does not fit. Check* only look.
 void CheckNames(const House& house, const boost::json::object& names);
 void CheckSetup(const House& house, const boost::json::object& setup);
-void CheckPage(const boost::json::object& page);
 void KeepNames(House& house, const boost::json::object& names);
 void KeepSetup(House& house, const boost::json::object& setup);
 void KeepPage(House& house, const boost::json::object& page);

@@ -17,7 +17,7 @@ constexpr std::string_view kNoBody;
 
 // A row a method: name, verb and route, role and summary, parameters and handler; examples of the
 // body and of the answer, and the answer's shape.
-constexpr std::array<Method, 42> kMethods{{
+constexpr std::array<Method, 44> kMethods{{
     // clang-format off
     {"bus.get", Verb::kGet, "/api/bus",
      Role::kView, "The daemon, the adapter, pace and polling", lists::kNone, GetBus,
@@ -105,11 +105,18 @@ constexpr std::array<Method, 42> kMethods{{
      Role::kAdmin, "Change some of it; null removes", lists::kSetup, MergeSetup,
      R"({"channels":{"F.3":{"decimals":2}, "5.1":null}})", examples::kSetup, "Setup"},
     {"page.get", Verb::kGet, "/api/page",
-     Role::kView, "What the page keeps: order, groups", lists::kNone, GetPage,
+     Role::kView, "What the page keeps for everybody: order, hidden cards, groups", lists::kNone, GetPage,
      kNoBody, examples::kPage, "Page"},
     {"page.set", Verb::kPut, "/api/page",
      Role::kAdmin, "Replace it", lists::kPage, SetPage,
      examples::kPage, examples::kPage, "Page"},
+
+    {"virtual.get", Verb::kGet, "/api/virtual-bus",
+     Role::kAdmin, "The virtual bus: its cable, cards and faults; 404 where the bus is a real one", lists::kNone, GetVirtualBus,
+     kNoBody, examples::kVirtualBus, "VirtualBus"},
+    {"virtual.run", Verb::kPost, "/api/virtual-bus",
+     Role::kAdmin, "What a hand would do to it: a control line of qelm-bus, and its answer", lists::kVirtualLine, RunVirtualLine,
+     R"({"line":"press 3 06"})", R"({"lines":[]})", "Lines"},
 
     {"backup.get", Verb::kGet, "/api/backup",
      Role::kAdmin, "Names, setup and what the page keeps; no secrets", lists::kNone, GetBackup,

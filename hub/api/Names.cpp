@@ -58,11 +58,12 @@ Answer MergeSetup(House& house, Request request) {
   co_return ChangeSetup(house, request, Merge(SetupNow(house), request.parameters));
 }
 
-Answer GetPage(House& house, Request) { co_return Done(PageNow(house)); }
+Answer GetPage(House& house, Request) { co_return Done(house.page); }
 
 Answer SetPage(House& house, Request request) {
   KeepPage(house, ObjectAt(request, "page"));
-  co_return Done(PageNow(house));
+  Note(house, request, "hub", "order and groups of the page changed");
+  co_return Done(house.page);
 }
 
 }  // namespace hub::api

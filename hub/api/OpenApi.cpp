@@ -37,6 +37,7 @@ constexpr std::array<Tag, 17> kTags{{
     {"names", "Names that people have given"},
     {"setup", "Units, directions, sizes"},
     {"page", "What the page keeps for everybody"},
+    {"virtual", "A bus without hardware: what hands would do to it"},
     {"backup", "All that people have settled, as one document"},
     {"session", "Logging in and out"},
     {"accounts", "Who may log in"},

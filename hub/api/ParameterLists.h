@@ -78,7 +78,7 @@ inline constexpr List<2> kSendCode{{
 inline constexpr List<2> kGetCardSettings{{
     kAddress,
     {"ask", Type::kBoolean, Place::kQuery, false,
-     "ask the card; the bus stands still for a second a value"},
+     "ask the card, which needs the role use: the bus stands still for a second a value"},
 }};
 inline constexpr List<7> kSetCardSettings{{
     kAddress,
@@ -122,7 +122,12 @@ inline constexpr List<3> kMergeNames{{
 }};
 inline constexpr List<2> kSetup{{kCardsPart, kChannelsPart}};
 inline constexpr List<1> kPage{{
-    {"page", Type::kObject, Place::kWholeBody, true, "whatever the page wants to keep, 32 KB"},
+    {"page", Type::kObject, Place::kWholeBody, true,
+     "order and hidden: addresses of cards; groups: up to 16, each with a name and cards"},
+}};
+
+inline constexpr List<1> kVirtualLine{{
+    {"line", Type::kText, Place::kBody, true, "a control line of qelm-bus", 1, kLongestLine},
 }};
 
 inline constexpr List<4> kBackup{{

@@ -11,9 +11,9 @@ struct Schema {
   std::string_view text;  // JSON
 };
 
-inline constexpr std::array<Schema, 23> kSchemas{{
+inline constexpr std::array<Schema, 25> kSchemas{{
     {"Bus", R"({"type":"object",
-      "required":["id", "name", "seq", "daemon", "adapter", "pace", "polling", "virtual"],
+      "required":["id", "name", "seq", "daemon", "adapter", "broker", "pace", "polling", "virtual"],
       "properties":{
         "id":{"type":"string", "pattern":"^[0-9a-f]{8}$"},
         "name":{"type":["string", "null"]},
@@ -30,6 +30,12 @@ inline constexpr std::array<Schema, 23> kSchemas{{
             "state":{"enum":["unknown", "down", "up"]},
             "device":{"type":["string", "null"]},
             "version":{"type":["string", "null"]}}},
+        "broker":{"type":["object", "null"], "required":["state", "host", "detail"],
+          "description":"null where none is set up",
+          "properties":{
+            "state":{"enum":["connecting", "up", "refused"]},
+            "host":{"type":"string"},
+            "detail":{"type":["string", "null"]}}},
         "pace":{"type":["integer", "null"], "minimum":1, "maximum":100},
         "polling":{"type":["boolean", "null"]},
         "virtual":{"type":"boolean"}}})"},
@@ -65,10 +71,13 @@ inline constexpr std::array<Schema, 23> kSchemas{{
         "unit":{"type":["string", "null"]},
         "min":{"type":["number", "null"]},
         "max":{"type":["number", "null"]}}})"},
-    {"Glass", R"({"type":"object", "required":["rows", "known", "light", "cursor", "blink"],
+    {"Glass", R"({"type":"object", "required":["rows", "known", "at", "light", "cursor", "blink"],
       "properties":{
         "rows":{"type":"array", "items":{"type":"string"}},
         "known":{"type":"boolean", "description":"it was cleared since the hub has been watching"},
+        "at":{"type":["object", "null"], "required":["row", "column"],
+          "description":"behind the last character that was written",
+          "properties":{"row":{"type":"integer"}, "column":{"type":"integer"}}},
         "light":{"type":["boolean", "null"]},
         "cursor":{"type":["boolean", "null"]},
         "blink":{"type":["boolean", "null"]}}})"},
@@ -79,19 +88,21 @@ inline constexpr std::array<Schema, 23> kSchemas{{
         "card":{"type":"string", "pattern":"^[0-9A-F]$"},
         "event_type":{"enum":["press", "release", "left", "right"]},
         "code":{"type":["integer", "null"], "minimum":1, "maximum":63}}})"},
-    {"Snapshot", R"({"type":"object", "required":["seq", "bus", "cards", "events", "lost"],
+    {"Snapshot", R"({"type":"object", "required":["seq", "bus", "cards", "page", "events", "lost"],
       "properties":{
         "seq":{"type":"integer"},
         "bus":{"$ref":"#/components/schemas/Bus"},
         "cards":{"type":"array", "items":{"$ref":"#/components/schemas/Card"}},
+        "page":{"$ref":"#/components/schemas/Page"},
         "events":{"type":"array", "items":{"$ref":"#/components/schemas/Event"}},
         "lost":{"type":"integer", "minimum":0}}})"},
     {"Changes", R"({"type":"object",
-      "required":["after", "seq", "bus", "cards", "channels", "events", "lost"],
+      "required":["after", "seq", "bus", "page", "cards", "channels", "events", "lost"],
       "properties":{
         "after":{"type":"integer"},
         "seq":{"type":"integer"},
         "bus":{"anyOf":[{"$ref":"#/components/schemas/Bus"}, {"type":"null"}]},
+        "page":{"anyOf":[{"$ref":"#/components/schemas/Page"}, {"type":"null"}]},
         "cards":{"type":"array", "items":{"$ref":"#/components/schemas/Card"}},
         "channels":{"type":"array", "items":{"$ref":"#/components/schemas/Channel"}},
         "events":{"type":"array", "items":{"$ref":"#/components/schemas/Event"}},
@@ -149,7 +160,37 @@ inline constexpr std::array<Schema, 23> kSchemas{{
             "decimals":{"type":["integer", "null"], "minimum":0, "maximum":6},
             "hysteresis":{"type":["number", "null"], "minimum":0},
             "active":{"enum":["high", "low", null]}}}}}})"},
-    {"Page", R"({"type":"object"})"},
+    {"Page", R"({"type":"object", "additionalProperties":false,
+      "required":["order", "hidden", "groups"],
+      "properties":{
+        "order":{"$ref":"#/components/schemas/Addresses"},
+        "hidden":{"$ref":"#/components/schemas/Addresses"},
+        "groups":{"type":"array", "maxItems":16, "items":{"type":"object",
+          "required":["name", "cards"], "additionalProperties":false,
+          "properties":{
+            "name":{"type":"string", "minLength":1, "maxLength":64},
+            "cards":{"$ref":"#/components/schemas/Addresses"}}}}}})"},
+    {"Addresses", R"({"type":"array", "uniqueItems":true,
+      "items":{"type":"string", "pattern":"^[0-9A-F]$"}})"},
+    {"VirtualBus", R"({"type":"object",
+      "required":["device", "cable", "frames", "replies", "lost", "shaped", "faults", "cards"],
+      "properties":{
+        "device":{"type":["string", "null"]},
+        "cable":{"type":"boolean", "description":"whether it is plugged"},
+        "frames":{"type":"integer"},
+        "replies":{"type":"integer"},
+        "lost":{"type":"integer"},
+        "shaped":{"type":"integer", "description":"replies that a fault has changed"},
+        "faults":{"type":"array", "items":{"type":"string"},
+                  "description":"those that are on, as the lines that switch them on"},
+        "cards":{"type":"array", "items":{"type":"object",
+          "required":["address", "kind", "plugged", "values"],
+          "properties":{
+            "address":{"type":"string", "pattern":"^[0-9A-F]$"},
+            "kind":{"type":"string"},
+            "plugged":{"type":"boolean"},
+            "values":{"anyOf":[{"$ref":"#/components/schemas/Bytes"}, {"type":"null"}],
+                      "description":"of an input card: what the world outside does to it"}}}}}})"},
     {"Backup", R"({"type":"object", "additionalProperties":false,
       "required":["version", "names", "setup", "page"],
       "properties":{

@@ -20,6 +20,7 @@ namespace {
 // Each by its enumeration.
 constexpr std::array<std::string_view, 3> kDaemonStates{"absent", "waiting", "up"};
 constexpr std::array<std::string_view, 3> kAdapterStates{"unknown", "down", "up"};
+constexpr std::array<std::string_view, 3> kBrokerStates{"connecting", "up", "refused"};
 constexpr std::array<std::string_view, 3> kCardStates{"present", "silent", "absent"};
 constexpr std::array<std::string_view, 4> kEventTypes{"press", "release", "left", "right"};
 
@@ -56,10 +57,22 @@ json::value ValueJson(const model::Value& value) {
   return nullptr;
 }
 
+json::value PlaceJson(const std::optional<model::Glass::Place>& place) {
+  if (!place) return nullptr;
+  return {{"row", place->row}, {"column", place->column}};
+}
+
 // Whether its outputs are restored; null for a card that has none.
 json::value KeepJson(const model::Card& card, const model::CardSettings& settings) {
   if (card.Row().direction != model::Direction::kOutput) return nullptr;
   return settings.keep.value_or(card.kind != model::Kind::kMotor);
+}
+
+json::value BrokerJson(const std::optional<model::Broker>& broker) {
+  if (!broker) return nullptr;
+  return {{"state", WordOf(kBrokerStates, broker->state)},
+          {"host", broker->host},
+          {"detail", OrNull(broker->detail)}};
 }
 
 bool IsThere(const model::Card& card) { return card.state != model::CardState::kAbsent; }
@@ -111,6 +124,7 @@ json::object BusJson(const model::Bus& bus) {
            {{"state", WordOf(kAdapterStates, adapter.state)},
             {"device", OrNull(adapter.device)},
             {"version", OrNull(adapter.version)}}},
+          {"broker", BrokerJson(bus.BrokerNow())},
           {"pace", OrNull(bus.Pace())},
           {"polling", OrNull(bus.Polling())},
           {"virtual", bus.Names().is_virtual}};
@@ -154,11 +168,9 @@ json::object ChannelJson(const model::Bus& bus, const model::Card& card, unsigne
 json::object GlassJson(const model::Glass& glass) {
   json::array rows;
   for (const std::string& row : glass.Rows()) rows.emplace_back(row);
-  return {{"rows", std::move(rows)},
-          {"known", glass.IsKnown()},
-          {"light", OrNull(glass.Light())},
-          {"cursor", OrNull(glass.Cursor())},
-          {"blink", OrNull(glass.Blink())}};
+  return {{"rows", std::move(rows)},          {"known", glass.IsKnown()},
+          {"at", PlaceJson(glass.At())},      {"light", OrNull(glass.Light())},
+          {"cursor", OrNull(glass.Cursor())}, {"blink", OrNull(glass.Blink())}};
 }
 
 json::object EventJson(const model::Event& event) {
@@ -206,17 +218,20 @@ json::object HistoryJson(const model::Bus& bus, model::ChannelId id,
           {"points", std::move(points)}};
 }
 
-json::object SnapshotJson(const model::Bus& bus, std::optional<uint64_t> after) {
+json::object SnapshotJson(const model::Bus& bus, const json::object& page,
+                          std::optional<uint64_t> after) {
   if (after && *after > bus.Sequence()) after = 0;
   const auto since = after ? bus.Events().After(*after) : model::EventRing::Since{};
   json::object snapshot{{"seq", bus.Sequence()}, {"bus", BusJson(bus)}};
   snapshot["cards"] = std::move(CardsJson(bus)["cards"]);
+  snapshot["page"] = page;
   snapshot["events"] = EventsJson(since.events);
   snapshot["lost"] = since.lost;
   return snapshot;
 }
 
-json::object ChangesJson(const model::Bus& bus, const model::Change& change, uint64_t lost) {
+json::object ChangesJson(const model::Bus& bus, const json::object& page,
+                         const model::Change& change, uint64_t lost) {
   json::array cards;
   for (const unsigned address : change.cards)
     if (const model::Card* card = bus.At(address)) cards.push_back(CardJson(bus, *card));
@@ -229,15 +244,17 @@ json::object ChangesJson(const model::Bus& bus, const model::Change& change, uin
   return {{"after", change.after},
           {"seq", change.sequence},
           {"bus", change.bus ? json::value(BusJson(bus)) : json::value()},
+          {"page", change.page ? json::value(page) : json::value()},
           {"cards", std::move(cards)},
           {"channels", std::move(channels)},
           {"events", EventsJson(change.events)},
           {"lost", lost}};
 }
 
-std::string ChangesText(const model::Bus& bus, const model::Change& change, uint64_t lost) {
+std::string ChangesText(const model::Bus& bus, const json::object& page,
+                        const model::Change& change, uint64_t lost) {
   const json::object message{
-      {"jsonrpc", "2.0"}, {"method", "changes"}, {"params", ChangesJson(bus, change, lost)}};
+      {"jsonrpc", "2.0"}, {"method", "changes"}, {"params", ChangesJson(bus, page, change, lost)}};
   return ToText(message);
 }
 

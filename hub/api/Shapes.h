@@ -34,15 +34,18 @@ boost::json::object JournalJson(const store::JournalPage& page);
 boost::json::object HistoryJson(const model::Bus& bus, model::ChannelId id,
                                 const store::History& history);
 
-// The whole state, and the events behind that number. A number that the bus has not reached is
-// from before it started: all events come.
-boost::json::object SnapshotJson(const model::Bus& bus, std::optional<uint64_t> after);
+// The whole state, what the page keeps, and the events behind that number. A number that the bus
+// has not reached is from before it started: all events come.
+boost::json::object SnapshotJson(const model::Bus& bus, const boost::json::object& page,
+                                 std::optional<uint64_t> after);
 
 // The parameters of a "changes" message: levels as they are now, and the events of the change.
 // `lost` counts events that this reader missed.
-boost::json::object ChangesJson(const model::Bus& bus, const model::Change& change, uint64_t lost);
+boost::json::object ChangesJson(const model::Bus& bus, const boost::json::object& page,
+                                const model::Change& change, uint64_t lost);
 
 // {"jsonrpc":"2.0","method":"changes","params":{...}} as text, once for all who hear it.
-std::string ChangesText(const model::Bus& bus, const model::Change& change, uint64_t lost);
+std::string ChangesText(const model::Bus& bus, const boost::json::object& page,
+                        const model::Change& change, uint64_t lost);
 
 }  // namespace hub::api

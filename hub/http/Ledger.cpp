@@ -5,13 +5,14 @@ namespace hub::http {
 void Ledger::Note(const model::Change& change) {
   last_ = {change.after, change.sequence};
   if (change.bus) bus_ = change.sequence;
+  if (change.page) page_ = change.sequence;
   for (const unsigned address : change.cards) places_.at(address).card = change.sequence;
   for (const model::ChannelId& id : change.channels)
     places_.at(id.address).channels.at(id.number) = change.sequence;
 }
 
 model::Change Ledger::After(uint64_t sequence) const {
-  model::Change change{sequence, last_.sequence, bus_ > sequence, {}, {}, {}};
+  model::Change change{sequence, last_.sequence, bus_ > sequence, page_ > sequence, {}, {}, {}};
   for (unsigned address = 0; address < places_.size(); ++address) {
     const Place& place = places_[address];
     if (place.card > sequence) {

@@ -37,6 +37,7 @@ class Ledger {
     uint64_t sequence = 0;
   } last_;
   uint64_t bus_ = 0;
+  uint64_t page_ = 0;
   std::array<Place, protocol::kCardCount> places_{};
 };
 

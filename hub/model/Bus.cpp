@@ -45,6 +45,12 @@ void Bus::SetAdapter(Adapter adapter) {
   NoteBus();
 }
 
+void Bus::SetBroker(std::optional<Broker> broker) {
+  if (broker == broker_) return;
+  broker_ = std::move(broker);
+  NoteBus();
+}
+
 void Bus::SetPace(int percent) {
   if (pace_ == percent) return;
   pace_ = percent;
@@ -200,6 +206,11 @@ void Bus::Apply(model::Settings settings) {
     if (!fits) card->glass.emplace(own.rows, own.columns);
     NoteCard(address);
   }
+}
+
+void Bus::NotePage() {
+  ++sequence_;
+  change_.page = true;
 }
 
 void Bus::NoteBus() {

@@ -44,6 +44,15 @@ struct Adapter {
   bool operator==(const Adapter&) const = default;
 };
 
+enum class BrokerState { kConnecting, kUp, kRefused };
+
+struct Broker {
+  BrokerState state = BrokerState::kConnecting;
+  std::string host;
+  std::string detail;  // why it is not up, for people; empty: nothing to say
+  bool operator==(const Broker&) const = default;
+};
+
 class Bus {
  public:
   using Listener = std::function<void(const Change& change)>;
@@ -57,7 +66,8 @@ class Bus {
   uint64_t Sequence() const { return sequence_; }
   const Daemon& DaemonNow() const { return daemon_; }
   const Adapter& AdapterNow() const { return adapter_; }
-  std::optional<int> Pace() const { return pace_; }  // percent
+  const std::optional<Broker>& BrokerNow() const { return broker_; }  // nothing: none is set up
+  std::optional<int> Pace() const { return pace_; }                   // percent
   std::optional<bool> Polling() const { return polling_; }
   const model::Settings& Names() const { return settings_; }
   const Card* At(unsigned address) const;  // null where no card is or was
@@ -75,8 +85,11 @@ class Bus {
   void SetPending(unsigned address, unsigned block, bool pending);
   void AssumeOutputs();  // a new session of the daemon: nothing was sent in it yet
 
+  void SetBroker(std::optional<Broker> broker);
+
   // What people have settled. Values change with their units.
   void Apply(model::Settings settings);
+  void NotePage();  // what the page keeps has changed; it is not the bus's
 
   // Delivers what has changed since the last time, if anything has.
   void Publish();
@@ -93,6 +106,7 @@ class Bus {
   std::string id_;
   Daemon daemon_;
   Adapter adapter_;
+  std::optional<Broker> broker_;
   std::optional<int> pace_;
   std::optional<bool> polling_;
   model::Settings settings_;

@@ -31,6 +31,7 @@ struct Change {
   uint64_t after = 0;     // the sequence number before it
   uint64_t sequence = 0;  // and with it
   bool bus = false;
+  bool page = false;                // what the page keeps for everybody
   std::vector<unsigned> cards;      // by address, each once
   std::vector<ChannelId> channels;  // each once
   std::vector<Event> events;        // oldest first

@@ -42,7 +42,10 @@ struct ApiTest::Parts {
         link(context, {}, test.bus, {}),
         store(context, {}, clock),
         access(context, clock, std::nullopt, {}),
-        house{context, test.bus, link, store, access, clock} {}
+        control(context, ""),
+        house{context, test.bus, link, store, access, clock} {
+    house.virtual_bus = &control;
+  }
 
   template <class Result>
   Result Run(boost::asio::awaitable<Result> work) {
@@ -63,6 +66,7 @@ struct ApiTest::Parts {
   link::Link link;
   store::Store store;
   access::Access access;
+  virtualbus::Control control;
   House house;
 };
 
@@ -165,6 +169,8 @@ void ApiTest::FileHas(const model::Settings& settings) {
   parts_->house.file = settings;
   ApplyAgain();
 }
+
+void ApiTest::BusIsReal() { parts_->house.virtual_bus = nullptr; }
 
 void ApiTest::ApplyAgain() { ApplySettings(parts_->house); }
 

@@ -15,6 +15,7 @@
 #include "api/fakes/FakeAccess.h"
 #include "api/fakes/FakeLink.h"
 #include "api/fakes/FakeStore.h"
+#include "api/fakes/FakeVirtualBus.h"
 #include "model/Bus.h"
 
 namespace hub::api {
@@ -60,6 +61,7 @@ class ApiTest : public testing::Test {
   // Settings of the file, in effect.
   void FileHas(const model::Settings& settings);
   void ApplyAgain();  // as at the start
+  void BusIsReal();   // not a virtual one, as it is otherwise
 
   access::Caller caller{"operator", access::Role::kAdmin, "session-7", "10.0.0.2"};
   model::Time now{std::chrono::milliseconds(1'795'262'400'000)};  // 2026-11-21 12:00
@@ -67,6 +69,7 @@ class ApiTest : public testing::Test {
   model::Bus bus{"3f9a21c0"};
   FakeLink link;
   FakeStore store;
+  FakeVirtualBus virtual_bus;
   FakeAccess access;
 
  private:

@@ -28,7 +28,7 @@ TEST_F(BusMethodsTest, TheBusIsRead) {
   EXPECT_EQ(Result("bus.get"), Compact(R"({"id":"3f9a21c0", "name":null, "seq":10,
       "daemon":{"state":"up", "version":"1.20", "since":"2026-11-21T12:00:00.000Z",
                 "waiting_for":null},
-      "adapter":{"state":"unknown", "device":null, "version":null},
+      "adapter":{"state":"unknown", "device":null, "version":null}, "broker":null,
       "pace":50, "polling":null, "virtual":false})"));
 }
 
@@ -93,7 +93,8 @@ TEST_F(BusMethodsTest, ASubscriptionBeginsWithTheWholeState) {
   const Outcome outcome = Call("live.subscribe");
   EXPECT_EQ(outcome.live_after, bus.Sequence());
   EXPECT_EQ(outcome.text.substr(0, 32), R"({"seq":9,"bus":{"id":"3f9a21c0",)");
-  EXPECT_TRUE(outcome.text.ends_with(R"(],"events":[],"lost":0})"));
+  EXPECT_TRUE(outcome.text.ends_with(
+      R"(],"page":{"order":[],"hidden":[],"groups":[]},"events":[],"lost":0})"));
 }
 
 TEST_F(BusMethodsTest, ASubscriptionBringsTheEventsThatWereMissed) {

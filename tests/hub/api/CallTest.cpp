@@ -10,6 +10,8 @@
 namespace hub::api {
 namespace {
 
+namespace json = boost::json;
+
 using access::Role;
 
 class CallTest : public ApiTest {
@@ -46,7 +48,7 @@ TEST_F(CallTest, TheRolesAreThese) {
                       "names.set",    "names.merge",       "setup.set",           "setup.merge",
                       "page.set",     "backup.get",        "backup.put",          "accounts.list",
                       "accounts.add", "accounts.change",   "accounts.remove",     "tokens.list",
-                      "tokens.add",   "tokens.remove"}}};
+                      "tokens.add",   "tokens.remove",     "virtual.get",         "virtual.run"}}};
   std::map<Role, std::set<std::string_view>> found;
   for (const Method& method : Methods()) found[method.role].insert(method.name);
   EXPECT_EQ(found, expected);
@@ -143,6 +145,36 @@ TEST_F(CallTest, AWholeNumberMayHaveAPointAndStaysInItsRange) {
   for (const char* wrong : {"50.5", "\"50\"", "true", "1e300", "18446744073709551615", "[50]"})
     ExpectProblem("bus.pace", "{\"pace\":" + std::string(wrong) + "}", 422, "pace",
                   "pace takes a whole number");
+}
+
+// Each text that can reach the daemon, the bus, or a file of the hub's, one by one; the other
+// parameters are those of the example.
+TEST_F(CallTest, NoTextOfAnyMethodBringsALineEndOrANul) {
+  const std::vector<std::string> kLineEnds{"5\r", "5\n", "5\r\nREBOOT:5", std::string("5\0x", 3)};
+  int tried = 0;
+  for (const Method& method : Methods()) {
+    if (method.role == Role::kNone) continue;
+    json::object others;
+    if (!method.request_example.empty())
+      EXPECT_FALSE(AddBody(method, json::parse(method.request_example), others)) << method.name;
+    for (const Parameter& parameter : method.parameters)
+      if (parameter.place == Place::kPath) others[parameter.name] = "5";
+    for (const Parameter& parameter : method.parameters) {
+      if (parameter.type != Type::kText) continue;
+      for (const std::string& text : kLineEnds) {
+        json::object given = others;
+        given[parameter.name] = text;
+        const Outcome outcome = Call(method.name, json::serialize(given));
+        ASSERT_TRUE(outcome.problem) << method.name << json::serialize(given);
+        EXPECT_EQ(outcome.problem->status, 422) << method.name << json::serialize(given);
+        EXPECT_EQ(outcome.problem->where, parameter.name) << method.name << json::serialize(given);
+        ++tried;
+      }
+    }
+  }
+  EXPECT_GE(tried, 80);
+  EXPECT_EQ(TakeSet() + TakeSent() + TakeAsked(), "");
+  EXPECT_TRUE(virtual_bus.asked.empty());
 }
 
 TEST_F(CallTest, ControlCharactersAreInNoText) {

@@ -21,7 +21,7 @@ TEST_F(CardsTest, TheCardsThatAreThereAreListedByAddress) {
     {"address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
      "channels":[],
      "glass":{"rows":["                    ", "                    ", "                    ",
-                      "                    "], "known":false,
+                      "                    "], "known":false, "at":null,
               "light":null, "cursor":null, "blink":null}}]})");
 }
 

@@ -14,7 +14,7 @@ TEST_F(DisplayTest, ATextIsWrittenAtRowAndColumnFromZero) {
     "address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
     "channels":[],
     "glass":{"rows":["                    ", "   Tail of the cat  ", "                    ",
-                     "                    "], "known":false,
+                     "                    "], "known":false, "at":{"row":1, "column":18},
              "light":null, "cursor":null, "blink":null}})");
   EXPECT_EQ(TakeSent(), "aElPAp0301tTail of the cat");
   EXPECT_EQ(LastNote(), "command operator: E: text at row 1, column 3: Tail of the cat");
@@ -59,6 +59,11 @@ TEST_F(DisplayTest, OnlyWhatTheGlassCanShowIsSent) {
         "lcd.write", R"({"address":"E","row":0,"column":0,"text":")" + std::string(text) + "\"}",
         422, "text", "text holds a control character; only characters that can be seen go through");
   EXPECT_EQ(TakeSent(), "");
+}
+
+TEST_F(DisplayTest, MarkupOnTheGlassIsText) {
+  Result("lcd.write", R"({"address":"E","row":0,"column":0,"text":"<img src=x>"})");
+  EXPECT_EQ(TakeSent(), "aElPAp0000t<img src=x>");
 }
 
 TEST_F(DisplayTest, EachControlHasItsWord) {

@@ -149,13 +149,50 @@ TEST_F(NamesTest, SetupThatDoesNotFitChangesNothing) {
   EXPECT_TRUE(store.documents.empty());
 }
 
-TEST_F(NamesTest, ThePageKeepsWhatItWants) {
-  ExpectResult("page.get", "{}", "{}");
-  ExpectResult("page.set", R"({"page":{"order":["5","E"],"groups":{"Hall":["5.0"]}}})",
-               R"({"order":["5","E"], "groups":{"Hall":["5.0"]}})");
-  ExpectResult("page.get", "{}", R"({"order":["5","E"], "groups":{"Hall":["5.0"]}})");
-  ExpectProblem("page.set", R"({"page":{"a":")" + std::string(32'768, 'x') + "\"}}", 422, "page",
-                "the page keeps at most 32768 bytes");
+TEST_F(NamesTest, ThePageKeepsOrderHiddenCardsAndGroups) {
+  ExpectResult("page.get", "{}", R"({"order":[], "hidden":[], "groups":[]})");
+  ExpectResult("page.set",
+               R"({"page":{"order":["5","E"],"groups":[{"name":"Hall","cards":["5","3"]}]}})",
+               R"({"order":["5","E"], "hidden":[], "groups":[{"name":"Hall","cards":["5","3"]}]})");
+  EXPECT_EQ(LastNote(), "hub operator: order and groups of the page changed");
+  ExpectResult("page.set", R"({"page":{"hidden":["9"]}})",
+               R"({"order":[], "hidden":["9"], "groups":[]})");
+  ApplyAgain();
+  ExpectResult("page.get", "{}", R"({"order":[], "hidden":["9"], "groups":[]})");
+}
+
+TEST_F(NamesTest, AChangeOfThePageIsPublished) {
+  std::vector<model::Change> published;
+  bus.Listen([&published](const model::Change& change) { published.push_back(change); });
+  Result("page.set", R"({"page":{"order":["5"]}})");
+  ASSERT_EQ(published.size(), 1U);
+  EXPECT_TRUE(published[0].page);
+  EXPECT_FALSE(published[0].bus);
+}
+
+TEST_F(NamesTest, WhatThePageCannotKeepChangesNothing) {
+  const auto refused = [this](const std::string& page, const char* where, const char* detail) {
+    ExpectProblem("page.set", R"({"page":)" + page + "}", 422, where, detail);
+  };
+  refused(R"({"order":"5"})", "order", "order takes a list");
+  refused(R"({"hidden":[5]})", "hidden", R"(hidden takes addresses: "0" to "9", "A" to "F")");
+  refused(R"({"order":["e"]})", "order", R"(order takes addresses: "0" to "9", "A" to "F")");
+  refused(R"({"order":["5","E","5"]})", "order", "order has the card 5 twice");
+  refused(R"({"colours":[]})", "page", "page has order, hidden and groups, and nothing else");
+  refused(R"({"groups":["Hall"]})", "groups", "groups takes a list of objects");
+  refused(R"({"groups":[{"cards":[]}]})", "groups.name", "groups.name takes a text");
+  refused(R"({"groups":[{"name":""}]})", "groups.name",
+          "a text of 0 characters; groups.name takes 1 to 64");
+  refused(R"({"groups":[{"name":"a\n"}]})", "groups.name",
+          "groups.name holds a control character; only characters that can be seen go through");
+  refused(R"({"groups":[{"name":"Hall","colour":1}]})", "groups",
+          "groups has name and cards, and nothing else");
+  refused(R"({"groups":[{"name":"Hall","cards":["5"]},{"name":"Yard","cards":["5"]}]})",
+          "groups.cards", "groups.cards has the card 5 twice");
+  std::string many = R"({"name":"x"})";
+  for (int i = 0; i < 16; ++i) many += R"(,{"name":"x"})";
+  refused(R"({"groups":[)" + many + "]}", "groups", "17 groups; there may be 16");
+  EXPECT_TRUE(store.documents.empty());
 }
 
 TEST_F(NamesTest, ABackupHoldsAllThatWasSettled) {
@@ -165,7 +202,7 @@ TEST_F(NamesTest, ABackupHoldsAllThatWasSettled) {
   EXPECT_EQ(backup, Compact(R"({"version":1,
     "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}},
     "setup":{"cards":{"E":{"rows":2}}, "channels":{"F.3":{"unit":"V","max":5}}},
-    "page":{"order":["5"]}})"));
+    "page":{"order":["5"], "hidden":[], "groups":[]}})"));
   Result("names.set", "{}");
   Result("setup.set", "{}");
   Result("page.set", R"({"page":{}})");
@@ -187,6 +224,10 @@ TEST_F(NamesTest, ABackupIsPutBackWholeOrNotAtAll) {
           "there are cards and channels, and nothing else");
   refused(R"({"version":1,"names":{"cards":{"../../etc/passwd":"x"}},"setup":{},"page":{}})",
           "cards", "a card is named by its address: 0 to 9 or A to F");
+  refused(R"({"version":1,"names":{"cards":{"0":"Arm"}},"setup":{},"page":{"order":["/"]}})",
+          "order", R"(order takes addresses: "0" to "9", "A" to "F")");
+  refused(R"({"version":1,"names":{},"setup":{},"page":{"script":"x"}})", "page",
+          "page has order, hidden and groups, and nothing else");
   EXPECT_TRUE(store.documents.empty());
   EXPECT_EQ(bus.Names().Card(0).name, "");
 }
@@ -202,7 +243,10 @@ TEST_F(NamesTest, AKeptDocumentThatCannotBeReadIsPassedOverAndSaid) {
               "hub : the kept names cannot be read and are passed over: ");
   }
   store.documents["page"] = "{";
-  ExpectResult("page.get", "{}", "{}");
+  ApplyAgain();
+  ExpectResult("page.get", "{}", R"({"order":[], "hidden":[], "groups":[]})");
+  EXPECT_EQ(LastNote().substr(0, 80),
+            "hub : the kept order and groups of the page cannot be read and are passed over: ");
 }
 
 }  // namespace

@@ -45,7 +45,8 @@ class Checker {
       return CheckText(value, keyword, wanted, where);
     if (keyword == "minimum" || keyword == "maximum")
       return CheckNumber(value, keyword, wanted, where);
-    if (keyword == "items" || keyword == "minItems" || keyword == "maxItems")
+    if (keyword == "items" || keyword == "minItems" || keyword == "maxItems" ||
+        keyword == "uniqueItems")
       return CheckList(value, keyword, wanted, where);
     CheckObject(value, schema, keyword, wanted, where);
   }
@@ -111,6 +112,11 @@ class Checker {
       return Expect(list.size() >= wanted.to_number<size_t>(), where, keyword);
     if (keyword == "maxItems")
       return Expect(list.size() <= wanted.to_number<size_t>(), where, keyword);
+    if (keyword == "uniqueItems") {
+      for (auto it = list.begin(); it != list.end(); ++it)
+        Expect(std::find(std::next(it), list.end(), *it) == list.end(), where, keyword);
+      return;
+    }
     for (const json::value& item : list) Check(item, wanted.get_object(), where + "[]");
   }
 

@@ -28,7 +28,7 @@ TEST_F(ShapesTest, ABusThatWaitsForAPort) {
   EXPECT_EQ(ToText(BusJson(bus)),
             Compact(R"({"id":"3f9a21c0", "name":"bench", "seq":)" + sequence + R"(,
       "daemon":{"state":"waiting", "version":null, "since":null, "waiting_for":"io"},
-      "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"},
+      "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"}, "broker":null,
       "pace":null, "polling":false, "virtual":true})"));
 }
 
@@ -131,7 +131,17 @@ TEST_F(ShapesTest, AGlassAfterWhatWasSent) {
   glass.Control(protocol::LcdControl::kCursorOff);
   glass.Write(1, 1, "<b>");
   EXPECT_EQ(ToText(GlassJson(glass)),
-            R"({"rows":["    "," <b>"],"known":true,"light":true,"cursor":false,"blink":null})");
+            R"({"rows":["    "," <b>"],"known":true,"at":null,"light":true,)"
+            R"("cursor":false,"blink":null})");
+}
+
+TEST_F(ShapesTest, ABrokerThatRefusesSaysWhy) {
+  EXPECT_NE(ToText(BusJson(bus)).find(R"("broker":null,)"), std::string::npos);
+  bus.SetBroker(model::Broker{model::BrokerState::kRefused, "192.168.1.5", "wrong password"});
+  EXPECT_NE(
+      ToText(BusJson(bus))
+          .find(R"("broker":{"state":"refused","host":"192.168.1.5","detail":"wrong password"},)"),
+      std::string::npos);
 }
 
 TEST_F(ShapesTest, EachEvent) {
@@ -165,9 +175,9 @@ TEST_F(ShapesTest, ChangesTellWhatIsThereNow) {
   const auto number = [after](int more) {
     return std::to_string(after + static_cast<uint64_t>(more));
   };
-  EXPECT_EQ(ChangesText(bus, changes[0], 2), Compact(R"({"jsonrpc":"2.0", "method":"changes",
-    "params":{"after":)" + number(0) + R"(, "seq":)" +
-                                                     number(3) + R"(, "bus":null, "cards":[],
+  EXPECT_EQ(ChangesText(bus, {}, changes[0], 2), Compact(R"({"jsonrpc":"2.0", "method":"changes",
+    "params":{"after":)" + number(0) + R"(, "seq":)" + number(3) +
+                                                         R"(, "bus":null, "page":null, "cards":[],
       "channels":[
         {"id":"3.6", "name":null, "type":"contact", "value":true, "raw":1, "known":true,
          "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
@@ -187,17 +197,29 @@ TEST_F(ShapesTest, ChangesOfTheBusAndOfCardsAreWhole) {
   change.bus = true;
   change.cards = {0xE, 0x1};
   change.channels = {{0x1, 0}, {0xE, 0}};  // gone meanwhile, and never there
-  const std::string text = ToText(ChangesJson(bus, change, 0));
+  const std::string text = ToText(ChangesJson(bus, {}, change, 0));
   EXPECT_EQ(text.substr(0, 46), R"({"after":1,"seq":9,"bus":{"id":"3f9a21c0","nam)");
   EXPECT_NE(text.find(R"("cards":[{"address":"E",)"), std::string::npos);
   EXPECT_TRUE(text.ends_with(R"("blink":null}}],"channels":[],"events":[],"lost":0})"));
 }
 
+TEST_F(ShapesTest, AChangeOfThePageBringsWhatItKeeps) {
+  model::Change change;
+  change.after = 8;
+  change.sequence = 9;
+  change.page = true;
+  EXPECT_EQ(ToText(ChangesJson(bus, {{"order", {"E"}}}, change, 0)),
+            R"({"after":8,"seq":9,"bus":null,"page":{"order":["E"]},"cards":[],"channels":[],)"
+            R"("events":[],"lost":0})");
+}
+
 TEST_F(ShapesTest, ASnapshotHasNoEventsUnlessTheyAreAskedFor) {
   Report(0x8, 0, 0x00);
   Report(0x8, 0, 0x05);
-  EXPECT_TRUE(ToText(SnapshotJson(bus, std::nullopt)).ends_with(R"(],"events":[],"lost":0})"));
-  EXPECT_TRUE(ToText(SnapshotJson(bus, bus.Sequence())).ends_with(R"(],"events":[],"lost":0})"));
+  EXPECT_TRUE(ToText(SnapshotJson(bus, {}, std::nullopt))
+                  .ends_with(R"(],"page":{},"events":[],"lost":0})"));
+  EXPECT_TRUE(ToText(SnapshotJson(bus, {}, bus.Sequence()))
+                  .ends_with(R"(],"page":{},"events":[],"lost":0})"));
 }
 
 TEST_F(ShapesTest, ASnapshotCountsEventsThatAreGone) {
@@ -207,13 +229,13 @@ TEST_F(ShapesTest, ASnapshotCountsEventsThatAreGone) {
     Report(0x8, 0, 0x05);
     Report(0x8, 0, 0x00);
   }
-  EXPECT_TRUE(ToText(SnapshotJson(bus, after)).ends_with(R"(}],"lost":2})"));
+  EXPECT_TRUE(ToText(SnapshotJson(bus, {}, after)).ends_with(R"(}],"lost":2})"));
 }
 
 TEST_F(ShapesTest, ANumberThatTheBusHasNotReachedIsFromBeforeItsStart) {
   Report(0x8, 0, 0x00);
   Report(0x8, 0, 0x05);
-  EXPECT_TRUE(ToText(SnapshotJson(bus, 1'000'000))
+  EXPECT_TRUE(ToText(SnapshotJson(bus, {}, 1'000'000))
                   .ends_with(R"("event_type":"press","code":5}],"lost":0})"));
 }
 

@@ -45,6 +45,14 @@ TEST(LedgerTest, ACardThatChangedAsAWholeBringsItsChannels) {
   EXPECT_TRUE(ledger.After(0).channels.empty());
 }
 
+TEST(LedgerTest, WhatThePageKeepsIsHeardOnce) {
+  Ledger ledger;
+  ledger.Note({.after = 0, .sequence = 1, .page = true, .cards = {}, .channels = {}, .events = {}});
+  ledger.Note({.after = 1, .sequence = 2, .bus = true, .cards = {}, .channels = {}, .events = {}});
+  EXPECT_TRUE(ledger.After(0).page);
+  EXPECT_FALSE(ledger.After(1).page);
+}
+
 TEST(LedgerTest, OnlyTheLastChangeIsNextForItsReader) {
   Ledger ledger;
   ledger.Note({.after = 0, .sequence = 2, .bus = true, .cards = {}, .channels = {}, .events = {}});

@@ -59,7 +59,7 @@ awaitable<Reply> Subscribe(House& house, Request request) {
   std::optional<uint64_t> after;
   if (const auto* number = request.parameters.if_contains("after"))
     after = static_cast<uint64_t>(number->as_int64());
-  co_return Reply{SnapshotJson(house.bus, after), {}, house.bus.Sequence()};
+  co_return Reply{SnapshotJson(house.bus, house.page, after), {}, house.bus.Sequence()};
 }
 
 constexpr Parameter kName{"name", Type::kText, Place::kPath, true, ""};

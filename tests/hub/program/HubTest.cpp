@@ -1,88 +1,9 @@
 // qelm-hub as a process on a site: the daemon's ports again, and what outlives a restart.
 #include <signal.h>
 
-#include "SiteTest.h"
-#include "kit/Ports.h"
+#include "HubSite.h"
 
-namespace {
-
-constexpr int kTextCae = 5110;
-constexpr int kTextIo = 5111;
-constexpr int kTextMon = 5112;
-constexpr int kWeb = 5080;
-constexpr char kSettings[] = "/etc/qelm/qelm-hub.toml";
-
-// A client of a server that ends the connection.
-class WholeAnswer : public Client {
- public:
-  using Client::Client;
-  std::string ReadAll() {
-    while (ReadMore()) continue;
-    return Take(unread_.size());
-  }
-};
-
-class HubTest : public SiteTest {
- protected:
-  void TearDown() override {
-    if (HasFailure() && hub) std::cout << "--- hub\n" << hub->Errors();
-    hub.reset();
-    SiteTest::TearDown();
-  }
-
-  // Bus, daemon and hub; the lamps answer.
-  void StartAll() {
-    WriteConfig({.percent = "80", .poll = "TRUE"});
-    StartBus();
-    StartDaemon();
-    WriteFile(kSettings, "[daemon]\ncae = " + std::to_string(::kCae) +
-                             "\nio = " + std::to_string(::kIo) +
-                             "\nmon = " + std::to_string(::kMon) + "\nlog = \"" + kLogFile +
-                             "\"\n[store]\nfolder = \"/run/test/store\"\n");
-    StartHub();
-  }
-
-  void StartHub() {
-    hub.reset();
-    hub = std::make_unique<virtualbus::Program>(
-        folder_, QELM_HUB_BINARY,
-        std::vector<std::string>{"--config", kSettings, "--socket", "/run/test/hub.sock"});
-    ASSERT_TRUE(WaitUntil([] { return IsListening(kTextIo) && IsListening(kWeb); }));
-    ASSERT_TRUE(WaitUntil([this] {
-      return Ask("GET", "/api/cards/5").find(R"("state":"present")") != std::string::npos;
-    }));
-  }
-
-  // A request over HTTP and all of its answer.
-  static std::string Ask(const std::string& verb, const std::string& path,
-                         const std::string& body = "") {
-    WholeAnswer client(kWeb);
-    std::string request =
-        verb + " " + path + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n";
-    if (!body.empty())
-      request +=
-          "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
-          "\r\n";
-    client.Send(request + "\r\n" + body);
-    return client.ReadAll();
-  }
-
-  static Client Greeted(int port) {
-    Client client(port);
-    client.ExpectBytes(port == kTextCae
-                           ? "QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r"
-                       : port == kTextIo ? "QELM IO interface is ready\r\n\r"
-                                         : "QELM MON interface is ready\r\n\r");
-    return client;
-  }
-
-  std::unique_ptr<virtualbus::Program> hub;
-
- private:
-  TempDir folder_;
-};
-
-}  // namespace
+class HubTest : public HubSite {};
 
 TEST_F(HubTest, AConsoleClientGetsTheBytesOfTheDaemon) {
   StartAll();
