@@ -23,7 +23,6 @@ namespace websocket = boost::beast::websocket;
 namespace {
 
 constexpr uint64_t kLongestAnswer = 256 * 1024 * 1024;  // a backup; a message of the feed too
-constexpr char kSubscribe[] = R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe"})";
 
 // What a request says of the hub it is for: a name that is no host's has no place there.
 std::string HostHeader(const Target& target) {
@@ -36,6 +35,12 @@ template <typename Fields>
 void AddHeaders(const Target& target, Fields& fields) {
   fields.set(http::field::user_agent, "qelmctl");
   if (!target.token.empty()) fields.set(http::field::authorization, "Bearer " + target.token);
+}
+
+std::string Subscription(std::optional<int64_t> after) {
+  const std::string params =
+      after ? R"(,"params":{"after":)" + std::to_string(*after) + "}" : std::string();
+  return R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe")" + params + "}";
 }
 
 [[noreturn]] void FailReading(const Target& target, const Wire::Error& error) {
@@ -113,7 +118,8 @@ Reply Hub::Ask(std::string_view method, const std::string& path, std::string_vie
   return reply;
 }
 
-void Hub::Watch(const std::function<bool(const Reply& message)>& sink) {
+void Hub::Watch(std::optional<int64_t> after,
+                const std::function<bool(const Reply& message)>& sink) {
   Wire wire(target_);
   websocket::stream<Wire&, false> feed(wire);
   feed.set_option(websocket::stream_base::decorator(
@@ -129,7 +135,7 @@ void Hub::Watch(const std::function<bool(const Reply& message)>& sink) {
   }
   if (error) FailReading(target_, error);
   feed.text(true);
-  feed.write(boost::asio::buffer(std::string_view(kSubscribe)), error);
+  feed.write(boost::asio::buffer(Subscription(after)), error);
   wire.SetPatience(std::chrono::seconds(0));
   while (!error) {
     beast::flat_buffer buffer;

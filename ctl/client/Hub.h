@@ -7,6 +7,7 @@
 #include <boost/json/value.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,8 +37,9 @@ class Hub {
   Reply Get(const std::string& path) { return Ask("GET", path); }
 
   // Subscribes, and gives the reply and every notification after it, for as long as `sink` wants
-  // more. Throws Refusal, and Failure(kUnreachable) when the connection ends.
-  void Watch(const std::function<bool(const Reply& message)>& sink);
+  // more; with the events behind the number `after`. Throws Refusal, and Failure(kUnreachable)
+  // when the connection ends.
+  void Watch(std::optional<int64_t> after, const std::function<bool(const Reply& message)>& sink);
 
   const Target& Where() const { return target_; }
 

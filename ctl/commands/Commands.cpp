@@ -24,7 +24,7 @@ std::vector<Command> MakeCommands() {
       {"watch",
        "Print what changes, as it changes, until Ctrl-C",
        {{"WHAT", "a card or a channel; all without it", Meaning::kCardOrChannel, Count::kOptional}},
-       {},
+       {{"--once", "", "end with status 3 when the hub goes, in place of waiting for it"}},
        &Watch},
       {"get", "Print the value of a channel", {kChannel}, {}, &GetChannel},
       {"set",

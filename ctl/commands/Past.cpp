@@ -2,6 +2,7 @@
 #include <boost/json/array.hpp>
 #include <chrono>
 #include <iostream>
+#include <optional>
 #include <thread>
 
 #include "base/Failure.h"
@@ -103,12 +104,28 @@ int64_t PrintPage(const Session& session, const Reply& page, int64_t after) {
   return after;
 }
 
+// Nothing where the hub is not there at the moment; that it went is said once.
+std::optional<Reply> NextPage(Session& session, int64_t after, bool& is_gone) {
+  try {
+    Reply page = session.hub.Get("/api/journal?after=" + std::to_string(after));
+    is_gone = false;
+    return page;
+  } catch (const Failure& failure) {
+    if (failure.Status() != kUnreachable) throw;
+    if (!is_gone) std::cerr << "qelmctl: " << Printable(failure.what()) << "; trying again\n";
+    is_gone = true;
+    return std::nullopt;
+  }
+}
+
 [[noreturn]] void Follow(Session& session, int64_t after) {
+  bool is_gone = false;
   while (true) {
     std::this_thread::sleep_for(kJournalPause);
-    const Reply page = session.hub.Get("/api/journal?after=" + std::to_string(after));
-    if (!ItemsAt(page.data, "entries").empty()) session.PrintedJson(page);
-    after = PrintPage(session, page, after);
+    const auto page = NextPage(session, after, is_gone);
+    if (!page) continue;
+    if (!ItemsAt(page->data, "entries").empty()) session.PrintedJson(*page);
+    after = PrintPage(session, *page, after);
     if (!std::cout) throw Failure(kDone, "");
   }
 }

@@ -1,8 +1,14 @@
 // watch
+#include <algorithm>
 #include <boost/json/array.hpp>
+#include <chrono>
 #include <iostream>
+#include <optional>
+#include <thread>
 
+#include "base/Failure.h"
 #include "base/Json.h"
+#include "base/Text.h"
 #include "base/Times.h"
 #include "commands/All.h"
 #include "commands/Show.h"
@@ -13,6 +19,9 @@ namespace ctl {
 namespace json = boost::json;
 
 namespace {
+
+constexpr std::chrono::seconds kShortestPause{1};
+constexpr std::chrono::seconds kLongestPause{30};
 
 // What is looked at: everything, a card ("5"), or a channel ("5.0").
 class Selection {
@@ -56,6 +65,7 @@ class Watcher {
   bool Take(const Reply& message) {
     const json::value& result = At(message.data, "result");
     const json::value& change = result.is_null() ? At(message.data, "params") : result;
+    if (const auto number = NumberAt(change, "seq")) told_ = static_cast<int64_t>(*number);
     lines_.clear();
     AddBus(At(change, "bus"));
     for (const json::value& card : ItemsAt(change, "cards")) AddCard(card);
@@ -69,6 +79,9 @@ class Watcher {
     std::cout << (session_.json ? message.text + "\n" : lines_) << std::flush;
     return std::cout.good();
   }
+
+  // The number of the last change that came; nothing: none came yet.
+  std::optional<int64_t> Told() const { return told_; }
 
  private:
   void Add(const std::string& time, const std::string& text) {
@@ -98,6 +111,7 @@ class Watcher {
 
   const Session& session_;
   Selection selection_;
+  std::optional<int64_t> told_;
   std::string lines_;  // of the message at hand
 };
 
@@ -111,11 +125,34 @@ std::string FindSelection(Hub& hub, const std::string& word) {
   return FindByName(things, word, "card or channel");
 }
 
+// A hub that was there comes back after a restart, or with the network. What happened meanwhile
+// is told then.
+void WatchAgain(Hub& hub, Watcher& watcher) {
+  std::chrono::seconds pause = kShortestPause;
+  while (true) {
+    const auto told = watcher.Told();
+    try {
+      return hub.Watch(told, [&](const Reply& message) { return watcher.Take(message); });
+    } catch (const Failure& failure) {
+      if (failure.Status() != kUnreachable || !watcher.Told()) throw;
+      if (watcher.Told() != told) {
+        std::cerr << "qelmctl: " << Printable(failure.what()) << "; trying again\n";
+        pause = kShortestPause;
+      }
+    }
+    std::this_thread::sleep_for(pause);
+    pause = std::min(2 * pause, kLongestPause);
+  }
+}
+
 }  // namespace
 
 int Watch(Session& session, const Words& words) {
   Watcher watcher(session, Selection(FindSelection(session.hub, words["WHAT"])));
-  session.hub.Watch([&](const Reply& message) { return watcher.Take(message); });
+  if (words.Has("--once"))
+    session.hub.Watch({}, [&](const Reply& message) { return watcher.Take(message); });
+  else
+    WatchAgain(session.hub, watcher);
   return kDone;
 }
 

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -119,6 +120,12 @@ void FakeHub::Feed(std::vector<std::string> messages) {
   feed_ = std::move(messages);
 }
 
+void FakeHub::FeedOnce(std::vector<std::string> messages, std::vector<std::string> next) {
+  const std::lock_guard guard(lock_);
+  feed_ = std::move(messages);
+  next_feed_ = std::move(next);
+}
+
 std::vector<FakeHub::Request> FakeHub::Requests() {
   const std::lock_guard guard(lock_);
   return requests_;
@@ -197,6 +204,7 @@ void FakeHub::ServeFeed(int fd, const Request& request) {
     const std::lock_guard guard(lock_);
     requests_.push_back({.line = "subscription", .headers = {}, .body = text});
     messages = feed_;
+    if (next_feed_) feed_ = *std::exchange(next_feed_, std::nullopt);
   }
   for (const std::string& message : messages) Send(fd, Frame(message));
   shutdown(fd, SHUT_RDWR);

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -27,6 +28,8 @@ class FakeHub {
   void Answer(const std::string& line, const std::string& body, int status = 200);
   // What goes to whoever subscribes; the connection is closed behind it.
   void Feed(std::vector<std::string> messages);
+  // The same to the first one; who comes then gets the next.
+  void FeedOnce(std::vector<std::string> messages, std::vector<std::string> next);
 
   // What came, in order.
   std::vector<Request> Requests();
@@ -54,6 +57,7 @@ class FakeHub {
   std::mutex lock_;  // of all below
   std::map<std::string, Scripted> answers_;
   std::vector<std::string> feed_;
+  std::optional<std::vector<std::string>> next_feed_;
   std::vector<Request> requests_;
   std::vector<int> open_;
   std::vector<std::jthread> threads_;

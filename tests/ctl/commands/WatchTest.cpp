@@ -26,6 +26,7 @@ class Watch : public testing::Test {
 
   Outcome Run(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"--socket", hub.SocketPath()});
+    arguments.emplace_back("--once");
     return RunCtl(arguments, {}, {{"TZ", "UTC"}});
   }
 
@@ -78,9 +79,27 @@ TEST_F(Watch, AConnectionThatEndsIsStatusThree) {
   EXPECT_NE(outcome.err.find("the connection ended"), std::string::npos) << outcome.err;
 }
 
+constexpr char kRefused[] =
+    R"({"jsonrpc":"2.0","id":1,"error":{"code":-32000,"message":"role","data":)"
+    R"({"title":"role","status":403,"detail":"this wants the role view"}}})";
+
+// The second hub ends it with a refusal.
+TEST_F(Watch, AHubThatComesBackIsAskedForWhatWasMissed) {
+  hub.FeedOnce({kState, kLampOn}, {kRefused});
+  const Outcome outcome =
+      RunCtl({"--socket", hub.SocketPath(), "watch", "5.0"}, {}, {{"TZ", "UTC"}});
+  EXPECT_EQ(outcome.out,
+            "12:00:00.000  5.0  Lamp  off\n"
+            "12:00:01.250  5.0  Lamp  on\n");
+  EXPECT_NE(outcome.err.find("the connection ended"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("; trying again\n"), std::string::npos) << outcome.err;
+  EXPECT_EQ(hub.LastBody("subscription"),
+            R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe","params":{"after":11}})");
+  EXPECT_EQ(outcome.status, 1);
+}
+
 TEST_F(Watch, ARefusedSubscriptionIsStatusOne) {
-  hub.Feed({R"({"jsonrpc":"2.0","id":1,"error":{"code":-32000,"message":"role","data":)"
-            R"({"title":"role","status":403,"detail":"this wants the role view"}}})"});
+  hub.Feed({kRefused});
   const Outcome outcome = Run({"watch"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.err.find("this wants the role view"), std::string::npos) << outcome.err;
@@ -94,7 +113,7 @@ TEST_F(Watch, ARefusedConnectionIsStatusOne) {
 }
 
 TEST_F(Watch, CarriesTheToken) {
-  RunCtl({"--url", hub.Url(), "watch"}, {}, {{"QELMCTL_TOKEN", "s3cret"}});
+  RunCtl({"--url", hub.Url(), "watch", "--once"}, {}, {{"QELMCTL_TOKEN", "s3cret"}});
   EXPECT_NE(hub.Requests().front().headers.find("Authorization: Bearer s3cret\r\n"),
             std::string::npos);
 }
