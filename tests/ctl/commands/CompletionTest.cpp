@@ -69,4 +69,28 @@ TEST_F(Completion, BashQuotesWhatNeedsIt) {
   EXPECT_EQ(ReadFile(folder.Path("out")), "Big\\ lamp\n");
 }
 
+// Both shells with a person at the keyboard: what stands behind Tab is on the line then.
+TEST_F(Completion, ZshCompletesAtTheKeyboard) {
+  const TempDir folder;
+  const std::string script = folder.Write(
+      "keyboard.zsh",
+      "zmodload zsh/zpty\n"
+      "export ZDOTDIR=" +
+          folder.Path("") +
+          " TERM=dumb\n"
+          "zpty -b shell zsh -f -i\n"
+          "zpty -w shell 'fpath=(" COMPLETIONS
+          " $fpath); autoload -U compinit; compinit -u -D'\n"
+          "zpty -w shell 'qelmctl() { " QELMCTL
+          " \"$@\" }; print rea''dy'\n"
+          "seen=\n"
+          "until [[ $seen == *ready* ]]; do zpty -r shell out && seen+=$out; sleep 0.02; done\n"
+          "zpty -n -w shell $'qelmctl --socket " +
+          hub.SocketPath() +
+          " set big\\t'\n"
+          "until [[ $seen == *'Big\\ lamp'* ]]; do zpty -r shell out && seen+=$out; sleep 0.02; "
+          "done\n");
+  EXPECT_EQ(std::system(("timeout 60 zsh -f " + script + " </dev/null").c_str()), 0);
+}
+
 }  // namespace
