@@ -109,9 +109,12 @@ Findings CheckBroker(const Facts& facts) {
   const json::value& broker = At(facts.hub.bus, "broker");
   const std::string state = TextAt(broker, "state");
   if (facts.hub.bus.is_null()) return {{Verdict::kUnseen, "only the hub knows it", {}}};
-  if (state.empty() || state == "none") return {{Verdict::kWell, "none is set", {}}};
-  if (state == "up" || state == "connected") return {{Verdict::kWell, "the hub has it", {}}};
-  return {{Verdict::kWrong, "the hub does not reach it (" + state + ")",
+  if (state.empty()) return {{Verdict::kWell, "none is set", {}}};
+  const std::string host = TextAt(broker, "host");
+  if (state == "up") return {{Verdict::kWell, "the hub has the one at " + host, {}}};
+  const std::string why = TextAt(broker, "detail");
+  return {{Verdict::kWrong,
+           "the hub does not have the one at " + host + ": " + (why.empty() ? state : why),
            "see [broker] in /etc/qelm/qelm-hub.toml, and the broker's own log"}};
 }
 

@@ -276,6 +276,15 @@ TEST_F(Doctor, APagePortThatAnotherProgramHas) {
   ExpectWrong("page", "port 5080 belongs to");
 }
 
+TEST_F(Doctor, ABrokerThatRefusesTheHub) {
+  StartQuietSite();
+  hub->Answer("GET /api/bus",
+              R"({"name":"bench","daemon":{"state":"up","version":"1.20","waiting_for":null},)"
+              R"("broker":{"state":"refused","host":"10.0.0.5","detail":"wrong password"}})");
+  Examine();
+  ExpectWrong("broker", "the hub does not have the one at 10.0.0.5: wrong password");
+}
+
 TEST_F(Doctor, ABusWithoutCards) {
   StartQuietSite();
   hub->Answer("GET /api/cards", R"({"cards":[]})");
