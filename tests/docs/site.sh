@@ -1,4 +1,5 @@
-# shellcheck shell=bash disable=SC2154 # who sources it gives what stands below
+#!/bin/bash
+# shellcheck disable=SC2154 # who sources it gives what stands below
 # To be sourced: a site of its own inside the sandbox, with a card of each kind.
 #
 # build: has qelm, qelm-bus, and qelm-hub where that is wanted
