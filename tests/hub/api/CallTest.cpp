@@ -155,8 +155,9 @@ TEST_F(CallTest, NoTextOfAnyMethodBringsALineEndOrANul) {
   for (const Method& method : Methods()) {
     if (method.role == Role::kNone) continue;
     json::object others;
-    if (!method.request_example.empty())
+    if (!method.request_example.empty()) {
       EXPECT_FALSE(AddBody(method, json::parse(method.request_example), others)) << method.name;
+    }
     for (const Parameter& parameter : method.parameters)
       if (parameter.place == Place::kPath) others[parameter.name] = "5";
     for (const Parameter& parameter : method.parameters) {

@@ -20,8 +20,8 @@ class WholeAnswer : public Stream {
 
 std::string RequestText(const std::string& verb, const std::string& path, const std::string& body,
                         const std::string& headers) {
-  std::string request = verb + ' ' + path + " HTTP/1.1\r\nHost: localhost\r\n" + headers +
-                        "Connection: close\r\n";
+  std::string request = verb + ' ' + path + " HTTP/1.1\r\nHost: localhost\r\n" + headers;
+  if (headers.find("Connection: ") == std::string::npos) request += "Connection: close\r\n";
   if (!body.empty())
     request +=
         "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
@@ -94,10 +94,9 @@ int HubSite::StatusOf(const std::string& answer) {
 }
 
 void HubSite::AddAccount(const std::string& name, const std::string& role) {
-  const std::string answer =
-      AskLocally("POST", "/api/accounts",
-                 R"({"account":")" + name + R"(","password":"correct horse","role":")" + role +
-                     R"("})");
+  const std::string answer = AskLocally(
+      "POST", "/api/accounts",
+      R"({"account":")" + name + R"(","password":"correct horse","role":")" + role + R"("})");
   EXPECT_EQ(StatusOf(answer), 200) << answer;
 }
 

@@ -25,7 +25,7 @@ class HubSite : public SiteTest {
   static void WriteSettings(const std::string& more_settings = "");
   // Another process where one was running; what it is started by may stand in front.
   void LaunchHub(const std::vector<std::string>& in_front = {});
-  void StartHub();  // and waits until it serves the lamps
+  void StartHub();                         // and waits until it serves the lamps
   void SayHup(const std::string& answer);  // reads its settings again, and says so
 
   // A request over HTTP and all of its answer.

@@ -92,7 +92,7 @@ TEST_F(LoginTest, NoWebSocketOpensWithoutALogin) {
   StartWithAccount();
   const std::string upgrade =
       "Upgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
-      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nConnection: Upgrade\r\n";
+      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nConnection: Upgrade, close\r\n";
   EXPECT_EQ(StatusOf(Ask("GET", "/api/live", "", upgrade)), 401);
   EXPECT_EQ(StatusOf(Ask("GET", "/api/live?ticket=x", "", upgrade)), 401);
 }
@@ -124,7 +124,8 @@ TEST_F(LoginTest, ALoginBringsACookieThatOpensTheDoors) {
   const size_t at = answer.find("Set-Cookie: ") + 12;
   const std::string cookie = "Cookie: " + answer.substr(at, answer.find(';', at) - at) + "\r\n";
   EXPECT_EQ(StatusOf(Ask("GET", "/api/bus", "", cookie)), 200);
-  EXPECT_EQ(StatusOf(Ask("POST", "/api/bus/discover", "", cookie)), 200) << "without a body or type";
+  EXPECT_EQ(StatusOf(Ask("POST", "/api/bus/discover", "", cookie)), 200)
+      << "without a body or type";
   EXPECT_EQ(StatusOf(Ask("DELETE", "/api/session", "", cookie)), 200);
   EXPECT_EQ(StatusOf(Ask("GET", "/api/bus", "", cookie)), 401);
 }
@@ -145,8 +146,7 @@ TEST_F(LoginTest, WhatOthersReachIsNotServedBeforeThereIsAnAccountAndTls) {
     return hub->Errors();
   };
   ASSERT_EQ(std::system("ip address add 10.9.8.7/32 dev lo"), 0);
-  const std::string both =
-      "that takes `certificate` and `key`, or `insecure-http = true`";
+  const std::string both = "that takes `certificate` and `key`, or `insecure-http = true`";
   std::string why = refusal("");
   EXPECT_NE(why.find(both), std::string::npos) << why;
   why = refusal("insecure-http = true\n");
@@ -158,8 +158,7 @@ TEST_F(LoginTest, WhatOthersReachIsNotServedBeforeThereIsAnAccountAndTls) {
   AddAccount("operator", "admin");
   hub->Signal(SIGTERM);
   EXPECT_EQ(hub->WaitForExit(), 0);
-  WriteSettings(
-      "[http]\nlisten = [\"127.0.0.1:5080\", \"10.9.8.7:5080\"]\ninsecure-http = true\n");
+  WriteSettings("[http]\nlisten = [\"127.0.0.1:5080\", \"10.9.8.7:5080\"]\ninsecure-http = true\n");
   StartHub();
   EXPECT_NE(hub->Errors().find("listening on 10.9.8.7:5080"), std::string::npos);
 }

@@ -69,6 +69,16 @@ TEST_F(ServiceTest, ItTellsItsManagerWhenItIsReadyReloadsAndStops) {
   EXPECT_EQ(hub->WaitForExit(), 0);
 }
 
+// The journal's last entries are gathered for up to a minute: the end is not.
+TEST_F(ServiceTest, ItEndsAtOnceAndLosesNothingOfTheJournal) {
+  StartAll();
+  hub->Signal(SIGTERM);
+  EXPECT_TRUE(WaitUntil([&] { return !hub->IsRunning(); }, std::chrono::seconds(30)));
+  StartHub();
+  const std::string journal = AskLocally("GET", "/api/journal?limit=1000");
+  EXPECT_NE(journal.find(R"("kind":"hub","text":"stopped")"), std::string::npos) << journal;
+}
+
 TEST_F(ServiceTest, ItTellsTheWatchdogThatItLives) {
   Manager manager;
   setenv("WATCHDOG_USEC", "200000", 1);
@@ -86,9 +96,9 @@ TEST_F(ServiceTest, ASocketOfItsManagerIsServed) {
   ASSERT_EQ(listen(listener, 16), 0);
   WriteSettings();
   // The third descriptor, and the process that it is meant for.
-  LaunchHub({"/bin/bash", "-c",
-             "export LISTEN_PID=$$ LISTEN_FDS=1; exec \"$0\" \"$@\" 3<&" +
-                 std::to_string(listener)});
+  LaunchHub(
+      {"/bin/bash", "-c",
+       "export LISTEN_PID=$$ LISTEN_FDS=1; exec \"$0\" \"$@\" 3<&" + std::to_string(listener)});
   EXPECT_EQ(StatusOf(AskLocally("GET", "/api/bus")), 200);
   hub->Signal(SIGTERM);
   EXPECT_EQ(hub->WaitForExit(), 0);
@@ -124,7 +134,7 @@ TEST_F(ServiceTest, AFileWithErrorsChangesNothing) {
   StartAll("[names]\n\"5\" = \"Relays\"\n");
   WriteSettings("[names]\n\"5\" = \"Lights\"\n\"G\" = \"x\"\n");
   SayHup("settings are not read again: the file has errors\n");
-  EXPECT_NE(hub->Errors().find("qelm-hub.toml:9:1: "), std::string::npos) << hub->Errors();
+  EXPECT_NE(hub->Errors().find("qelm-hub.toml:10:7: "), std::string::npos) << hub->Errors();
   EXPECT_NE(AskLocally("GET", "/api/cards/5").find(R"("name":"Relays")"), std::string::npos);
 }
 

@@ -11,7 +11,8 @@ class VirtualBusTest : public HubSite {
   void ExpectStatus(const std::string& text) {
     EXPECT_TRUE(WaitUntil([&] {
       return AskLocally("GET", "/api/virtual-bus").find(text) != std::string::npos;
-    })) << text << '\n'
+    })) << text
+        << '\n'
         << AskLocally("GET", "/api/virtual-bus");
   }
 };
