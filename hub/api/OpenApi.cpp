@@ -24,7 +24,7 @@ struct Tag {
   std::string_view summary;
 };
 
-constexpr std::array<Tag, 17> kTags{{
+constexpr std::array<Tag, 18> kTags{{
     {"bus", "The bus as a whole"},
     {"cards", "Cards and what is on them"},
     {"card", "What an administrator does with one card"},
