@@ -9,36 +9,46 @@ using protocol::IoCommand;
 
 namespace {
 
-size_t SizeOnLine(const IoCommand& command) {
-  return protocol::Format(command).size() + protocol::kLineEnd.size();
-}
+// The bus may be slower than the hub thinks. What only merges loses nothing by a longer round, and
+// what has gathered in the daemon gets out.
+std::chrono::microseconds RoundOfFlood(std::chrono::microseconds round) { return round * 4 / 3; }
 
 }  // namespace
 
-std::optional<Ticket> Outbox::Offer(const IoCommand& command) {
+std::optional<Ticket> Outbox::Offer(const IoCommand& command, SteadyTime now) {
   CardQueue& queue = queues_[protocol::AddressOf(command)];
-  if (queue.levels.empty() && queue.waiting.size() < kMostWaiting) {
+  if (queue.IsEmpty() && queue.free_at <= now) queue.is_flooded = false;
+  const auto* block = std::get_if<protocol::WriteBlock>(&command);
+  const bool has_place = queue.levels.empty() && queue.waiting.size() < kMostWaiting;
+  if (has_place && !(block != nullptr && queue.is_flooded)) {
     queue.waiting.push_back({command, {++last_ticket_}});
     return last_ticket_;
   }
-  const auto* block = std::get_if<protocol::WriteBlock>(&command);
   if (block == nullptr) return std::nullopt;
-  const auto [level, is_new] = queue.levels.try_emplace(block->block);
-  if (!is_new) ++merged_count_;
-  level->second.command = command;
-  level->second.tickets.push_back(++last_ticket_);
+  return Merge(queue, *block);
+}
+
+Ticket Outbox::Merge(CardQueue& queue, const protocol::WriteBlock& block) {
+  queue.is_flooded = true;
+  auto level = std::ranges::find_if(queue.levels, [&block](const Entry& entry) {
+    return std::get<protocol::WriteBlock>(entry.command).block == block.block;
+  });
+  if (level == queue.levels.end())
+    level = queue.levels.emplace(level);
+  else
+    ++merged_count_;
+  level->command = block;
+  level->tickets.push_back(++last_ticket_);
   return last_ticket_;
 }
 
-const Outbox::Entry& Outbox::Next(const CardQueue& queue) {
-  return queue.waiting.empty() ? queue.levels.begin()->second : queue.waiting.front();
+std::deque<Outbox::Entry>& Outbox::NextIn(CardQueue& queue) {
+  return queue.waiting.empty() ? queue.levels : queue.waiting;
 }
 
-Outbox::Entry Outbox::TakeNext(CardQueue& queue) {
-  if (queue.waiting.empty()) return std::move(queue.levels.extract(queue.levels.begin()).mapped());
-  Entry entry = std::move(queue.waiting.front());
-  queue.waiting.pop_front();
-  return entry;
+size_t Outbox::SizeOfNext(const CardQueue& queue) {
+  const Entry& next = queue.waiting.empty() ? queue.levels.front() : queue.waiting.front();
+  return protocol::Format(next.command).size() + protocol::kLineEnd.size();
 }
 
 std::string Outbox::TakeDue(SteadyTime now) {
@@ -46,17 +56,18 @@ std::string Outbox::TakeDue(SteadyTime now) {
   for (size_t i = 0; i < queues_.size(); ++i) {
     CardQueue& queue = queues_[(first_card_ + i) % queues_.size()];
     if (queue.IsEmpty() || queue.free_at > now) continue;
-    const size_t size = SizeOnLine(Next(queue).command);
+    const size_t size = SizeOfNext(queue);
     if (bytes_under_way_ + size > protocol::kMostBytesUnderWay) {
       first_card_ = (first_card_ + i) % queues_.size();
       return lines;
     }
-    UnderWay sent{protocol::Format(Next(queue).command), TakeNext(queue)};
-    lines += sent.line;
+    std::deque<Entry>& next = NextIn(queue);
+    under_way_.push_back({protocol::Format(next.front().command), std::move(next.front())});
+    next.pop_front();
+    lines += under_way_.back().line;
     lines += protocol::kLineEnd;
-    under_way_.push_back(std::move(sent));
     bytes_under_way_ += size;
-    queue.free_at = now + round_;
+    queue.free_at = now + (queue.is_flooded ? RoundOfFlood(round_) : round_);
   }
   return lines;
 }
@@ -65,7 +76,7 @@ std::optional<SteadyTime> Outbox::NextDue() const {
   std::optional<SteadyTime> next;
   for (const CardQueue& queue : queues_) {
     if (queue.IsEmpty()) continue;
-    if (bytes_under_way_ + SizeOnLine(Next(queue).command) > protocol::kMostBytesUnderWay) continue;
+    if (bytes_under_way_ + SizeOfNext(queue) > protocol::kMostBytesUnderWay) continue;
     next = next ? std::min(*next, queue.free_at) : queue.free_at;
   }
   return next;
@@ -93,7 +104,7 @@ std::vector<Ticket> Outbox::Abandon() {
   for (const UnderWay& sent : under_way_) add(sent.entry);
   for (CardQueue& queue : queues_) {
     for (const Entry& entry : queue.waiting) add(entry);
-    for (const auto& [block, entry] : queue.levels) add(entry);
+    for (const Entry& entry : queue.levels) add(entry);
     queue = {};
   }
   std::ranges::sort(tickets);

@@ -7,14 +7,16 @@
 //   Offer ──> waiting (by card) ──TakeDue──> under way ──TakeEcho──> received
 //
 // Up to 64 commands a card wait as they came. Behind them blocks are merged, the last value of
-// each counts, and a text or a code is refused. Pure: time comes in as an argument.
+// each counts, and a text or a code is refused. A card that had more than it takes goes on
+// merging until nothing has waited for a round: else clients that go on flooding would fill the
+// 64 places again and again, and each value would be as late as 64 rounds. Pure: time comes in as
+// an argument.
 #pragma once
 
 #include <array>
 #include <chrono>
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,7 +43,7 @@ class Outbox {
   };
 
   // Nothing where the card takes no more: too fast.
-  std::optional<Ticket> Offer(const protocol::IoCommand& command);
+  std::optional<Ticket> Offer(const protocol::IoCommand& command, SteadyTime now);
 
   // The round of the bus, as the pace makes it.
   void SetRound(std::chrono::microseconds round) { round_ = round; }
@@ -72,14 +74,16 @@ class Outbox {
     Entry entry;
   };
   struct CardQueue {
-    std::deque<Entry> waiting;        // in the order in which they came
-    std::map<uint8_t, Entry> levels;  // behind them, by block
-    SteadyTime free_at{};             // the card's next round
+    std::deque<Entry> waiting;  // in the order in which they came
+    std::deque<Entry> levels;   // behind them, one a block; the one that waits longest first
+    bool is_flooded = false;    // blocks are merged even where nothing waits before them
+    SteadyTime free_at{};       // the card's next round
     bool IsEmpty() const { return waiting.empty() && levels.empty(); }
   };
 
-  static Entry TakeNext(CardQueue& queue);
-  static const Entry& Next(const CardQueue& queue);
+  static std::deque<Entry>& NextIn(CardQueue& queue);
+  static size_t SizeOfNext(const CardQueue& queue);
+  Ticket Merge(CardQueue& queue, const protocol::WriteBlock& block);
 
   std::chrono::microseconds round_{5000};
   std::array<CardQueue, protocol::kCardCount> queues_;

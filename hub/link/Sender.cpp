@@ -41,7 +41,7 @@ Receipt Sender::Answered(Outcome outcome) const {
 
 Receipt Sender::Offer(const protocol::IoCommand& command, bool is_doubtful) {
   if (!is_open_) return Answered(Outcome::kAbsent);
-  const auto ticket = outbox_.Offer(command);
+  const auto ticket = outbox_.Offer(command, Clock::now());
   if (!ticket) {
     ++refused_count_;
     return Answered(Outcome::kTooFast);

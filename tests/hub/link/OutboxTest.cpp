@@ -18,7 +18,7 @@ class OutboxTest : public testing::Test {
  protected:
   OutboxTest() { outbox.SetRound(10ms); }
 
-  Ticket Offer(const protocol::IoCommand& command) { return outbox.Offer(command).value(); }
+  Ticket Offer(const protocol::IoCommand& command) { return outbox.Offer(command, now).value(); }
   std::string TakeDue() { return outbox.TakeDue(now); }
 
   // Whom the echo of this line is for.
@@ -30,6 +30,15 @@ class OutboxTest : public testing::Test {
   // Fills the card's queue so that what comes next is merged.
   void FillCard(uint8_t address) {
     for (size_t i = 0; i < Outbox::kMostWaiting; ++i) Offer(WriteBlock{address, 0, 0});
+  }
+
+  // Takes out, and receives, what FillCard has put in.
+  void DrainCard(std::string_view line) {
+    for (size_t i = 0; i < Outbox::kMostWaiting; ++i) {
+      TakeDue();
+      EXPECT_EQ(Echo(line).size(), 1U);
+      now += 20ms;
+    }
   }
 
   SteadyTime now{1h};
@@ -103,13 +112,46 @@ TEST_F(OutboxTest, BehindSixtyFourCommandsTheLastValueOfABlockCounts) {
   const Ticket early = Offer(WriteBlock{5, 1, 0x01});
   const Ticket late = Offer(WriteBlock{5, 1, 0x02});
   EXPECT_EQ(outbox.MergedCount(), 1U);
-  for (size_t i = 0; i < Outbox::kMostWaiting; ++i) {
-    EXPECT_EQ(TakeDue(), "a5b0d00\r\n");
-    Echo("a5b0d00");
-    now += 10ms;
-  }
+  DrainCard("a5b0d00");
   EXPECT_EQ(TakeDue(), "a5b1d02\r\n");
   EXPECT_EQ(Echo("a5b1d02"), (Tickets{early, late}));
+}
+
+TEST_F(OutboxTest, MergedBlocksTakeTurns) {
+  FillCard(0);
+  for (uint8_t block = 0; block < 3; ++block) Offer(WriteBlock{0, block, 0x01});
+  DrainCard("a0b0d00");
+  EXPECT_EQ(TakeDue(), "a0b0d01\r\n");
+  Offer(WriteBlock{0, 0, 0x02});  // behind those that wait longer
+  now += 20ms;
+  EXPECT_EQ(TakeDue(), "a0b1d01\r\n");
+  now += 20ms;
+  EXPECT_EQ(TakeDue(), "a0b2d01\r\n");
+  now += 20ms;
+  EXPECT_EQ(TakeDue(), "a0b0d02\r\n");
+}
+
+TEST_F(OutboxTest, AFloodedCardMergesUntilNothingHasWaitedForARound) {
+  FillCard(5);
+  Offer(WriteBlock{5, 0, 0x01});
+  DrainCard("a5b0d00");
+  EXPECT_EQ(TakeDue(), "a5b0d01\r\n");
+  Offer(WriteBlock{5, 0, 0x02});
+  Offer(WriteBlock{5, 0, 0x03});
+  EXPECT_EQ(outbox.MergedCount(), 1U);
+  now += 20ms;
+  EXPECT_EQ(TakeDue(), "a5b0d03\r\n");
+  now += 20ms;
+  Offer(WriteBlock{5, 0, 0x04});
+  Offer(WriteBlock{5, 0, 0x05});
+  EXPECT_EQ(outbox.MergedCount(), 1U);
+}
+
+TEST_F(OutboxTest, AFloodedCardGetsALongerRound) {
+  FillCard(5);
+  Offer(WriteBlock{5, 1, 0x01});
+  TakeDue();
+  EXPECT_GT(outbox.NextDue(), now + 12ms);
 }
 
 TEST_F(OutboxTest, NoCommandOvertakesAMergedOne) {
@@ -122,11 +164,11 @@ TEST_F(OutboxTest, NoCommandOvertakesAMergedOne) {
 
 TEST_F(OutboxTest, ATextOrACodeTooManyIsRefused) {
   FillCard(14);
-  EXPECT_EQ(outbox.Offer(WriteText{14, 0, 0, "x"}), std::nullopt);
-  EXPECT_EQ(outbox.Offer(ControlLcd{14, LcdControl::kClear}), std::nullopt);
+  EXPECT_EQ(outbox.Offer(WriteText{14, 0, 0, "x"}, now), std::nullopt);
+  EXPECT_EQ(outbox.Offer(ControlLcd{14, LcdControl::kClear}, now), std::nullopt);
   FillCard(9);
-  EXPECT_EQ(outbox.Offer(SendInfrared{9, {0x43}}), std::nullopt);
-  EXPECT_NE(outbox.Offer(WriteText{15, 0, 0, "x"}), std::nullopt);  // another card
+  EXPECT_EQ(outbox.Offer(SendInfrared{9, {0x43}}, now), std::nullopt);
+  EXPECT_NE(outbox.Offer(WriteText{15, 0, 0, "x"}, now), std::nullopt);  // another card
 }
 
 TEST_F(OutboxTest, AtTheEndOfTheSessionWhatWasNotReceivedIsNamed) {
