@@ -1,5 +1,6 @@
 #include "link/LogState.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 
@@ -10,7 +11,7 @@ using protocol::LogEvent;
 
 namespace {
 
-// A hub that stayed for so long after the record had begun anew has restored the outputs.
+// A hub that was there for so long after the record had begun anew has restored the outputs.
 constexpr double kRestoring = 5;  // seconds
 
 double SecondsBetween(const std::string& early, const std::string& late) {
@@ -29,9 +30,11 @@ double SecondsBetween(const std::string& early, const std::string& late) {
 
 void LogState::TakeOld(const protocol::LogLine& line) {
   Take(line);
-  if (line.event == LogEvent::kIoLeft && has_begun_anew_ &&
-      SecondsBetween(anew_at_, line.time) > kRestoring)
-    has_begun_anew_ = false;
+  if (line.event == LogEvent::kIoCame) came_at_ = line.time;
+  if (line.event != LogEvent::kIoLeft || !has_begun_anew_) return;
+  is_untouched_ = false;
+  const std::string& begin = std::max(anew_at_, came_at_);
+  if (SecondsBetween(begin, line.time) > kRestoring) has_begun_anew_ = false;
 }
 
 void LogState::Take(const protocol::LogLine& line) {
@@ -57,6 +60,7 @@ void LogState::Take(const protocol::LogLine& line) {
   }
   if (line.event == LogEvent::kDaemonStarted || line.event == LogEvent::kAdapterFound) {
     has_begun_anew_ = true;
+    is_untouched_ = true;
     anew_at_ = line.time;
   }
 }

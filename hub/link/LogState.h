@@ -20,15 +20,19 @@ class LogState {
   const model::Adapter& AdapterNow() const { return adapter_; }
   std::optional<std::chrono::microseconds> Pause() const { return pause_; }
 
-  // A new process, or a discovery: the record of outputs is at its start values.
+  // A new process, or a discovery: the record of outputs is at its start values, or what a hub
+  // that did not stay long made of it.
   bool HasBegunAnew() const { return has_begun_anew_; }
+  bool IsRecordUntouched() const { return has_begun_anew_ && is_untouched_; }
   void NoteRestored() { has_begun_anew_ = false; }
 
  private:
   model::Adapter adapter_;
   std::optional<std::chrono::microseconds> pause_;
   bool has_begun_anew_ = false;
-  std::string anew_at_;  // the time of the line that said so
+  bool is_untouched_ = false;  // by an IO client since then
+  std::string came_at_;        // the last IO client
+  std::string anew_at_;        // the time of the line that said so
 };
 
 }  // namespace hub::link

@@ -212,10 +212,12 @@ void Survey::SettleWhenFound() {
 }
 
 void Survey::ReleaseNow() {
-  if (log_.HasBegunAnew())
+  if (log_.IsRecordUntouched())
     Release(Outputs::Record::kAtStart);
+  else if (log_.HasBegunAnew() || has_released_)
+    Release(Outputs::Record::kUnknown);
   else
-    Release(has_released_ ? Outputs::Record::kUnknown : Outputs::Record::kOfAnEarlierHub);
+    Release(Outputs::Record::kOfAnEarlierHub);
 }
 
 void Survey::Release(Outputs::Record record) {

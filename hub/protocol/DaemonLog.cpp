@@ -26,6 +26,7 @@ constexpr std::array<Message, 13> kMessages{{
     {"unable to  open ", " for hardware communication", true, LogEvent::kAdapterMissing},
     {"unable to  write to ", "", true, LogEvent::kAdapterLost},
     {"Initparam Speed (ThreadDelay): ", "", false, LogEvent::kPaceSet},
+    {"client is connected on IO interface from ", "", false, LogEvent::kIoCame},
     {"connection is closed by client on IO interface", "", false, LogEvent::kIoLeft},
     {"connection is closed by command on IO interface", "", false, LogEvent::kIoLeft},
 }};

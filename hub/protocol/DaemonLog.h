@@ -15,6 +15,7 @@ enum class LogEvent {
   kAdapterLost,      // an exchange has timed out, the device is closed
   kAdapterMissing,   // no device, or none that could be opened
   kPaceSet,          // the pause of the configuration
+  kIoCame,           // a client of the IO port
   kIoLeft,           // and has left it
 };
 

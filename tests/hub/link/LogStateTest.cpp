@@ -57,6 +57,22 @@ TEST_F(LogStateTest, AnEarlierHubThatLeftAtOnceHasNot) {
   EXPECT_TRUE(log.HasBegunAnew());
 }
 
+TEST_F(LogStateTest, AnEarlierHubThatCameLateAndLeftAtOnceHasNot) {
+  Old("12:00:00 [INF] hardware found on /dev/ttyUSB0 version: v1.2");
+  Old("12:00:07 [INF] client is connected on IO interface from 127.0.0.1:34835");
+  Old("12:00:08 [INF] connection is closed by client on IO interface");
+  EXPECT_TRUE(log.HasBegunAnew());
+}
+
+TEST_F(LogStateTest, AnEarlierHubThatLeftMayHaveTouchedTheRecord) {
+  Old("12:00:00 [INF] hardware found on /dev/ttyUSB0 version: v1.2");
+  EXPECT_TRUE(log.IsRecordUntouched());
+  Old("12:00:02 [INF] connection is closed by client on IO interface");
+  EXPECT_FALSE(log.IsRecordUntouched());
+  Old("12:00:05 [INF] hardware found on /dev/ttyUSB0 version: v1.2");
+  EXPECT_TRUE(log.IsRecordUntouched());
+}
+
 TEST_F(LogStateTest, ADaemonThatBeganWhileNoHubWasThereBeganAnew) {
   Old("12:00:30 [INF] connection is closed by client on IO interface");
   Old("12:01:00 [INF] qelm is started");
