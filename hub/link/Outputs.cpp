@@ -49,13 +49,7 @@ Receipt Outputs::Write(const WriteBlock& command) {
     keeper_.Remember(command);
     return sender_.Answered(Outcome::kAbsent);
   }
-  if (is_held_) {
-    if (can_come) remembered_[{command.address, command.block}] = command.value;
-    keeper_.Remember(command);
-    pending_[{command.address, command.block}] = command.value;
-    bus_.SetPending(command.address, command.block, true);
-    return sender_.Answered(Outcome::kAccepted);
-  }
+  if (is_held_) return WriteLater(command);
   if (discoveries_go_unseen_) keeper_.ForgetRecord();
   keeper_.SetKept(command.address, IsKept(command.address));
   OutputKeeper::Commands commands = keeper_.Complete(command);
@@ -64,12 +58,41 @@ Receipt Outputs::Write(const WriteBlock& command) {
   return Offer(command);
 }
 
+Receipt Outputs::WriteLater(const WriteBlock& command) {
+  const Place place{command.address, command.block};
+  if (bus_.At(command.address) == nullptr) remembered_[place] = command.value;
+  keeper_.Remember(command);
+  bus_.SetPending(command.address, command.block, true);
+  Pending& pending = pending_[place];
+  pending.value = command.value;
+  if (IsWithoutAdapter()) return sender_.Answered(Outcome::kAccepted);
+  return pending.receipts.emplace_back(sender_.Unanswered());
+}
+
 Receipt Outputs::Offer(const WriteBlock& command) {
   keeper_.NoteAsked(command);
   return sender_.Offer(command);
 }
 
-void Outputs::Hold() { is_held_ = true; }
+void Outputs::OfferPending(const WriteBlock& command) {
+  const Receipt receipt = Offer(command);
+  auto pending = pending_.extract({command.address, command.block});
+  if (!pending.empty()) sender_.PassOn(receipt, std::move(pending.mapped().receipts));
+}
+
+void Outputs::AnswerPending(Outcome outcome) {
+  for (auto& [place, pending] : pending_)
+    for (const Receipt& receipt : std::exchange(pending.receipts, {})) receipt->Give(outcome);
+}
+
+bool Outputs::IsWithoutAdapter() const {
+  return bus_.AdapterNow().state == model::AdapterState::kDown;
+}
+
+void Outputs::Hold() {
+  is_held_ = true;
+  if (IsWithoutAdapter()) AnswerPending(Outcome::kAccepted);
+}
 
 void Outputs::Release(Record record) {
   is_held_ = false;
@@ -79,15 +102,18 @@ void Outputs::Release(Record record) {
     keeper_.ForgetRecord();
   if (record != Record::kOfAnEarlierHub)
     for (unsigned address = 0; address < protocol::kCardCount; ++address) Restore(address);
-  for (const auto& [place, value] : std::exchange(pending_, {}))
-    if (record == Record::kOfAnEarlierHub || !IsKept(place.first))
-      Offer({place.first, place.second, value});
+  // What the record has already, too: the command is the receipt.
+  while (!pending_.empty()) {
+    const auto& [place, pending] = *pending_.begin();
+    OfferPending({place.first, place.second, pending.value});
+  }
 }
 
 void Outputs::Lose() {
   is_held_ = true;
   keeper_.ForgetRecord();
-  for (const auto& [place, value] : std::exchange(pending_, {}))
+  AnswerPending(Outcome::kAbsent);
+  for (const auto& [place, pending] : std::exchange(pending_, {}))
     bus_.SetPending(place.first, place.second, false);
 }
 
@@ -106,7 +132,7 @@ void Outputs::Restore(unsigned address) {
 
 void Outputs::Resend(unsigned address, const OutputKeeper::Commands& commands) {
   if (commands.empty()) return;
-  for (const WriteBlock& command : commands) Offer(command);
+  for (const WriteBlock& command : commands) OfferPending(command);
   restored_count_ += commands.size();
   sinks_.restored(address, commands.size());
 }

@@ -4,7 +4,8 @@
 //
 // Held is the time in which the daemon's record of the cards is about to begin anew, or the
 // adapter is not there: what is asked for then is noted, pending, and goes out at the release.
-// Owned by the link; one thread.
+// Without the adapter it is accepted at once, as nobody knows when that will be; else it is
+// accepted when the daemon has acted on it, as at any other time. Owned by the link; one thread.
 #pragma once
 
 #include <functional>
@@ -59,8 +60,17 @@ class Outputs {
  private:
   using Place = std::pair<uint8_t, uint8_t>;  // address and block
 
+  struct Pending {
+    uint8_t value = 0;
+    std::vector<Receipt> receipts;  // of those who wait for the release
+  };
+
   bool IsKept(unsigned address) const;
+  Receipt WriteLater(const protocol::WriteBlock& command);
+  void AnswerPending(Outcome outcome);
+  bool IsWithoutAdapter() const;
   Receipt Offer(const protocol::WriteBlock& command);
+  void OfferPending(const protocol::WriteBlock& command);
   void Restore(unsigned address);
   void Resend(unsigned address, const OutputKeeper::Commands& commands);
 
@@ -70,7 +80,7 @@ class Outputs {
   OutputKeeper keeper_;
   bool is_held_ = true;
   bool discoveries_go_unseen_ = true;
-  std::map<Place, uint8_t> pending_;
+  std::map<Place, Pending> pending_;
   std::map<Place, uint8_t> remembered_;  // of cards that did not come yet
   uint64_t restored_count_ = 0;
 };

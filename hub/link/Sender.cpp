@@ -26,6 +26,11 @@ asio::awaitable<void> AcceptUnlessRefused(Receipt receipt) {
   receipt->Give(Outcome::kAccepted);
 }
 
+asio::awaitable<void> GiveTheSame(Receipt receipt, std::vector<Receipt> followers) {
+  const auto outcome = co_await receipt->Wait();
+  for (const Receipt& follower : followers) follower->Give(outcome.value_or(Outcome::kAbsent));
+}
+
 }  // namespace
 
 Sender::Sender(asio::any_io_executor executor, Sinks sinks)
@@ -34,9 +39,16 @@ Sender::Sender(asio::any_io_executor executor, Sinks sinks)
       wake_(executor_, SteadyTime::max()) {}
 
 Receipt Sender::Answered(Outcome outcome) const {
-  auto receipt = std::make_shared<OneShot<Outcome>>(executor_);
+  Receipt receipt = Unanswered();
   receipt->Give(outcome);
   return receipt;
+}
+
+Receipt Sender::Unanswered() const { return std::make_shared<OneShot<Outcome>>(executor_); }
+
+void Sender::PassOn(Receipt receipt, std::vector<Receipt> followers) {
+  if (followers.empty()) return;
+  asio::co_spawn(executor_, GiveTheSame(std::move(receipt), std::move(followers)), asio::detached);
 }
 
 Receipt Sender::Offer(const protocol::IoCommand& command, bool is_doubtful) {
@@ -46,7 +58,7 @@ Receipt Sender::Offer(const protocol::IoCommand& command, bool is_doubtful) {
     ++refused_count_;
     return Answered(Outcome::kTooFast);
   }
-  auto receipt = std::make_shared<OneShot<Outcome>>(executor_);
+  Receipt receipt = Unanswered();
   receipts_.emplace(*ticket, receipt);
   ForgetOldDoubts();
   if (is_doubtful) doubts_.push_back({protocol::Format(command), *ticket, receipt});

@@ -16,6 +16,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "link/OneShot.h"
 #include "link/Outbox.h"
@@ -38,6 +39,8 @@ class Sender {
   // A doubtful command is one that the daemon may refuse.
   Receipt Offer(const protocol::IoCommand& command, bool is_doubtful = false);
   Receipt Answered(Outcome outcome) const;  // a receipt for what needs no sending
+  Receipt Unanswered() const;               // for what is not offered yet
+  void PassOn(Receipt receipt, std::vector<Receipt> followers);  // its outcome is theirs, too
 
   bool IsOpen() const { return is_open_; }
   void Open();     // a session is there

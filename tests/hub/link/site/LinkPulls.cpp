@@ -41,10 +41,12 @@ void LinkPulls::RunPulls(int rounds, unsigned seed) {
     for (int i = Draw(4); i > 0; --i) Ask();
     if (Draw(3) == 0) Disturb();
     Recover();
+    NoteWhatCameLast();
     for (const KeptCard& card : kCards) {
       std::string seen;
       EXPECT_TRUE(WaitUntil([&] { return IsShown(card.address, &seen); }))
-          << "round " << round << ", card " << card.digit << " shows " << seen;
+          << "round " << round << ", card " << card.digit << " is to show " << Wanted(card.address)
+          << " and shows " << seen;
       CheckFrames(card.address);
     }
   }
@@ -87,14 +89,27 @@ void LinkPulls::Disturb() {
   Pause();
 }
 
-// What the store would have: the last of each block.
-void LinkPulls::KillHub() {
+// The last of each block.
+std::map<LinkPulls::Place, uint8_t> LinkPulls::Stored() {
   std::map<Place, uint8_t> stored;
   for (const auto& command : link->Stored())
     stored[{command.address, command.block}] = command.value;
+  return stored;
+}
+
+void LinkPulls::KillHub() {
   std::vector<protocol::WriteBlock> asked;
-  for (const auto& [place, value] : stored) asked.push_back({place.first, place.second, value});
+  for (const auto& [place, value] : Stored()) asked.push_back({place.first, place.second, value});
   StartHub(asked);
+}
+
+// Where a command was neither accepted nor refused, only the hub knows whether it counts.
+void LinkPulls::NoteWhatCameLast() {
+  for (const auto& [place, value] : Stored()) {
+    EXPECT_TRUE(wanted_[place].contains(value))
+        << "card " << int(place.first) << ", block " << int(place.second) << ": " << int(value);
+    wanted_[place] = {value};
+  }
 }
 
 void LinkPulls::Recover() {
@@ -116,11 +131,15 @@ bool LinkPulls::IsShown(uint8_t address, std::string* seen) {
     const auto bytes = ReadBytes(seen->substr(at + std::string(card.field).size()));
     for (uint8_t block = 0; block < card.blocks; ++block)
       if (!wanted_[{address, block}].contains(bytes.at(block))) return false;
-    // From here on it is known which one came last.
-    for (uint8_t block = 0; block < card.blocks; ++block)
-      wanted_[{address, block}] = {bytes[block]};
   }
   return true;
+}
+
+std::string LinkPulls::Wanted(uint8_t address) const {
+  std::string text;
+  for (const auto& [place, values] : wanted_)
+    if (place.first == address) text += Hex({values.begin(), values.end()}) + " ; ";
+  return text;
 }
 
 // Each frame shows what somebody asked for, or a start value where the daemon left no choice.

@@ -26,7 +26,10 @@ class LinkPulls : public LinkSite {
   void Disturb();  // one of the accidents
   void KillHub();
   void Recover();
+  void NoteWhatCameLast();
+  std::map<Place, uint8_t> Stored();  // what the hub's store would have
   bool IsShown(uint8_t address, std::string* seen);
+  std::string Wanted(uint8_t address) const;
   void CheckFrames(uint8_t address);
 
   std::mt19937 chance_;

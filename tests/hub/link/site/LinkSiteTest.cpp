@@ -182,6 +182,26 @@ TEST_F(LinkSiteTest, AHubThatComesBackAfterTheDaemonBeganAnewRestores) {
   ExpectHeld("0", "reached 80 33 80 80 80 80");
 }
 
+TEST_F(LinkSiteTest, AHubThatComesBackSoonTrustsNoRecord) {
+  StartAll();
+  SetByte(kLamps, 0, 0x0F);
+  StartHub({{kLamps, 0, 0x0F}});
+  ASSERT_TRUE(link->WaitUp());
+  SetByte(kLamps, 0, 0xFF);  // as the record began
+  ExpectHeld("5", "Lines FF FF");
+}
+
+TEST_F(LinkSiteTest, WhatIsHeldIsAcceptedWhenItIsOut) {
+  StartAll();
+  PullCable();
+  Bus("cable plug");
+  ASSERT_TRUE(WaitUntil([&] { return link->Adapter() == model::AdapterState::kUp; }));
+  SetByte(kLamps, 0, 0x0F);  // two seconds: the record is about to begin anew
+  SetByte(kServos, 1, 0x80);
+  EXPECT_TRUE(link->IsFree());
+  ExpectHeld("5", "Lines 0F FF");
+}
+
 TEST_F(LinkSiteTest, WithoutTheLogOutputsAreKeptAllTheSame) {
   WriteConfig({.poll = "TRUE"});
   StartBus();
