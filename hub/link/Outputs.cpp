@@ -109,6 +109,17 @@ void Outputs::Release(Record record) {
   }
 }
 
+void Outputs::SendAgain() {
+  if (is_held_) return;
+  keeper_.ForgetRecord();
+  for (unsigned address = 0; address < protocol::kCardCount; ++address) {
+    if (!IsOutput(bus_.At(address))) continue;
+    keeper_.SetKept(address, IsKept(address));
+    for (const WriteBlock& command : keeper_.Restore(address)) Offer(command);
+  }
+  sender_.Flush();
+}
+
 void Outputs::Lose() {
   is_held_ = true;
   keeper_.ForgetRecord();

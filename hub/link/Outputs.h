@@ -48,6 +48,7 @@ class Outputs {
 
   void Hold();
   void Release(Record record);
+  void SendAgain();  // all that is kept, whatever is on record
   void NoteSilentLog(bool is_silent) { discoveries_go_unseen_ = is_silent; }
   void Lose();                                         // the session has ended
   void TakeReboot(unsigned address, model::Time now);  // the card has begun anew by itself

@@ -25,6 +25,10 @@ constexpr std::chrono::seconds kTableEvery{30};
 // The daemon waits a second from finding the adapter to asking it for its cards.
 constexpr std::chrono::seconds kDiscovery{2};
 
+// On a machine that is busy it comes later, and nothing tells when: what was sent before it is off
+// the record then.
+constexpr std::chrono::seconds kLatestDiscovery{10};
+
 // Seven polls of an analogue input make its first value.
 constexpr std::chrono::milliseconds kFirstPolls{300};
 
@@ -116,9 +120,13 @@ asio::awaitable<bool> Survey::Do(Task task) {
       const bool is_settled = has_table && due_[kSettle] == SteadyTime::max() &&
                               log_.AdapterNow().state == AdapterState::kUp;
       if (is_settled) ReleaseNow();
+      if (is_settled) Schedule(kConfirm, found_at_ + kLatestDiscovery);
       if (is_settled) Schedule(kPolling, Clock::now());
       co_return has_table;
     }
+    case kConfirm:
+      outputs_.SendAgain();
+      co_return true;
     case kTable: {
       const bool has_table = co_await AskTable();
       co_return has_table;
@@ -208,6 +216,7 @@ bool Survey::HasNewCard(const protocol::CardNames& names) const {
 void Survey::SettleWhenFound() {
   outputs_.Hold();
   sender_.SetGate(false);
+  due_[kConfirm] = SteadyTime::max();
   Schedule(kSettle, std::max(found_at_ + kDiscovery, Clock::now()));
 }
 

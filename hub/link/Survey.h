@@ -45,7 +45,7 @@ class Survey {
   void EndForced(bool is_answered);
 
  private:
-  enum Task { kSettle, kTable, kPolling, kInputs, kTaskCount };
+  enum Task { kSettle, kConfirm, kTable, kPolling, kInputs, kTaskCount };
 
   boost::asio::awaitable<bool> Introduce();
   boost::asio::awaitable<bool> Do(Task task);

@@ -202,6 +202,23 @@ TEST_F(LinkSiteTest, WhatIsHeldIsAcceptedWhenItIsOut) {
   ExpectHeld("5", "Lines 0F FF");
 }
 
+TEST_F(LinkSiteTest, ADiscoveryThatComesLateIsMadeGood) {
+  WriteConfig({.percent = "80"});
+  StartBus();
+  StartDaemonAnew();
+  StartHub();
+  WaitReady();
+  SetByte(kLamps, 0, 0x0F);
+  PullCable();
+  Bus("late 4s");
+  PlugCable();
+  SetByte(kLamps, 1, 0xFE);  // before it
+  Bus("late 0ms");
+  ExpectHeld("5", "Lines 0F FE");
+  Bus("mark");
+  WaitFrame("10 05 02 0F FE");  // once more, behind it
+}
+
 TEST_F(LinkSiteTest, WithoutTheLogOutputsAreKeptAllTheSame) {
   WriteConfig({.poll = "TRUE"});
   StartBus();
