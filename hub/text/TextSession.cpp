@@ -1,5 +1,7 @@
 #include "text/TextSession.h"
 
+#include <netinet/tcp.h>
+
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
@@ -32,6 +34,16 @@ constexpr std::string_view kAskForToken = "QELM: a token is needed: TOKEN ...";
 constexpr int kDoesNotFit = 422;
 constexpr int kTooFast = 429;
 
+// Between two looks at the time, while a client has given no token.
+constexpr std::chrono::milliseconds kLook{250};
+
+// The other end of a silent connection is asked after so many seconds, then a few times more. What
+// it was sent, it must have taken within the same time.
+constexpr int kSilence = 30;
+constexpr int kProbeEvery = 5;
+constexpr int kProbes = 3;
+constexpr int kMilliseconds = 1000;
+
 // Until a text that was refused is tried again.
 constexpr std::chrono::milliseconds kPause{20};
 
@@ -52,9 +64,22 @@ TextSession::TextSession(api::House& house, asio::ip::tcp::socket socket, Port p
   guest_.emplace(house.traffic, access::Door::kText);
   error_code error;
   socket_.set_option(asio::ip::tcp::no_delay(true), error);
-  socket_.set_option(asio::socket_base::keep_alive(true), error);
+  ProbeWhenSilent();
   const auto peer = socket_.remote_endpoint(error);
   if (!error) caller_.address = peer.address().to_string();
+}
+
+// A client that was switched off says no good-bye: it would keep its place for ever.
+void TextSession::ProbeWhenSilent() {
+  error_code error;
+  socket_.set_option(asio::socket_base::keep_alive(true), error);
+  const auto set = [this](int option, int value) {
+    setsockopt(socket_.native_handle(), IPPROTO_TCP, option, &value, sizeof value);
+  };
+  set(TCP_KEEPIDLE, kSilence);
+  set(TCP_KEEPINTVL, kProbeEvery);
+  set(TCP_KEEPCNT, kProbes);
+  set(TCP_USER_TIMEOUT, (kSilence + kProbes * kProbeEvery) * kMilliseconds);
 }
 
 void TextSession::Start() {
@@ -62,6 +87,8 @@ void TextSession::Start() {
     caller_.role = access::Role::kAdmin;
     may_enter_ = true;
     Greet();
+  } else {
+    asio::co_spawn(socket_.get_executor(), EndWithoutToken(shared_from_this()), asio::detached);
   }
   asio::co_spawn(socket_.get_executor(), Read(shared_from_this()), asio::detached);
   asio::co_spawn(socket_.get_executor(), Write(shared_from_this()), asio::detached);
@@ -154,6 +181,20 @@ asio::awaitable<bool> TextSession::Take(std::string line) {
   if (port_ == Port::kCae) co_await TakeConsoleLine(std::move(line));
   if (port_ == Port::kIo && !line.empty()) co_await TakeCommand(std::move(line));
   co_return true;
+}
+
+asio::awaitable<void> TextSession::EndWithoutToken(Self self) {
+  const auto end = self->house_.clock.Steady() + kTokenTime;
+  asio::steady_timer pause(self->socket_.get_executor());
+  while (!self->may_enter_ && self->IsOpen()) {
+    if (self->house_.clock.Steady() >= end) {
+      self->Send(Item(kAskForToken));
+      self->is_done_ = true;
+      co_return;
+    }
+    pause.expires_after(kLook);
+    co_await pause.async_wait(asio::use_awaitable);
+  }
 }
 
 bool TextSession::LogIn(std::string_view line) {

@@ -7,6 +7,7 @@
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
   static constexpr size_t kMostWaiting = 64 * 1024;  // bytes that were not read yet
   static constexpr size_t kMostUnderWay = 64;        // commands without their receipt
   static constexpr size_t kLongestLine = 1024;       // bytes
+  static constexpr std::chrono::seconds kTokenTime{30};
 
   TextSession(api::House& house, boost::asio::ip::tcp::socket socket, protocol::Port port);
 
@@ -40,6 +42,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
 
   static boost::asio::awaitable<void> Read(Self self);
   static boost::asio::awaitable<void> Write(Self self);
+  static boost::asio::awaitable<void> EndWithoutToken(Self self);
   static boost::asio::awaitable<void> RunCommand(Self self, std::string line);
 
   boost::asio::awaitable<bool> Take(std::string line);  // false: the client is done
@@ -50,6 +53,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
   void Refuse(std::string_view why);  // a line of the console
   void RefuseLongLine();
   void Greet();
+  void ProbeWhenSilent();
   void Send(std::string_view bytes);
 
   api::House& house_;

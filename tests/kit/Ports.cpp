@@ -15,6 +15,7 @@ namespace {
 
 constexpr unsigned kEstablished = 0x01;
 constexpr unsigned kListening = 0x0A;
+constexpr unsigned kKeepAliveTimer = 2;
 
 // A line of the kernel's table of connections.
 struct Connection {
@@ -23,6 +24,8 @@ struct Connection {
   unsigned state = 0;
   unsigned unsent = 0;  // bytes
   unsigned unread = 0;  // bytes
+  unsigned timer = 0;
+  unsigned expires = 0;  // hundredths of a second
 };
 
 std::vector<Connection> Connections() {
@@ -30,8 +33,8 @@ std::vector<Connection> Connections() {
   std::ifstream table("/proc/net/tcp");
   for (std::string line; std::getline(table, line);) {
     Connection c;
-    if (std::sscanf(line.c_str(), "%*d: %*x:%x %*x:%x %x %x:%x", &c.local_port, &c.remote_port,
-                    &c.state, &c.unsent, &c.unread) == 5)
+    if (std::sscanf(line.c_str(), "%*d: %*x:%x %*x:%x %x %x:%x %x:%x", &c.local_port,
+                    &c.remote_port, &c.state, &c.unsent, &c.unread, &c.timer, &c.expires) == 7)
       connections.push_back(c);
   }
   return connections;
@@ -73,4 +76,11 @@ bool AllIsRead(int port) {
     if (c.local_port == wanted && c.unread > 0) return false;
   }
   return true;
+}
+
+bool IsAskedWithin(int port, std::chrono::seconds time) {
+  for (const Connection& c : Connections())
+    if (c.local_port == static_cast<unsigned>(port) && c.timer == kKeepAliveTimer)
+      return c.expires <= time.count() * 100;
+  return false;
 }

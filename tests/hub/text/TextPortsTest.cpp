@@ -1,0 +1,131 @@
+// The text ports over real sockets, before a link and a store that the tests play: who may stay.
+#include "text/TextPorts.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/use_future.hpp>
+#include <future>
+#include <thread>
+
+#include "../FakeClock.h"
+#include "api/fakes/FakeLink.h"
+#include "api/fakes/FakeStore.h"
+#include "kit/Client.h"
+#include "kit/Ports.h"
+#include "kit/Wait.h"
+
+namespace hub::text {
+namespace {
+
+using std::chrono::seconds;
+
+constexpr char kAskForToken[] = "QELM: a token is needed: TOKEN ...\r\n\r";
+constexpr char kGreeting[] = "QELM IO interface is ready\r\n\r";
+
+class TextPortsTest : public testing::Test {
+ protected:
+  TextPortsTest()
+      : link(context, {}, bus, {}),
+        store(context, {}, clock),
+        access(context, clock, std::nullopt,
+               {.keep = [](const std::string&) {},
+                .ended = [](const std::string&) {},
+                .token_ended = [this](const std::string& name) { ports.EndToken(name); }},
+               {.memory = 8192, .passes = 1}),
+        house{context, bus, link, store, access, clock},
+        ports(house, {"127.0.0.1", {static_cast<uint16_t>(FreePort()), io, mon}}) {
+    ports.Start();
+    thread = std::jthread([this] { context.run(); });
+  }
+
+  ~TextPortsTest() override {
+    Run([this] { ports.Stop(); });
+    context.stop();
+  }
+
+  // On the thread of the ports; what it gives comes back.
+  template <class Work>
+  auto Run(Work work) -> decltype(work()) {
+    std::packaged_task<decltype(work())()> task(std::move(work));
+    auto result = task.get_future();
+    boost::asio::post(context, [&task] { task(); });
+    return result.get();
+  }
+
+  void Pass(seconds time) {
+    Run([&] { clock.Pass(time); });
+  }
+
+  // An account, so that a token is asked for; the secret of one.
+  std::string AddToken() {
+    boost::asio::co_spawn(context,
+                          access.AddAccount("operator", "correct horse", access::Role::kAdmin),
+                          boost::asio::use_future)
+        .get();
+    return Run([this] { return std::get<std::string>(access.AddToken("script", kUse)); });
+  }
+
+  static constexpr access::Role kUse = access::Role::kUse;
+
+  FakeClock clock;
+  FakeLink fake_link;
+  FakeStore fake_store;
+  boost::asio::io_context context{1};
+  model::Bus bus{"3f9a21c0"};
+  link::Link link;
+  store::Store store;
+  access::Access access;
+  api::House house;
+  uint16_t io = static_cast<uint16_t>(FreePort());
+  uint16_t mon = static_cast<uint16_t>(FreePort());
+  TextPorts ports;
+  std::jthread thread;
+};
+
+TEST_F(TextPortsTest, WhoGivesNoTokenIsClosedAfterThirtySeconds) {
+  AddToken();
+  Client client(io);
+  ASSERT_TRUE(WaitUntil([this] { return Run([this] { return ports.ClientCount(); }) == 1; }));
+  Pass(seconds(29));
+  client.ExpectSilence();
+  Pass(seconds(1));
+  client.ExpectBytes(kAskForToken);
+  client.ExpectClosed();
+}
+
+TEST_F(TextPortsTest, WhoDripsATokenIsClosedTheSame) {
+  AddToken();
+  Client client(io);
+  client.Send("TOKEN ");
+  ASSERT_TRUE(WaitUntil([this] { return AllIsRead(io); }));
+  Pass(seconds(29));
+  client.Send("abc");
+  Pass(seconds(1));
+  client.ExpectBytes(kAskForToken);
+  client.ExpectClosed();
+}
+
+TEST_F(TextPortsTest, WhoGaveATokenStaysForEver) {
+  const std::string secret = AddToken();
+  Client client(io);
+  client.Send("TOKEN " + secret + "\r\n");
+  client.ExpectBytes(kGreeting);
+  Pass(seconds(60));
+  Client other(io);  // whose time is over before that of the first one is looked at again
+  ASSERT_TRUE(WaitUntil([this] { return Run([this] { return ports.ClientCount(); }) == 2; }));
+  Pass(seconds(30));
+  other.ExpectBytes(kAskForToken);
+  client.Send("nonsense\r\n");
+  client.ExpectBytes("COE:Illegal command -> nonsense\r\n\r");
+}
+
+TEST_F(TextPortsTest, ASilentClientIsAskedWhetherItIsThere) {
+  Client client(io);
+  client.ExpectBytes(kGreeting);
+  EXPECT_TRUE(IsAskedWithin(io, seconds(30)));
+}
+
+}  // namespace
+}  // namespace hub::text
