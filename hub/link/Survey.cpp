@@ -120,7 +120,6 @@ asio::awaitable<bool> Survey::Do(Task task) {
       const bool is_settled = has_table && due_[kSettle] == SteadyTime::max() &&
                               log_.AdapterNow().state == AdapterState::kUp;
       if (is_settled) ReleaseNow();
-      if (is_settled) Schedule(kConfirm, found_at_ + kLatestDiscovery);
       if (is_settled) Schedule(kPolling, Clock::now());
       co_return has_table;
     }
@@ -221,6 +220,8 @@ void Survey::SettleWhenFound() {
 }
 
 void Survey::ReleaseNow() {
+  const SteadyTime latest = found_at_ + kLatestDiscovery;
+  if (log_.HasBegunAnew() && latest > Clock::now()) Schedule(kConfirm, latest);
   if (log_.IsRecordUntouched())
     Release(Outputs::Record::kAtStart);
   else if (log_.HasBegunAnew() || has_released_)
