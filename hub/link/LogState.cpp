@@ -11,8 +11,9 @@ using protocol::LogEvent;
 
 namespace {
 
-// A hub that was there for so long after the record had begun anew has restored the outputs.
-constexpr double kRestoring = 5;  // seconds
+// A hub that was there for so long after the record had begun anew has restored the outputs, and
+// sent them once more in case the discovery came late.
+constexpr double kRestoring = 13;  // seconds
 
 double SecondsBetween(const std::string& early, const std::string& late) {
   const auto read = [](const std::string& text) {

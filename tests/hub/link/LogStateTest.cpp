@@ -59,8 +59,8 @@ TEST_F(LogStateTest, AnEarlierHubThatLeftAtOnceHasNot) {
 
 TEST_F(LogStateTest, AnEarlierHubThatCameLateAndLeftAtOnceHasNot) {
   Old("12:00:00 [INF] hardware found on /dev/ttyUSB0 version: v1.2");
-  Old("12:00:07 [INF] client is connected on IO interface from 127.0.0.1:34835");
-  Old("12:00:08 [INF] connection is closed by client on IO interface");
+  Old("12:00:20 [INF] client is connected on IO interface from 127.0.0.1:34835");
+  Old("12:00:21 [INF] connection is closed by client on IO interface");
   EXPECT_TRUE(log.HasBegunAnew());
 }
 

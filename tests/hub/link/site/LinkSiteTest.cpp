@@ -161,7 +161,7 @@ TEST_F(LinkSiteTest, AHubThatComesBackSendsNothing) {
   StartAll();
   SetByte(kLamps, 0, 0x0F);
   ExpectHeld("5", "Lines 0F FF");
-  std::this_thread::sleep_for(6s);  // the log counts whole seconds
+  std::this_thread::sleep_for(15s);  // the log counts whole seconds
   const size_t writes = WritesTo("5").size();
   StartHub({{kLamps, 0, 0x0F}});
   EXPECT_TRUE(WaitUntil([&] { return link->IsUp() && link->WaitValue(kLamps, 0, true); }));
