@@ -222,7 +222,7 @@ TEST_F(CaeDriver, LastInputStateGoesToIo) {
   StartOnBus();
   Client io = Connect(kIo);
   io.Send("a3b0d40\r\naFb5dC8\r\nend\r\n");
-  cae.ExpectBytes("COE:Illegal command -> end\r\n\r>\r\n\r");
+  ExpectIllegal(io, "end");
   Command("GETLASTINPST:3=0", kSent);
   io.ExpectBytes("a3b0d40\r\n\r");
   Command("GETLASTINPST:3=1", kSent);

@@ -26,9 +26,14 @@ void DaemonTest::SetUp() {
     fs::remove_all(folder);
     fs::create_directory(folder);
   }
+  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+  const std::string name = std::string(test->test_suite_name()) + "." + test->name();
+  const std::string difference = Front::Now().Difference(name);
+  if (!difference.empty()) GTEST_SKIP() << difference;
 }
 
 void DaemonTest::TearDown() {
+  Front::Now().End();
   if (daemon.Running()) {
     StopDaemon();
   } else if (daemon.Pid() > 0) {
@@ -71,6 +76,7 @@ void DaemonTest::StartDaemon(const LaunchOptions& options, Place place) {
   fs::remove(kPidFile);
   if (daemon.Launch(options) != 0) FAIL_AT(place) << "the launch fails";
   if (!daemon.WaitForPid()) FAIL_AT(place) << "no pid file of a running daemon";
+  Front::Now().Start(place);
 }
 
 void DaemonTest::StartOnBus(const LaunchOptions& options, Place place) {
@@ -79,6 +85,7 @@ void DaemonTest::StartOnBus(const LaunchOptions& options, Place place) {
   cae = Connect(kCae, place);
   adapter.ExpectFrame({0x30}, place);
   if (!WaitUntil([this] { return CardsAreFound(); })) FAIL_AT(place) << "cards are not found";
+  Front::Now().AwaitOutputs(place);
   adapter.ForgetFrames();
 }
 
@@ -127,7 +134,7 @@ void DaemonTest::ExpectAlive(Place place) {
 Client DaemonTest::Dial(Port port) {
   Client client;
   WaitUntil([&] {
-    client = Client(port);
+    client = Client(Front::Now().PortOf(port));
     return client.IsServed();
   });
   return client;
@@ -146,6 +153,10 @@ Client DaemonTest::Connect(Port port, Place place) {
 void DaemonTest::Command(const std::string& line, const std::string& lines, Place place) {
   cae.Send(line + "\r\n", place);
   cae.ExpectBytes(lines + ">\r\n\r", place);
+}
+
+void DaemonTest::ExpectIllegal(Client& io, const std::string& command, Place place) {
+  Front::Now().ExpectIllegal(io, cae, command, place);
 }
 
 void DaemonTest::ExpectAnswer(Place place) {

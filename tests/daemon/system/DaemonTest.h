@@ -10,11 +10,10 @@
 
 #include "DaemonProcess.h"
 #include "FakeAdapter.h"
+#include "Front.h"
 #include "kit/Client.h"
 #include "kit/Files.h"
 #include "kit/Ports.h"
-
-enum Port { kCae = 5001, kIo = 5002, kMon = 5003 };
 
 inline constexpr char kLogFile[] = "/run/test/qelm.log";
 inline constexpr char kConfigPath[] = "/etc/qelm/qelmconf.xml";
@@ -62,6 +61,8 @@ class DaemonTest : public testing::Test {
   static Client Connect(Port port, Place place = Place::current());
   // Sends a CAE line and reads its answer: lines that end with "\r\n\r", then the prompt.
   void Command(const std::string& line, const std::string& lines, Place place = Place::current());
+  // The last command of IO was illegal: CAE says so.
+  void ExpectIllegal(Client& io, const std::string& command, Place place = Place::current());
   // The daemon works: CAE still answers.
   void ExpectAnswer(Place place = Place::current());
 

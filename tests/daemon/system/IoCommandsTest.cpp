@@ -18,9 +18,9 @@ class IoCommands : public DaemonTest {
   }
 
   // The line is refused: CAE says so, and no frame goes out before the next good one.
-  void ExpectIllegal(const std::string& command, Place place = Place::current()) {
+  void ExpectRefused(const std::string& command, Place place = Place::current()) {
     io.Send(command + "\r\n", place);
-    cae.ExpectBytes("COE:Illegal command -> " + command + "\r\n\r>\r\n\r", place);
+    ExpectIllegal(io, command, place);
     ExpectNothingElse(place);
   }
 
@@ -140,28 +140,28 @@ TEST_F(IoCommands, ErrorAnswersEndWithTheSeparatorOfCae) {
 TEST_F(IoCommands, CommandsAfterAnIllegalOneAreCarriedOut) {
   StartWithCards();
   io.Send("what\r\na5b0d01\r\n");
-  cae.ExpectBytes("COE:Illegal command -> what\r\n\r>\r\n\r");
+  ExpectIllegal(io, "what");
   adapter.ExpectFrames({{0x10, 0x05, 0x02, 0x01, 0xFF}});
 }
 
 TEST_F(IoCommands, IllegalCommandsAreAnsweredOnCaeOnly) {
   StartWithCards();
-  ExpectIllegal("z");
-  ExpectIllegal("A5b1dFB");
-  ExpectIllegal("a5B1dFB");
-  ExpectIllegal("a5x");
+  ExpectRefused("z");
+  ExpectRefused("A5b1dFB");
+  ExpectRefused("a5B1dFB");
+  ExpectRefused("a5x");
   io.ExpectSilence();
 }
 
 TEST_F(IoCommands, ShortCommandsAreSurvived) {
   StartWithCards();
-  ExpectIllegal("a");
-  ExpectIllegal("a5");
-  ExpectIllegal("a5b");
-  ExpectIllegal("a5b1");
-  ExpectIllegal("aEl");
-  ExpectIllegal("aElC");
-  ExpectIllegal("a9s");
+  ExpectRefused("a");
+  ExpectRefused("a5");
+  ExpectRefused("a5b");
+  ExpectRefused("a5b1");
+  ExpectRefused("aEl");
+  ExpectRefused("aElC");
+  ExpectRefused("a9s");
 }
 
 TEST_F(IoCommands, AbsentValueDigitsReadAsZero) {
@@ -192,15 +192,15 @@ TEST_F(IoCommands, LongestInfraredStreamIsSent) {
   std::string digits;
   for (int byte = 0; byte < 35; ++byte) digits += "A5";
   ExpectFrameFor("a9sHS" + digits, Bytes{0x10, 0x09, 36, 35} + Bytes(35, 0xA5));
-  ExpectIllegal("a9sHS" + digits + "A5");
+  ExpectRefused("a9sHS" + digits + "A5");
 }
 
 TEST_F(IoCommands, InfraredStreamElsewhereIsIllegal) {
   StartWithCards();
-  ExpectIllegal("aEsHS41");
-  ExpectIllegal("a5sHS41");
-  ExpectIllegal("a9sXHS41");
-  ExpectIllegal("a9sHs41");
+  ExpectRefused("aEsHS41");
+  ExpectRefused("a5sHS41");
+  ExpectRefused("a9sXHS41");
+  ExpectRefused("a9sHs41");
 }
 
 TEST_F(IoCommands, LcdControlCodesAreSent) {
@@ -216,10 +216,10 @@ TEST_F(IoCommands, LcdControlCodesAreSent) {
 
 TEST_F(IoCommands, LcdControlElsewhereIsIllegal) {
   StartWithCards();
-  ExpectIllegal("aElXX");
-  ExpectIllegal("aElcl");
-  ExpectIllegal("a5lCL");
-  ExpectIllegal("aFlCL");
+  ExpectRefused("aElXX");
+  ExpectRefused("aElcl");
+  ExpectRefused("a5lCL");
+  ExpectRefused("aFlCL");
 }
 
 TEST_F(IoCommands, LcdTextIsSentWithItsPosition) {
@@ -228,6 +228,10 @@ TEST_F(IoCommands, LcdTextIsSentWithItsPosition) {
                                                    Bytes{'T', 'a', 'i', 'l', ' ', 'o', 'f', ' ',
                                                          't', 'h', 'e', ' ', 'c', 'a', 't', 0x00});
   ExpectFrameFor("aElPAp0000t", {0x10, 0x0E, 0x04, 0x09, 0x00, 0x00, 0x00});
+}
+
+TEST_F(IoCommands, LcdTextMayStandBesideTheGlass) {
+  StartWithCards();
   ExpectFrameFor("aElPAp1F0A?z", {0x10, 0x0E, 0x05, 0x09, 0x1F, 0x0A, 'z', 0x00});
 }
 
@@ -238,8 +242,8 @@ TEST_F(IoCommands, LcdTextIsFoundByItsMarkAnywhere) {
 
 TEST_F(IoCommands, LcdTextElsewhereIsIllegal) {
   StartWithCards();
-  ExpectIllegal("a5lPAp0000tHello");
-  ExpectIllegal("aFlPAp0000tHello");
+  ExpectRefused("a5lPAp0000tHello");
+  ExpectRefused("aFlPAp0000tHello");
 }
 
 TEST_F(IoCommands, LongestLcdTextIsSent) {
