@@ -8,16 +8,6 @@ namespace {
 
 constexpr char kSettings[] = "/etc/qelm/qelm-hub.toml";
 
-// A client of a server that ends the connection.
-class WholeAnswer : public Stream {
- public:
-  explicit WholeAnswer(Stream&& stream) : Stream(std::move(stream)) {}
-  std::string ReadAll() {
-    while (ReadMore()) continue;
-    return Take(unread_.size());
-  }
-};
-
 std::string RequestText(const std::string& verb, const std::string& path, const std::string& body,
                         const std::string& headers) {
   std::string request = verb + ' ' + path + " HTTP/1.1\r\nHost: localhost\r\n" + headers;
@@ -29,6 +19,11 @@ std::string RequestText(const std::string& verb, const std::string& path, const 
 }
 
 }  // namespace
+
+std::string WholeAnswer::ReadAll() {
+  while (ReadMore()) continue;
+  return Take(unread_.size());
+}
 
 void HubSite::TearDown() {
   if (HasFailure() && hub) std::cout << "--- hub\n" << hub->Errors();

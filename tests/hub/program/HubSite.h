@@ -14,6 +14,13 @@ inline constexpr int kTextMon = 5112;
 inline constexpr int kWeb = 5080;
 inline constexpr char kHubSocket[] = "/run/test/hub.sock";
 
+// A client of a server that ends the connection.
+class WholeAnswer : public Stream {
+ public:
+  explicit WholeAnswer(Stream&& stream) : Stream(std::move(stream)) {}
+  std::string ReadAll();
+};
+
 class HubSite : public SiteTest {
  protected:
   void TearDown() override;
