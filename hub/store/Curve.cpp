@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "store/Milliseconds.h"
+
 namespace hub::store {
 
 namespace {
@@ -16,10 +18,6 @@ constexpr int64_t kSteps[] = {
 
 bool Fits(const Span& span, int64_t step) {
   return static_cast<uint64_t>(span.to / step - span.from / step) < span.points;
-}
-
-model::Time ToTime(int64_t milliseconds) {
-  return model::Time(std::chrono::milliseconds(milliseconds));
 }
 
 }  // namespace

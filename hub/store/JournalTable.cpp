@@ -2,17 +2,15 @@
 
 #include <algorithm>
 
+#include "store/Milliseconds.h"
+
 namespace hub::store {
 
 namespace {
 
-int64_t ToMilliseconds(model::Time time) {
-  return std::chrono::floor<std::chrono::milliseconds>(time.time_since_epoch()).count();
-}
-
 model::JournalEntry ReadEntry(const Statement& row) {
   return {static_cast<uint64_t>(row.Integer(0)),
-          model::Time(std::chrono::milliseconds(row.Integer(1))), row.Text(2), row.Text(3),
+          ToTime(row.Integer(1)), row.Text(2), row.Text(3),
           row.Text(4)};
 }
 

@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "store/Disk.h"
+#include "store/Milliseconds.h"
 #include "store/Worker.h"
 
 namespace hub::store {
@@ -24,9 +25,8 @@ constexpr size_t kMostQuestions = Worker::kMostJobs - 6;     // the other places
 constexpr size_t kMostUnheard = 16;
 constexpr int64_t kLastTime = int64_t{1} << 52;
 
-int64_t ToMilliseconds(model::Time time) {
-  const auto since = std::chrono::floor<std::chrono::milliseconds>(time.time_since_epoch());
-  return std::clamp<int64_t>(since.count(), 0, kLastTime);
+int64_t ToDiskTime(model::Time time) {
+  return std::clamp<int64_t>(ToMilliseconds(time), 0, kLastTime);
 }
 
 // An answer on its way from the other thread. Whoever waits for it may be gone when it comes.
@@ -101,7 +101,7 @@ Store::Parts::Parts(asio::io_context& io_context, const StoreOptions& options,
       disk({options.folder, options.keep_days, options.max_mb}),
       timer(io_context),
       self(std::make_shared<Parts*>(this)) {
-  Disk::Content content = disk.Open(ToMilliseconds(clock.Now()));
+  Disk::Content content = disk.Open(ToDiskTime(clock.Now()));
   documents = std::move(content.documents);
   documents_lost = content.documents_lost;
   last_entry = content.last_entry;
@@ -111,7 +111,7 @@ Store::Parts::Parts(asio::io_context& io_context, const StoreOptions& options,
 Store::Parts::~Parts() {
   self.reset();
   const auto rest = HandOver();
-  const int64_t now = ToMilliseconds(clock.Now());
+  const int64_t now = ToDiskTime(clock.Now());
   worker.Post([this, rest, now] {
     disk.Take(std::move(*rest));
     disk.Write(Disk::Scope::kAll, now);
@@ -182,7 +182,7 @@ void Store::Parts::StartWriting(Disk::Scope scope) {
   retry_due.reset();
   documents_due.reset();
   if (scope == Disk::Scope::kAll) values_due.reset();
-  const int64_t now = ToMilliseconds(clock.Now());
+  const int64_t now = ToDiskTime(clock.Now());
   worker.Post([this, scope, now, gathered = HandOver(), store = std::weak_ptr(self)] {
     disk.Take(std::move(*gathered));
     disk.Write(scope, now);
@@ -280,7 +280,7 @@ void Store::RemoveDocument(std::string_view name) {
 
 void Store::AddValue(model::ChannelId channel, model::Time time, double value) {
   if (!std::isfinite(value) || channel.address > 15 || channel.number > 255) return;
-  parts_->fresh.AddSample({NumberOf(channel), {ToMilliseconds(time), value}});
+  parts_->fresh.AddSample({NumberOf(channel), {ToDiskTime(time), value}});
   parts_->dropped += parts_->fresh.TakeDropped();
   parts_->Plan(parts_->values_due, kGatherTime);
 }
@@ -289,8 +289,8 @@ void Store::AddJournal(model::JournalEntry entry) { parts_->AddEntry(std::move(e
 
 asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, model::Time from,
                                             model::Time to, size_t points) {
-  const Span span{NumberOf(channel), ToMilliseconds(from), ToMilliseconds(to), points};
-  const int64_t now = ToMilliseconds(parts_->clock.Now());
+  const Span span{NumberOf(channel), ToDiskTime(from), ToDiskTime(to), points};
+  const int64_t now = ToDiskTime(parts_->clock.Now());
   return parts_->Question<History>([span, now](Disk& disk) {
     if (span.points == 0 || span.from > span.to) return History{};
     return disk.ReadHistory(span, now);
@@ -298,7 +298,7 @@ asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, model::Tim
 }
 
 asio::awaitable<JournalPage> Store::ReadJournal(uint64_t after, size_t limit) {
-  const int64_t now = ToMilliseconds(parts_->clock.Now());
+  const int64_t now = ToDiskTime(parts_->clock.Now());
   return parts_->Question<JournalPage>([after, limit, now, last = parts_->last_entry](Disk& disk) {
     return disk.ReadJournal(after, limit, last, now);
   });
