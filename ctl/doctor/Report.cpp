@@ -13,12 +13,12 @@ namespace json = boost::json;
 
 namespace {
 
-struct Look {
+struct Shown {
   const char* word;  // in JSON
   const char* mark;
   Colour colour;
 };
-constexpr Look kLooks[] = {
+constexpr Shown kShown[] = {
     // as Verdict counts
     {"well", "well ", Colour::kGreen},
     {"note", "note ", Colour::kYellow},
@@ -26,7 +26,7 @@ constexpr Look kLooks[] = {
     {"unseen", "?    ", Colour::kFaint},
 };
 
-const Look& LookOf(Verdict verdict) { return kLooks[static_cast<size_t>(verdict)]; }
+const Shown& ShownAs(Verdict verdict) { return kShown[static_cast<size_t>(verdict)]; }
 
 constexpr size_t kNameWidth = 14;  // of a check, and a blank
 constexpr char kMargin[] = "                     -> ";
@@ -51,8 +51,8 @@ std::string ReportText(const Report& report, const Paint& paint) {
   for (const auto& [check, findings] : report) {
     std::string name = check;
     for (const Finding& finding : findings) {
-      const Look& look = LookOf(finding.verdict);
-      text += paint(look.colour, look.mark) + "  " + name +
+      const Shown& shown = ShownAs(finding.verdict);
+      text += paint(shown.colour, shown.mark) + "  " + name +
               std::string(kNameWidth - name.size(), ' ') + Printable(finding.found) + "\n";
       if (!finding.advice.empty()) text += kMargin + Printable(finding.advice) + "\n";
       name.clear();
@@ -68,7 +68,7 @@ std::string ReportJson(const Report& report) {
       json::value advice = nullptr;
       if (!finding.advice.empty()) advice = finding.advice;
       list.push_back(json::object{{"check", check},
-                                  {"verdict", LookOf(finding.verdict).word},
+                                  {"verdict", ShownAs(finding.verdict).word},
                                   {"found", finding.found},
                                   {"advice", advice}});
     }

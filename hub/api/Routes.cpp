@@ -11,7 +11,7 @@ namespace hub::api {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> kVerbs{"GET", "PUT", "POST", "PATCH", "DELETE"};
+constexpr std::array<std::string_view, 5> kVerbNames{"GET", "PUT", "POST", "PATCH", "DELETE"};
 
 // The part up to the next slash; it and the slash are taken off.
 std::string_view TakeSegment(std::string_view& path) {
@@ -77,7 +77,7 @@ RouteMatch FindRoute(Verb verb, std::string_view path) {
     if (!parameters) continue;
     if (method.verb == verb) return {&method, "", std::move(*parameters)};
     if (!match.allowed.empty()) match.allowed += ", ";
-    match.allowed += kVerbs[static_cast<size_t>(method.verb)];
+    match.allowed += kVerbNames[static_cast<size_t>(method.verb)];
   }
   return match;
 }

@@ -38,9 +38,9 @@ std::string Below(std::string_view where, std::string_view key) {
 }
 
 // Reads the keys of one card or channel that are there. Each key that Describe names is known.
-class Reader {
+class SettingsReader {
  public:
-  Reader(std::string where, const json::object& given) : where_(std::move(where)), given_(given) {}
+  SettingsReader(std::string where, const json::object& given) : where_(std::move(where)), given_(given) {}
 
   void Flag(std::string_view key, bool& flag) {
     if (const json::value* value = Find(key)) flag = ReadFlag(key, *value);
@@ -188,7 +188,7 @@ std::string ReadName(const std::string& where, const json::value& value) {
 template <class Settled>
 Settled ReadSettled(const std::string& where, const json::value& given, Settled settled) {
   if (!given.is_object()) throw DoesNotFit(where, fmt::format("{} takes an object", where));
-  Reader reader(where, given.get_object());
+  SettingsReader reader(where, given.get_object());
   Describe(reader, settled);
   reader.RefuseUnknown();
   return settled;

@@ -12,9 +12,9 @@ namespace {
 using namespace std::chrono;
 
 // What stands at the front of a text is taken off, piece by piece.
-class Reader {
+class TextReader {
  public:
-  explicit Reader(std::string_view text) : text_(text) {}
+  explicit TextReader(std::string_view text) : text_(text) {}
 
   int Digits(size_t count) {
     int value = 0;
@@ -72,7 +72,7 @@ std::optional<int64_t> ParseMilliseconds(std::string_view text) {
   return value;
 }
 
-std::optional<sys_days> ReadDate(Reader& reader) {
+std::optional<sys_days> ReadDate(TextReader& reader) {
   const year y{reader.Digits(4)};
   reader.Expect("-");
   const month m{static_cast<unsigned>(reader.Digits(2))};
@@ -84,7 +84,7 @@ std::optional<sys_days> ReadDate(Reader& reader) {
 }
 
 // A leap second counts as the one before it.
-std::optional<milliseconds> ReadTimeOfDay(Reader& reader) {
+std::optional<milliseconds> ReadTimeOfDay(TextReader& reader) {
   const int hour = reader.Digits(2);
   reader.Expect(":");
   const int minute = reader.Digits(2);
@@ -95,7 +95,7 @@ std::optional<milliseconds> ReadTimeOfDay(Reader& reader) {
   return hours{hour} + minutes{minute} + seconds{std::min(second, 59)} + milliseconds{fraction};
 }
 
-std::optional<minutes> ReadOffset(Reader& reader) {
+std::optional<minutes> ReadOffset(TextReader& reader) {
   reader.Expect("Zz+-");
   const char sign = reader.Taken();
   if (sign != '+' && sign != '-') return minutes{0};
@@ -108,7 +108,7 @@ std::optional<minutes> ReadOffset(Reader& reader) {
 }
 
 std::optional<int64_t> ParseDateTime(std::string_view text) {
-  Reader reader(text);
+  TextReader reader(text);
   const auto date = ReadDate(reader);
   if (!date) return std::nullopt;
   reader.Expect("Tt ");

@@ -19,7 +19,7 @@ namespace asio = boost::asio;
 
 namespace {
 
-constexpr size_t kLongestLine = 1000;  // the daemon writes none that is longer
+constexpr size_t kLongestLogLine = 1000;  // the daemon writes none that is longer
 
 // What is older says nothing that still holds: a daemon without an adapter writes this in hours.
 constexpr off_t kMostOld = 1'000'000;
@@ -33,7 +33,7 @@ LogFollower::LogFollower(asio::any_io_executor executor, std::string path, Sinks
     : path_(std::move(path)),
       sinks_(std::move(sinks)),
       changes_(std::move(executor)),
-      reader_(kLongestLine) {
+      reader_(kLongestLogLine) {
   const int changes = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
   if (changes >= 0) changes_.assign(changes);
 }
@@ -75,7 +75,7 @@ void LogFollower::Close() {
   if (!IsOpen()) return;
   if (changes_.is_open()) inotify_rm_watch(changes_.native_handle(), file_watch_);
   close(std::exchange(file_, -1));
-  reader_ = protocol::LineReader(kLongestLine);
+  reader_ = protocol::LineReader(kLongestLogLine);
 }
 
 bool LogFollower::IsReplaced() const {
