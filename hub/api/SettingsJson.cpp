@@ -40,7 +40,8 @@ std::string Below(std::string_view where, std::string_view key) {
 // Reads the keys of one card or channel that are there. Each key that Describe names is known.
 class SettingsReader {
  public:
-  SettingsReader(std::string where, const json::object& given) : where_(std::move(where)), given_(given) {}
+  SettingsReader(std::string where, const json::object& given)
+      : where_(std::move(where)), given_(given) {}
 
   void Flag(std::string_view key, bool& flag) {
     if (const json::value* value = Find(key)) flag = ReadFlag(key, *value);

@@ -54,10 +54,10 @@ class LiveClient : public std::enable_shared_from_this<LiveClient> {
   std::optional<uint64_t> told_;    // up to there; nothing: did not subscribe
   bool is_open_ = false;            // the handshake is behind it
   bool is_over_ = false;
-  bool is_cut_ = false;             // it did not take its answers
-  size_t workers_ = 0;  // coroutines besides Run
-  Signal news_;         // something to write
-  Signal room_;         // something was written, or ended
+  bool is_cut_ = false;  // it did not take its answers
+  size_t workers_ = 0;   // coroutines besides Run
+  Signal news_;          // something to write
+  Signal room_;          // something was written, or ended
 };
 
 }  // namespace hub::http

@@ -9,8 +9,7 @@ namespace hub::store {
 namespace {
 
 model::JournalEntry ReadEntry(const Statement& row) {
-  return {static_cast<uint64_t>(row.Integer(0)),
-          ToTime(row.Integer(1)), row.Text(2), row.Text(3),
+  return {static_cast<uint64_t>(row.Integer(0)), ToTime(row.Integer(1)), row.Text(2), row.Text(3),
           row.Text(4)};
 }
 

@@ -18,8 +18,7 @@ void AddCards(const json::object& holder, std::map<std::string, std::string>& va
 
 std::string EventText(const json::value& event) {
   return std::string(event.at("card").as_string()) + " " +
-         std::string(event.at("event_type").as_string()) + " " +
-         json::serialize(event.at("code"));
+         std::string(event.at("event_type").as_string()) + " " + json::serialize(event.at("code"));
 }
 
 }  // namespace
