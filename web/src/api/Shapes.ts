@@ -117,10 +117,6 @@ export interface Arrangement {
   groups?: { name: string; cards: string[] }[];
 }
 
-export interface CardSettings {
-  silent_range?: (number | null)[];
-}
-
 export interface Problem {
   title: string;
   status: number;

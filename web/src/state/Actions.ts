@@ -1,7 +1,7 @@
 // What can happen to the state.
 import type { Connection } from '../api/Live.js';
 import type { Arrangement, Card, Changes, Channel, Problem, Snapshot, Who } from '../api/Shapes.js';
-import type { AllOff } from './State.js';
+import type { AllOff, State } from './State.js';
 
 export type Action =
   | { type: 'connection'; state: Connection; nextTry: number | null; now: number }
@@ -13,4 +13,5 @@ export type Action =
   | { type: 'arrangement'; arrangement: Arrangement }
   | { type: 'refused'; id: number; problem: Problem }
   | { type: 'noticed'; id: number }
-  | { type: 'all-off'; allOff: AllOff | null };
+  | { type: 'all-off'; allOff: AllOff | null }
+  | { type: 'view'; part: Partial<Pick<State, 'plots' | 'console' | 'journal' | 'settings'>> };

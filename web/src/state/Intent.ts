@@ -1,7 +1,10 @@
 // What a person wants. Components emit intents and know nothing of how they come true.
-import type { Arrangement, Value } from '../api/Shapes.js';
+import type { CardSettings, CardSetup, ChannelSetup } from '../api/Settled.js';
+import type { Arrangement, Role, Value } from '../api/Shapes.js';
 
-export type Intent =
+export type Intent = BenchIntent | PlotIntent | ConsoleIntent | JournalIntent | SettingsIntent;
+
+export type BenchIntent =
   | { do: 'set'; id: string; value: Value }
   | { do: 'write'; address: string; row: number; column: number; text: string }
   | { do: 'control'; address: string; what: string } // "clear", "light-on", ...
@@ -16,6 +19,30 @@ export type Intent =
   | { do: 'log-out' }
   | { do: 'try-now' } // to connect
   | { do: 'dismiss'; notice: number };
+
+export type PlotIntent =
+  | { do: 'plot'; channels: readonly string[] } // these and no others
+  | { do: 'plot-look'; span: number; end: number | null }; // ms; null: live
+
+export type ConsoleIntent = { do: 'console-help' } | { do: 'console-run'; line: string };
+
+export type JournalIntent = { do: 'journal-read' } | { do: 'journal-older' };
+
+export type SettingsIntent =
+  | { do: 'settings-read' }
+  | { do: 'setup-card'; address: string; setup: CardSetup }
+  | { do: 'setup-channel'; id: string; setup: ChannelSetup }
+  | { do: 'card-ask'; address: string; ask: boolean } // not to ask: what is known already
+  | { do: 'card-set'; address: string; settings: CardSettings }
+  | { do: 'card-store'; address: string }
+  | { do: 'account-add'; account: string; password: string; role: Role }
+  | { do: 'account-change'; account: string; password?: string; role?: Role }
+  | { do: 'account-remove'; account: string }
+  | { do: 'token-add'; name: string; role: Role }
+  | { do: 'token-remove'; name: string }
+  | { do: 'token-seen' } // the new one's secret
+  | { do: 'backup-read' }
+  | { do: 'backup-put'; backup: object };
 
 export class IntentEvent extends Event {
   static readonly type = 'qelm-intent';

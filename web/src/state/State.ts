@@ -1,6 +1,10 @@
 // All that the page knows. Plain data that nobody changes in place: what is another object is new.
 import type { Connection } from '../api/Live.js';
 import type { Arrangement, Bus, Card, KeyEvent, Problem, Value, Who } from '../api/Shapes.js';
+import { type ConsoleLog, emptyConsole } from './console.js';
+import { emptyJournal, type JournalLog } from './journal.js';
+import { noPlots, type Plots } from './plots.js';
+import { noSettings, type Settings } from './settings.js';
 
 export interface TrailPoint {
   time: number; // ms, this machine's clock
@@ -38,6 +42,11 @@ export interface State {
   arrangement: Arrangement;
   notices: readonly Notice[];
   allOff: AllOff | null;
+  // What single views hold.
+  plots: Plots;
+  console: ConsoleLog;
+  journal: JournalLog;
+  settings: Settings;
 }
 
 export const beginning: State = {
@@ -55,4 +64,8 @@ export const beginning: State = {
   arrangement: {},
   notices: [],
   allOff: null,
+  plots: noPlots,
+  console: emptyConsole,
+  journal: emptyJournal,
+  settings: noSettings,
 };

@@ -2,6 +2,7 @@
 import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
 import type { Action } from './Actions.js';
 import { addKeys, addTurns, codesAfter, trailsAfter } from './memory.js';
+import { plotsAfter } from './plots.js';
 import type { State } from './State.js';
 
 const mostNotices = 3;
@@ -28,6 +29,8 @@ export function reduce(state: State, action: Action): State {
       return { ...state, notices: state.notices.filter(({ id }) => id !== action.id) };
     case 'all-off':
       return { ...state, allOff: action.allOff };
+    case 'view':
+      return { ...state, ...action.part };
   }
 }
 
@@ -100,7 +103,7 @@ function takeChannels(state: State, fresh: Changes['channels'], now: number): St
 function remember(state: State, channels: Changes['channels'], now: number): State {
   const trails = trailsAfter(state.trails, channels, now);
   const codes = codesAfter(state.codes, channels);
-  return { ...state, trails, codes };
+  return { ...state, trails, codes, plots: plotsAfter(state.plots, channels) };
 }
 
 function addNotice(state: State, id: number, problem: Problem): State {

@@ -1,0 +1,40 @@
+// Outputs, names and the arrangement.
+import type { Arrangement, Channel } from '../../api/Shapes.js';
+import type { BenchIntent } from '../Intent.js';
+import { switchAllOff, undoAllOff } from './allOff.js';
+import type { Deeds, Hub } from './Deeds.js';
+
+type Wanted = Exclude<BenchIntent, { do: 'log-in' | 'log-out' | 'try-now' | 'dismiss' }>;
+
+export const benchDeeds: Deeds<Wanted> = {
+  set: (hub, { id, value }) => hub.latest.run(id, () => set(hub, id, value)),
+  write: (hub, { address, row, column, text }) =>
+    hub.ask('lcd.write', { address, row, column, text }),
+  control: (hub, { address, what }) => hub.ask('lcd.control', { address, do: what }),
+  infrared: (hub, { address, bytes }) => hub.ask('ir.send', { address, bytes }),
+  'rename-card': (hub, { address, name }) => hub.ask('names.merge', { cards: { [address]: name } }),
+  'rename-channel': (hub, { id, name }) => hub.ask('names.merge', { channels: { [id]: name } }),
+  'rename-bus': (hub, { name }) => hub.ask('names.merge', { bus: name }),
+  arrange: (hub, { arrangement }) => arrange(hub, arrangement),
+  'all-off': switchAllOff,
+  'undo-all-off': undoAllOff,
+};
+
+async function set(hub: Hub, id: string, value: Channel['value']): Promise<void> {
+  try {
+    const channel = (await hub.ask('channels.set', { id, value })) as Channel;
+    hub.dispatch({ type: 'channel', channel, now: Date.now() });
+  } catch (reason) {
+    hub.refuse(reason);
+  }
+}
+
+async function arrange(hub: Hub, arrangement: Arrangement): Promise<void> {
+  await hub.ask('page.set', { page: arrangement });
+  hub.dispatch({ type: 'arrangement', arrangement });
+}
+
+export async function readArrangement(hub: Hub): Promise<void> {
+  const arrangement = (await hub.ask('page.get', {})) as Arrangement;
+  hub.dispatch({ type: 'arrangement', arrangement });
+}
