@@ -1,7 +1,16 @@
 // All texts of the page in English. Another language is another object of this shape.
+import { console_, journal, plots, settings } from './views.js';
+
 export const en = {
   page: 'qelm',
-  nav: { label: 'Views', bench: 'Bench' },
+  nav: {
+    label: 'Views',
+    bench: 'Bench',
+    plots: plots.title,
+    console: console_.title,
+    journal: journal.title,
+    settings: settings.title,
+  },
   kinds: {
     'digital-output': 'Switch outputs',
     'digital-input': 'Contact inputs',
@@ -156,4 +165,8 @@ export const en = {
     at: (bus: string, time: string) => `${bus}, ${time}`,
   },
   loading: 'Connecting to the hub',
+  plots,
+  console: console_,
+  journal,
+  settings,
 };

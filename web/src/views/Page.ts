@@ -110,10 +110,12 @@ export class Page extends LitElement {
     if (this.ownRole.value === null)
       return html`<main><qelm-log-in></qelm-log-in></main>
         <qelm-notices></qelm-notices>`;
-    const view = viewAt(this.hash);
+    const view = viewAt(this.hash, this.offered);
+    void view.load();
     return html`<header><qelm-state-bar>${this.renderNav()}</qelm-state-bar></header>
       <qelm-notices></qelm-notices>
       <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render()}</main>
+      <qelm-channel-menu></qelm-channel-menu>
       <qelm-card-table></qelm-card-table>`;
   }
 
@@ -124,7 +126,7 @@ export class Page extends LitElement {
   private renderNav() {
     const offered = this.offered;
     if (offered.length < 2) return nothing;
-    const current = viewAt(this.hash);
+    const current = viewAt(this.hash, offered);
     return html`<nav class="many" aria-label=${text.nav.label}>
       ${offered.map(
         (view) =>
@@ -138,6 +140,5 @@ export class Page extends LitElement {
 
   private readonly onHash = (): void => {
     this.hash = location.hash;
-    void viewAt(this.hash).load();
   };
 }

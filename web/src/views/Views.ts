@@ -23,8 +23,45 @@ const bench: View = {
   render: () => html`<qelm-bench></qelm-bench>`,
 };
 
-export const views: readonly View[] = [bench];
+const plots: View = {
+  name: 'plots',
+  title: text.nav.plots,
+  role: 'view',
+  icon: 'M4 4v16h16M7 15l3-5 4 3 5-7',
+  load: () => import('./plots/Plots.js'),
+  render: () => html`<qelm-plots></qelm-plots>`,
+};
 
-export function viewAt(hash: string): View {
-  return views.find(({ name }) => `#${name}` === hash) ?? bench;
+const console: View = {
+  name: 'console',
+  title: text.nav.console,
+  role: 'admin',
+  icon: 'M4 5h16v14H4zM7 9l3 3-3 3M12 15h5',
+  load: () => import('./console/Console.js'),
+  render: () => html`<qelm-console></qelm-console>`,
+};
+
+const journal: View = {
+  name: 'journal',
+  title: text.nav.journal,
+  role: 'view',
+  icon: 'M4 6h2M4 12h2M4 18h2M9 6h11M9 12h11M9 18h11',
+  load: () => import('./journal/Journal.js'),
+  render: () => html`<qelm-journal></qelm-journal>`,
+};
+
+const settings: View = {
+  name: 'settings',
+  title: text.nav.settings,
+  role: 'view',
+  icon: 'M4 7h8M16 7h4M14 4.5v5M4 17h4M12 17h8M10 14.5v5',
+  load: () => import('./settings/Settings.js'),
+  render: () => html`<qelm-settings></qelm-settings>`,
+};
+
+export const views: readonly View[] = [bench, plots, console, journal, settings];
+
+// The bench, where there is no such view, or not for this role.
+export function viewAt(hash: string, offered: readonly View[] = views): View {
+  return offered.find(({ name }) => `#${name}` === hash) ?? bench;
 }

@@ -1,6 +1,7 @@
 // What is there at first sight; other views come when somebody goes there.
 import './Bench.js';
 import './CardTable.js';
+import './ChannelMenu.js';
 import './FirstRun.js';
 import './LogIn.js';
 import './Notices.js';

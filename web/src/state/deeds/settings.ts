@@ -22,7 +22,8 @@ export const settingsDeeds: Deeds<SettingsIntent> = {
     takeAccounts(hub, await hub.ask('accounts.add', { account, password, role }));
     await askWho(hub); // the first account ends the time without a login
   },
-  'account-change': async (hub, { do: _, ...change }) => {
+  'account-change': async (hub, { account, password, role }) => {
+    const change = { account, ...(password ? { password } : {}), ...(role ? { role } : {}) };
     takeAccounts(hub, await hub.ask('accounts.change', change));
   },
   'account-remove': async (hub, { account }) => {

@@ -1,0 +1,110 @@
+import { css } from 'lit';
+
+export const plotsStyle = css`
+  .spans {
+    display: flex;
+    flex-wrap: wrap;
+  }
+  .spans .key {
+    border-radius: 0;
+    margin-right: -1px;
+    padding: 0 0.625rem;
+  }
+  .key[aria-pressed='true'] {
+    position: relative;
+    border-color: var(--ink);
+    box-shadow: inset 0 -2px var(--ink);
+    font-weight: 600;
+  }
+  .icon {
+    width: var(--touch);
+    padding: 0;
+  }
+  .icon svg {
+    width: 1rem;
+    height: 1rem;
+    fill: none;
+    stroke: currentcolor;
+    stroke-width: 1.5;
+  }
+  .key:disabled {
+    color: var(--faint);
+    border-color: var(--line);
+  }
+  summary {
+    display: flex;
+    align-items: center;
+    gap: 0.5rem;
+    min-height: var(--touch);
+    padding: 0 0.75rem;
+    font-size: 0.8125rem;
+    font-weight: 600;
+    cursor: pointer;
+  }
+  summary::before {
+    content: '';
+    width: 0.4375rem;
+    height: 0.4375rem;
+    border: solid var(--ink);
+    border-width: 0 1.5px 1.5px 0;
+    transform: rotate(-45deg);
+  }
+  [open] > summary::before {
+    transform: rotate(45deg);
+  }
+  [open] > summary {
+    border-bottom: var(--hair) solid var(--line);
+  }
+  .none {
+    padding: 1rem 0.75rem;
+  }
+  .strip {
+    position: relative;
+    margin-top: 0.75rem;
+    padding-top: 1.5rem;
+  }
+  .lanes {
+    position: absolute;
+    z-index: 1;
+    inset: 0 0 0 11rem;
+    touch-action: pan-y;
+    cursor: crosshair;
+  }
+  .lanes:active {
+    cursor: grabbing;
+  }
+  .lanes:focus-visible {
+    outline-offset: -2px;
+  }
+  .hair {
+    position: absolute;
+    z-index: 1;
+    inset: 0 auto 0 0;
+    border-left: var(--hair) solid var(--ink);
+    pointer-events: none;
+  }
+  .hair span {
+    position: absolute;
+    top: 0.25rem;
+    left: 0.375rem;
+    font-size: 0.75rem;
+    white-space: nowrap;
+  }
+  .hair.far span {
+    right: 0.375rem;
+    left: auto;
+  }
+  @media (max-width: 639px) {
+    .lanes {
+      left: 0;
+      right: 3rem;
+    }
+    .spans {
+      width: 100%;
+    }
+    .spans .key {
+      flex: 1;
+      padding: 0 0.25rem;
+    }
+  }
+`;
