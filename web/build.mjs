@@ -12,6 +12,9 @@ const dist = join(here, 'dist');
 await rm(dist, { recursive: true, force: true });
 await mkdir(dist);
 
+const project = await readFile(join(here, '../CMakeLists.txt'), 'utf8');
+const version = /project\(qelm VERSION ([\d.]+)/.exec(project)[1];
+
 const result = await build({
   absWorkingDir: here,
   entryPoints: ['src/main.ts', 'src/theme/page.css', 'src/theme/icon.svg'],
@@ -28,7 +31,7 @@ const result = await build({
   metafile: true,
   write: false,
   loader: { '.svg': 'copy' },
-  define: { 'process.env.NODE_ENV': '"production"' },
+  define: { 'process.env.NODE_ENV': '"production"', QELM_VERSION: JSON.stringify(version) },
 });
 
 const files = new Map(result.outputFiles.map((file) => [relative(dist, file.path), file.contents]));

@@ -1,0 +1,223 @@
+// Names, units and directions of a card's channels, and what the card keeps of itself.
+import { html, LitElement, nothing } from 'lit';
+import { customElement, state } from 'lit/decorators.js';
+
+import type { CardSetup, ChannelSetup } from '../../api/Settled.js';
+import type { Card, Channel } from '../../api/Shapes.js';
+import { want } from '../../state/Intent.js';
+import { may, presentCards } from '../../state/select.js';
+import { Reads } from '../../state/Store.js';
+import { text } from '../../text/text.js';
+import { base } from '../../theme/base.js';
+import { nameOf } from '../../widgets/format.js';
+import { viewStyle } from '../viewStyle.js';
+import { numberIn } from './fields.js';
+import './KeptInCard.js';
+import { sectionStyle } from './settingsStyle.js';
+
+type NumberKey = 'min' | 'max' | 'decimals' | 'hysteresis';
+
+const { setup: words } = text.settings;
+const numbersOf: Partial<Record<Channel['type'], readonly NumberKey[]>> = {
+  level: ['min', 'max', 'decimals', 'hysteresis'],
+  position: ['min', 'max', 'decimals'],
+};
+
+@customElement('qelm-set-cards')
+export class Cards extends LitElement {
+  static override styles = [base, viewStyle, sectionStyle];
+
+  private readonly cards = new Reads(this, (known) => known.cards);
+  private readonly setup = new Reads(this, (known) => known.settings.setup);
+  private readonly isAdmin = new Reads(this, (known) => may(known, 'admin'));
+  @state() private address = '';
+
+  override render() {
+    const cards = presentCards({ cards: this.cards.value });
+    const card = cards.find(({ address }) => address === this.address) ?? cards[0];
+    if (!card) return html`<p class="note">${text.settings.noCards}</p>`;
+    return html`${this.isAdmin.value
+        ? nothing
+        : html`<p class="note">${text.settings.readOnly}</p>`}
+      <div class="form">
+        <label class="labelled">
+          ${words.choose}
+          <select
+            class="field"
+            @change=${(event: Event) => {
+              this.address = (event.target as HTMLSelectElement).value;
+            }}
+          >
+            ${cards.map(
+              (each) =>
+                html`<option value=${each.address} .selected=${each === card}>
+                  ${each.address} ${each.name ?? text.kinds[each.kind]}
+                </option>`,
+            )}
+          </select>
+        </label>
+        ${this.renderText(
+          html`<span>${words.name}</span>`,
+          card.name,
+          text.kinds[card.kind],
+          (name) => {
+            want(this, { do: 'rename-card', address: card.address, name });
+          },
+        )}
+        ${this.renderCard(card)}
+      </div>
+      ${card.channels.length > 0 ? this.renderChannels(card) : nothing}
+      <qelm-kept-in-card .card=${card} .usable=${this.isAdmin.value}></qelm-kept-in-card>`;
+  }
+
+  private renderText(
+    label: unknown,
+    value: string | null,
+    usual: string,
+    keep: (value: string | null) => void,
+  ) {
+    return html`<label class="labelled">
+      ${label}
+      ${this.renderField('', value ?? '', usual, 64, (content) => {
+        keep(content || null);
+      })}
+    </label>`;
+  }
+
+  // An empty field is as usual, and shows what that is.
+  private renderField(
+    label: string,
+    value: string,
+    usual: string,
+    longest: number,
+    keep: (content: string) => void,
+  ) {
+    return html`<input
+      class="field"
+      aria-label=${label || nothing}
+      maxlength=${longest}
+      placeholder=${usual}
+      ?disabled=${!this.isAdmin.value}
+      .value=${value}
+      @change=${(event: Event) => {
+        keep((event.target as HTMLInputElement).value.trim());
+      }}
+    />`;
+  }
+
+  private renderCard({ address, kind }: Card) {
+    const own = this.setup.value?.cards[address] ?? {};
+    const keep = (setup: CardSetup) => {
+      want(this, { do: 'setup-card', address, setup });
+    };
+    const tick = (key: 'keep' | 'signed', label: string, usual: boolean) =>
+      html`<label class="row">
+        <input
+          type="checkbox"
+          .checked=${own[key] ?? usual}
+          ?disabled=${!this.isAdmin.value}
+          @change=${(event: Event) => {
+            keep({ [key]: (event.target as HTMLInputElement).checked });
+          }}
+        />
+        ${label}
+      </label>`;
+    const size = (key: 'rows' | 'columns', usual: number) =>
+      html`<label class="labelled short">
+        ${words[key]}
+        ${this.renderField('', String(own[key] ?? ''), String(usual), 3, (content) => {
+          keep({ [key]: numberIn(content) });
+        })}
+      </label>`;
+    if (kind === 'lcd') return html`${size('rows', 4)}${size('columns', 20)}`;
+    if (kind === 'motor')
+      return html`${tick('signed', words.signed, false)}${tick('keep', words.keepMotor, false)}`;
+    if (kind === 'digital-output' || kind === 'servo') return tick('keep', words.keep, true);
+    return nothing;
+  }
+
+  private renderChannels(card: Card) {
+    const [first] = card.channels;
+    const numbers = (first && numbersOf[first.type]) ?? [];
+    const isLine = first?.type === 'switch' || first?.type === 'contact';
+    const heads = [words.channel, words.name];
+    if (numbers.length > 0) heads.push(words.unit, ...numbers.map((key) => words[key]));
+    if (isLine) heads.push(words.active);
+    return html`<div class="wide" tabindex="0" role="group" aria-label=${text.settings.cards}>
+      <table>
+        <thead>
+          <tr>
+            ${heads.map((head) => html`<th scope="col">${head}</th>`)}
+          </tr>
+        </thead>
+        <tbody>
+          ${card.channels.map((channel) => this.renderChannel(channel, numbers, isLine))}
+        </tbody>
+      </table>
+    </div>`;
+  }
+
+  private renderChannel(channel: Channel, numbers: readonly NumberKey[], isLine: boolean) {
+    const { id } = channel;
+    const own = this.setup.value?.channels[id] ?? {};
+    const label = (what: string) => words.of(what, nameOf(channel));
+    const keep = (setup: ChannelSetup) => {
+      want(this, { do: 'setup-channel', id, setup });
+    };
+    const usual = { min: '0', max: '255', decimals: '0', hysteresis: '0' };
+    const name = this.renderField(
+      label(words.name),
+      channel.name ?? '',
+      nameOf({ ...channel, name: null }),
+      64,
+      (content) => {
+        want(this, { do: 'rename-channel', id, name: content || null });
+      },
+    );
+    const unit = () =>
+      this.renderField(label(words.unit), own.unit ?? '', '', 16, (content) => {
+        keep({ unit: content || null });
+      });
+    return html`<tr>
+      <td>${id}</td>
+      <td class="name">${name}</td>
+      ${numbers.length > 0 ? html`<td>${unit()}</td>` : nothing}
+      ${numbers.map(
+        (key) =>
+          html`<td>
+            ${this.renderField(
+              label(words[key]),
+              String(own[key] ?? ''),
+              usual[key],
+              12,
+              (content) => {
+                keep({ [key]: numberIn(content) });
+              },
+            )}
+          </td>`,
+      )}
+      ${isLine ? html`<td>${this.renderLevel(channel, own, keep)}</td>` : nothing}
+    </tr>`;
+  }
+
+  private renderLevel(channel: Channel, own: ChannelSetup, keep: (setup: ChannelSetup) => void) {
+    const usual = channel.type === 'switch' ? 'low' : 'high';
+    const level = own.active ?? usual;
+    return html`<select
+      class="field"
+      aria-label=${words.of(words.active, nameOf(channel))}
+      ?disabled=${!this.isAdmin.value}
+      @change=${(event: Event) => {
+        const chosen = (event.target as HTMLSelectElement).value as 'high' | 'low';
+        keep({ active: chosen === usual ? null : chosen });
+      }}
+    >
+      ${(['high', 'low'] as const).map(
+        (each) =>
+          html`<option value=${each} .selected=${each === level}>
+            ${each === usual ? words.usual(words[each]) : words[each]}
+          </option>`,
+      )}
+    </select>`;
+  }
+}

@@ -1,0 +1,172 @@
+// What a card keeps of itself. Asking and setting cost the bus a second a value.
+import { html, LitElement, nothing } from 'lit';
+import { customElement, property } from 'lit/decorators.js';
+
+import type { Bytes, CardSettings } from '../../api/Settled.js';
+import type { Card } from '../../api/Shapes.js';
+import { want } from '../../state/Intent.js';
+import { askedValues, isStored } from '../../state/settings.js';
+import { Reads } from '../../state/Store.js';
+import { text } from '../../text/text.js';
+import { base } from '../../theme/base.js';
+import { nameOf } from '../../widgets/format.js';
+import { viewStyle } from '../viewStyle.js';
+import { numberIn, withAt } from './fields.js';
+import { sectionStyle } from './settingsStyle.js';
+
+type ListKey = 'end_a' | 'end_b' | 'silent_range';
+type FlagKey = 'self_test' | 'init_light';
+
+const { kept: words, setup } = text.settings;
+const inputs = 6; // of an analogue card
+
+@customElement('qelm-kept-in-card')
+export class KeptInCard extends LitElement {
+  static override styles = [base, viewStyle, sectionStyle];
+
+  @property({ attribute: false }) card!: Card;
+  @property({ type: Boolean }) usable = false;
+  private readonly kept = new Reads(this, (state) => state.settings.cards);
+  private asked = ''; // the card whose values were asked for
+
+  override updated(): void {
+    const { address, kind } = this.card;
+    if (this.asked === address || askedValues[kind] === undefined) return;
+    this.asked = address;
+    want(this, { do: 'card-ask', address, ask: false });
+  }
+
+  override render() {
+    const { address, kind } = this.card;
+    const count = askedValues[kind];
+    if (count === undefined) return nothing;
+    const { settings = {}, doing = null } = this.kept.value[address] ?? {};
+    return html`<hr />
+      <h3>${words.title}</h3>
+      ${this.usable ? this.renderAsk(count, doing !== null) : nothing}
+      <p class="note ${doing ? 'busy' : ''}" role="status">${doing ? words[doing] : nothing}</p>
+      ${this.renderValues(settings, doing !== null)}
+      ${this.usable && isStored(kind) ? this.renderStore(doing !== null) : nothing}`;
+  }
+
+  private renderAsk(count: number, isBusy: boolean) {
+    if (count === 0) return html`<p class="note">${words.selfStored}</p>`;
+    return html`<div class="tools">
+        <button
+          class="key"
+          ?disabled=${isBusy}
+          @click=${() => {
+            want(this, { do: 'card-ask', address: this.card.address, ask: true });
+          }}
+        >
+          ${words.ask(count)}
+        </button>
+      </div>
+      <p class="note">${words.cost(count)} ${words.costSet}</p>`;
+  }
+
+  private renderStore(isBusy: boolean) {
+    return html`<div class="tools">
+        <button
+          class="key"
+          ?disabled=${isBusy}
+          @click=${() => {
+            want(this, { do: 'card-store', address: this.card.address });
+          }}
+        >
+          ${words.store}
+        </button>
+      </div>
+      <p class="note">${words.storeNote}</p>`;
+  }
+
+  private renderValues(settings: CardSettings, isBusy: boolean) {
+    switch (this.card.kind) {
+      case 'servo':
+        return html`${this.renderList('end_a', words.endA, settings, isBusy)}
+        ${this.renderList('end_b', words.endB, settings, isBusy)}`;
+      case 'motor':
+        return html`${this.renderList('silent_range', words.range, settings, isBusy)}
+          <p class="note">${words.rangeNote}</p>`;
+      case 'analogue-input':
+        return this.renderMask(settings.mask ?? null, isBusy);
+      default:
+        return html`<div class="ticks">
+          ${this.renderFlag('self_test', words.selfTest, settings, isBusy)}
+          ${this.renderFlag('init_light', words.initLight, settings, isBusy)}
+        </div>`;
+    }
+  }
+
+  private set(settings: CardSettings): void {
+    want(this, { do: 'card-set', address: this.card.address, settings });
+  }
+
+  // Only what is changed is sent: null leaves a value as it is.
+  private renderList(key: ListKey, title: string, settings: CardSettings, isBusy: boolean) {
+    const count = key === 'silent_range' ? 3 : 6;
+    const none: Bytes = Array.from({ length: count }, () => null);
+    const values = settings[key] ?? none;
+    return html`<div class="grid">
+      ${values.map((value, place) => {
+        const channel = this.card.channels[place];
+        const label = setup.of(title, channel ? nameOf(channel) : String(place));
+        return html`<label class="labelled">
+          ${label}
+          <input
+            class="field"
+            inputmode="numeric"
+            maxlength="3"
+            placeholder=${words.unknown}
+            ?disabled=${isBusy || !this.usable}
+            .value=${value === null ? '' : String(value)}
+            @change=${(event: Event) => {
+              const given = numberIn((event.target as HTMLInputElement).value);
+              if (given !== null) this.set({ [key]: withAt(none, place, given) });
+            }}
+          />
+        </label>`;
+      })}
+    </div>`;
+  }
+
+  private renderMask(mask: number | null, isBusy: boolean) {
+    return html`<fieldset class="ticks">
+      <legend class="note">
+        ${words.mask}${mask === null ? html` (${words.unknown})` : nothing}
+      </legend>
+      ${Array.from({ length: inputs }, (_, bit) => {
+        const channel = this.card.channels[bit];
+        return html`<label class="row">
+          <input
+            type="checkbox"
+            ?disabled=${isBusy || mask === null || !this.usable}
+            .checked=${mask !== null && (mask & (1 << bit)) !== 0}
+            @change=${() => {
+              this.set({ mask: (mask ?? 0) ^ (1 << bit) });
+            }}
+          />
+          ${channel ? nameOf(channel) : bit}
+        </label>`;
+      })}
+    </fieldset>`;
+  }
+
+  private renderFlag(key: FlagKey, label: string, settings: CardSettings, isBusy: boolean) {
+    const value = settings[key] ?? null;
+    return html`<label class="labelled">
+      ${label}
+      <select
+        class="field"
+        ?disabled=${isBusy || !this.usable}
+        @change=${(event: Event) => {
+          this.set({ [key]: (event.target as HTMLSelectElement).value === 'yes' });
+        }}
+      >
+        ${value === null ? html`<option selected disabled>${words.unknown}</option>` : nothing}
+        <option value="yes" .selected=${value === true}>${words.yes}</option>
+        <option value="no" .selected=${value === false}>${words.no}</option>
+      </select>
+    </label>`;
+  }
+}

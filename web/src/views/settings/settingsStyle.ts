@@ -1,0 +1,150 @@
+// The settings' frame, and what its sections have in common.
+import { css } from 'lit';
+
+export const settingsStyle = css`
+  .pages {
+    display: grid;
+    grid-template-columns: 13rem minmax(0, 1fr);
+    gap: 0.75rem;
+    align-items: start;
+    max-width: 76rem;
+  }
+  .list {
+    display: grid;
+  }
+  .list button {
+    min-height: max(var(--touch), 2.25rem);
+    padding: 0 0.75rem;
+    border-left: 2px solid var(--line);
+    border-radius: 0;
+    color: var(--faint);
+    font-size: 0.875rem;
+  }
+  .list button[aria-pressed='true'] {
+    border-color: var(--ink);
+    color: var(--ink);
+    font-weight: 600;
+  }
+  section {
+    padding: 0.75rem 1rem 1rem;
+  }
+  section > h2 {
+    padding-bottom: 0.5rem;
+  }
+  @media (max-width: 767px) {
+    .pages {
+      grid-template-columns: minmax(0, 1fr);
+    }
+    .list {
+      display: flex;
+      flex-wrap: wrap;
+    }
+    .list button {
+      border-left: 0;
+      border-bottom: 2px solid var(--line);
+      font-size: 0.8125rem;
+    }
+    section {
+      padding-inline: 0.75rem;
+    }
+  }
+`;
+
+export const sectionStyle = css`
+  :host {
+    display: grid;
+    gap: 1rem;
+    padding: 0;
+  }
+  form,
+  .form {
+    display: flex;
+    flex-wrap: wrap;
+    align-items: end;
+    gap: 0.5rem 0.75rem;
+  }
+  .labelled {
+    display: grid;
+    gap: 0.25rem;
+    color: var(--faint);
+    font-size: 0.75rem;
+  }
+  .labelled .field {
+    color: var(--ink);
+  }
+  .short {
+    width: 5.5rem;
+  }
+  table {
+    width: 100%;
+    border-collapse: collapse;
+    font-size: 0.8125rem;
+  }
+  .wide {
+    overflow-x: auto;
+  }
+  th {
+    padding: 0.25rem 0.5rem 0.25rem 0;
+    border-bottom: var(--hair) solid var(--line);
+    color: var(--faint);
+    font-size: 0.75rem;
+    font-weight: 400;
+    text-align: left;
+    white-space: nowrap;
+  }
+  td {
+    padding: 0.25rem 0.5rem 0.25rem 0;
+    border-bottom: var(--hair) solid var(--line);
+  }
+  td .field {
+    width: 100%;
+    min-width: 4rem;
+  }
+  td.name .field {
+    min-width: 8rem;
+  }
+  td.end {
+    text-align: right;
+  }
+  .secret {
+    display: grid;
+    gap: 0.5rem;
+    padding: 0.75rem;
+    border: var(--hair) solid var(--ink);
+    background: var(--well);
+    font-size: 0.8125rem;
+  }
+  .secret code {
+    font-family: var(--mono);
+    font-size: 0.9375rem;
+    overflow-wrap: anywhere;
+    user-select: all;
+  }
+  hr {
+    width: 100%;
+    margin: 0;
+    border: 0;
+    border-top: var(--hair) solid var(--line);
+  }
+  .grid {
+    display: grid;
+    grid-template-columns: repeat(auto-fill, minmax(6.5rem, 1fr));
+    gap: 0.5rem 0.75rem;
+  }
+  .ticks {
+    display: flex;
+    flex-wrap: wrap;
+    gap: 0 1.25rem;
+  }
+  .ticks label,
+  label.row {
+    min-height: var(--touch);
+  }
+  .key:disabled {
+    color: var(--faint);
+    border-color: var(--line);
+  }
+  .busy::after {
+    content: ' …';
+  }
+`;
