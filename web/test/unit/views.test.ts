@@ -1,0 +1,151 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+import type { JournalEntry, Point } from '../../src/api/Past.js';
+import {
+  commandsIn,
+  completed,
+  completions,
+  emptyConsole,
+  linesBefore,
+  withAnswer,
+  withLine,
+} from '../../src/state/console.js';
+import { emptyJournal, filtered, journalAfter, wholeJournal } from '../../src/state/journal.js';
+import {
+  heldAt,
+  heldCurve,
+  moved,
+  noPlots,
+  plotsAfter,
+  windowOf,
+  withChannels,
+  withHistory,
+  zoomed,
+} from '../../src/state/plots.js';
+import { csvOf } from '../../src/views/plots/csv.js';
+import { numberIn } from '../../src/views/settings/fields.js';
+import { channel } from './kit.js';
+
+const at = (time: number, value: number): Point => [time, value, value, value];
+const level = (value: number, since: string) =>
+  channel('F.3', { type: 'level', value, raw: value, since });
+
+test('a live window ends now; what reaches now while it is moved is live again', () => {
+  assert.deepEqual(windowOf({ span: 60, end: null }, 1000), { from: 940, to: 1000 });
+  assert.deepEqual(windowOf({ span: 60, end: 500 }, 1000), { from: 440, to: 500 });
+  assert.deepEqual(moved({ from: 9_000, to: 19_000 }, -5000, 19_000), {
+    span: 10_000,
+    end: 14_000,
+  });
+  assert.deepEqual(moved({ from: 4_000, to: 14_000 }, 6000, 19_000), { span: 10_000, end: null });
+});
+
+test('the moment under the pointer stays while the window is zoomed', () => {
+  const window = { from: 0, to: 100_000 };
+  assert.deepEqual(zoomed(window, 0.5, 25_000, 1e9), { span: 50_000, end: 62_500 });
+  assert.deepEqual(zoomed(window, 0.5, 100_000, 100_000), { span: 50_000, end: null });
+});
+
+test('values that come are behind the history, those of others are not kept', () => {
+  let plots = withChannels(noPlots, ['F.3']);
+  plots = plotsAfter(plots, [level(7, '1970-01-01T00:00:05.000Z'), channel('5.0')]);
+  plots = withHistory(plots, { channel: 'F.3', unit: null, step_ms: 0, points: [at(1000, 3)] });
+  assert.deepEqual(plots.curves, { 'F.3': [at(1000, 3), at(5000, 7)] });
+  assert.equal(plotsAfter(plots, [level(7, '1970-01-01T00:00:05.000Z')]), plots);
+  assert.deepEqual(withChannels(plots, []).curves, {});
+});
+
+test('a value holds until the next, and what is not known is not drawn', () => {
+  const points = [at(1000, 3), at(5000, 7)];
+  assert.equal(heldAt(points, 999), null);
+  assert.deepEqual(heldAt(points, 4999), at(1000, 3));
+  const window = { from: 2000, to: 9000 };
+  assert.deepEqual(heldCurve(points, level(7, '1970-01-01T00:00:05.000Z'), window, 9000), [
+    ...points,
+    at(9000, 7),
+  ]);
+  const still = level(4, '1970-01-01T00:00:01.000Z');
+  assert.deepEqual(heldCurve([], still, window, 9000), [at(2000, 4), at(9000, 4)]);
+  assert.deepEqual(heldCurve([], { ...still, known: false }, window, 9000), []);
+});
+
+test('CSV has a row a change, and no name is taken for a formula', () => {
+  const column = { id: 'F.3', name: '=1+1, "x"', unit: 'V', points: [at(1000, 3), at(5000, 7.5)] };
+  assert.equal(
+    csvOf([column], { from: 2000, to: 9000 }),
+    'time,channel,name,mean,least,most,unit\r\n' +
+      '1970-01-01T00:00:02.000Z,F.3,"\'=1+1, ""x""",3,3,3,V\r\n' +
+      '1970-01-01T00:00:05.000Z,F.3,"\'=1+1, ""x""",7.5,7.5,7.5,V\r\n',
+  );
+});
+
+test('HELP gives the commands, and what is typed becomes one of them', () => {
+  const commands = commandsIn([
+    '--Driver commands--',
+    ' - POLLSTATE          shows polling states',
+    ' - POLLON:x           activates polling on the card at address x  (x=0..F)',
+    ' - SETSCpc:x=vv       sets end position parameters',
+  ]);
+  assert.deepEqual(
+    commands.map(({ stem }) => stem),
+    ['POLLSTATE', 'POLLON:', 'SETSC'],
+  );
+  assert.equal(completed(completions(commands, 'po'), 'po'), 'POLL');
+  assert.equal(completed(completions(commands, 'POLLO'), 'POLLO'), 'POLLON:');
+  assert.deepEqual(
+    completions(commands, 'POLLON:3').map(({ form }) => form),
+    ['POLLON:x'],
+  );
+  assert.deepEqual(completions(commands, ''), []);
+});
+
+test('the console remembers lines, each once, and puts answers to theirs', () => {
+  let log = withLine(withLine(withLine(emptyConsole, 'HELP'), 'DRVVER'), 'HELP');
+  assert.deepEqual(linesBefore(log), ['HELP', 'DRVVER']);
+  log = withAnswer(log, 2, { answer: ['CIA: DRIVER VERSION 1.20'] });
+  assert.deepEqual(
+    log.said.map(({ answer }) => answer),
+    [null, ['CIA: DRIVER VERSION 1.20'], null],
+  );
+});
+
+const entry = (seq: number, kind: string, text: string): JournalEntry => ({
+  seq,
+  time: '2026-11-21T12:00:00.000Z',
+  kind,
+  text,
+  by: seq === 2 ? 'operator' : null,
+});
+
+test('the journal is filtered by kind and by all words, the newest first', () => {
+  const entries = [entry(1, 'hub', 'started'), entry(2, 'command', '5.0 (Lamp): on')];
+  const log = wholeJournal(emptyJournal, { entries, lost: 0 });
+  const seqs = (kind: string, words: string) =>
+    filtered(log, { kind, words }).map(({ seq }) => seq);
+  assert.deepEqual(seqs('', ''), [2, 1]);
+  assert.deepEqual(seqs('hub', ''), [1]);
+  assert.deepEqual(seqs('', 'OPERATOR lamp'), [2]);
+  assert.deepEqual(seqs('hub', 'lamp'), []);
+});
+
+test('entries that passed unseen are counted as lost', () => {
+  const log = wholeJournal(emptyJournal, { entries: [entry(1, 'hub', 'started')], lost: 0 });
+  const next = journalAfter(log, {
+    entries: [entry(5, 'hub', 'a'), entry(6, 'hub', 'b')],
+    lost: 0,
+  });
+  assert.equal(next.lost, 3);
+  assert.deepEqual(
+    next.entries.map(({ seq }) => seq),
+    [1, 5, 6],
+  );
+  assert.equal(journalAfter(next, { entries: [], lost: 0 }), next);
+});
+
+test('an empty field is as usual; a comma is a point', () => {
+  assert.equal(numberIn(' '), null);
+  assert.equal(numberIn('x'), null);
+  assert.equal(numberIn('2,5'), 2.5);
+  assert.equal(numberIn('\u221290'), -90);
+});
