@@ -1,0 +1,104 @@
+// The views beside the bench, as a person uses them.
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import { after, before, test } from 'node:test';
+
+import { closeBrowser, Person } from './Person.js';
+import { address, Site } from './Site.js';
+
+const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
+const markup = '<img src=x onerror=alert(1)>';
+
+let site: Site;
+
+before(async () => {
+  site = await Site.start();
+  await site.cardsAnswer();
+  await site.api('PATCH', '/api/names', { channels: { '5.0': 'Lamp', 'F.3': 'Supply' } });
+});
+
+after(async () => {
+  await closeBrowser();
+  await site.stop();
+});
+
+async function goes(view: string, theme: 'dark' | 'light' = 'dark'): Promise<Person> {
+  const anna = await Person.arrives({ theme });
+  await anna.page.goto(`${address}/#${view}`);
+  await anna.page.getByRole('heading', { level: 1 }).waitFor();
+  return anna;
+}
+
+interface Finding {
+  id: string;
+  nodes: { html: string }[];
+}
+
+async function findings({ page }: Person): Promise<string[]> {
+  await page.evaluate(axe);
+  const found = await page.evaluate(async () => {
+    const { axe } = window as unknown as { axe: { run: () => Promise<{ violations: Finding[] }> } };
+    return (await axe.run()).violations;
+  });
+  return found.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html).join(' | ')}`);
+}
+
+test('a channel is opened in the plots from the bench, and follows its value', async () => {
+  const anna = await Person.arrives();
+  await anna.part('Lamp').click({ button: 'right' });
+  await anna.page.getByRole('menuitem', { name: 'Plot Lamp' }).click();
+  const strip = anna.page.getByRole('slider', { name: /^Curves/ });
+  await strip.waitFor();
+  await site.api('PUT', '/api/channels/5.0', { value: true });
+  await anna.page.locator('qelm-lane').getByText('on', { exact: true }).waitFor();
+  assert.deepEqual(anna.complaints, []);
+  await anna.leaves();
+});
+
+test('the console answers, completes and remembers; markup stays text', async () => {
+  const anna = await goes('console');
+  const line = anna.page.getByRole('textbox');
+  await line.fill('DRVVER');
+  await line.press('Enter');
+  await anna.reads(/DRIVER VERSION/);
+  await line.fill(markup);
+  await line.press('Enter');
+  await anna.reads(markup);
+  await line.press('ArrowUp');
+  await line.press('ArrowUp');
+  assert.equal(await line.inputValue(), 'DRVVER');
+  await line.fill('pollo');
+  await anna.page.getByRole('button', { name: /^POLLON:x/ }).waitFor();
+  assert.equal(await anna.page.locator('img').count(), 0);
+  assert.deepEqual(anna.complaints, []);
+  await anna.leaves();
+});
+
+test('the journal shows what happens while it is looked at', async () => {
+  const anna = await goes('journal');
+  await site.api('PUT', '/api/channels/5.0', { value: false });
+  await anna.reads(/5\.0 \(Lamp\)/);
+  await anna.page.getByRole('searchbox').fill('nothing of that kind');
+  await anna.doesNotRead(/5\.0 \(Lamp\)/);
+  await anna.leaves();
+});
+
+test('a new token is shown once', async () => {
+  const anna = await goes('settings');
+  await anna.presses('Tokens');
+  await anna.page.getByLabel('Name').fill('script');
+  await anna.presses('Make token');
+  await anna.reads(/shown this once/);
+  await anna.presses('I have it');
+  await anna.doesNotRead(/shown this once/);
+  await anna.leaves();
+});
+
+for (const view of ['plots', 'console', 'journal', 'settings'])
+  for (const theme of ['dark', 'light'] as const)
+    test(`axe finds nothing in ${view}, ${theme}`, async () => {
+      const anna = await goes(view, theme);
+      assert.deepEqual(await findings(anna), []);
+      await anna.leaves();
+    });
