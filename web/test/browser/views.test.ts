@@ -87,7 +87,7 @@ test('the journal shows what happens while it is looked at', async () => {
 test('a new token is shown once', async () => {
   const anna = await goes('settings');
   await anna.presses('Tokens');
-  await anna.page.getByLabel('Name').fill('script');
+  await anna.page.getByRole('textbox', { name: 'Name' }).fill('script');
   await anna.presses('Make token');
   await anna.reads(/shown this once/);
   await anna.presses('I have it');
