@@ -83,16 +83,25 @@ export const laneStyle = css`
       grid-template-columns: minmax(0, 1fr);
     }
     .head {
-      grid-template-columns: auto auto minmax(0, 1fr) auto;
+      grid-template-columns: minmax(0, auto) auto minmax(max-content, 1fr) auto;
       align-items: center;
       border-right: 0;
       padding-block: 0;
     }
+    .name,
     .id,
     .value,
     .remove {
-      grid-row: 1;
-      grid-column: auto;
+      grid-area: 1 / 1;
+    }
+    .id {
+      grid-column: 2;
+    }
+    .value {
+      grid-column: 3;
+    }
+    .remove {
+      grid-column: 4;
     }
     .value {
       min-height: 0;

@@ -100,11 +100,14 @@ export const plotsStyle = css`
       right: 3rem;
     }
     .spans {
+      flex-wrap: nowrap;
       width: 100%;
     }
     .spans .key {
-      flex: 1;
-      padding: 0 0.25rem;
+      flex: 1 1 0;
+      min-width: 0;
+      padding: 0;
+      font-size: 0.6875rem;
     }
   }
 `;
