@@ -138,7 +138,7 @@ export class Accounts extends LitElement {
     const form = event.target as HTMLFormElement;
     const data = new FormData(form);
     const role = (textIn(data, 'role') || 'admin') as Role;
-    const password = String(form['password'].value);
+    const password = passwordIn(form);
     want(this, { do: 'account-add', account: textIn(data, 'account'), password, role });
     form.reset();
   }
@@ -146,8 +146,14 @@ export class Accounts extends LitElement {
   private change(event: SubmitEvent): void {
     event.preventDefault();
     const form = event.target as HTMLFormElement;
-    const password = String(form['password'].value);
+    const password = passwordIn(form);
     if (this.open) want(this, { do: 'account-change', account: this.open.account, password });
     this.close();
   }
+}
+
+// As it was typed: spaces count.
+function passwordIn(form: HTMLFormElement): string {
+  const value = new FormData(form).get('password');
+  return typeof value === 'string' ? value : '';
 }
