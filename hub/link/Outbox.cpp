@@ -11,7 +11,7 @@ namespace {
 
 // The bus may be slower than the hub thinks. What only merges loses nothing by a longer round, and
 // what has gathered in the daemon gets out.
-std::chrono::microseconds RoundOfFlood(std::chrono::microseconds round) { return round * 4 / 3; }
+std::chrono::microseconds RoundOfFlood(std::chrono::microseconds round) { return 2 * round; }
 
 }  // namespace
 

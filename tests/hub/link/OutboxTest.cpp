@@ -151,7 +151,7 @@ TEST_F(OutboxTest, AFloodedCardGetsALongerRound) {
   FillCard(5);
   Offer(WriteBlock{5, 1, 0x01});
   TakeDue();
-  EXPECT_GT(outbox.NextDue(), now + 12ms);
+  EXPECT_GT(outbox.NextDue(), now + 19ms);
 }
 
 TEST_F(OutboxTest, NoCommandOvertakesAMergedOne) {
