@@ -1,6 +1,8 @@
 // Runs the tests: bundles them into test/out/ and gives them to Node's own runner.
 //
-//   node test/run.mjs unit | browser [node --test option...]
+//   node test/run.mjs unit | browser [FILE...] [node --test option...]
+//
+// FILE is "bench" for bench.test.ts; without one all run.
 //
 // The browser tests need the programs of build-hub/ (QELM_BUILD says where else), the page in
 // dist/, and Debian's chromium; they run in a network namespace of their own.
@@ -13,14 +15,16 @@ import { build } from 'esbuild';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const [suite = 'unit', ...options] = process.argv.slice(2);
-const folders = { unit: 'unit', browser: 'browser' };
-const folder = join(here, folders[suite]);
+const flags = options.filter((option) => option.startsWith('-'));
+const chosen = options.filter((option) => !option.startsWith('-'));
+const folder = join(here, suite);
 const out = join(here, 'out', suite);
 
 rmSync(out, { recursive: true, force: true });
 await build({
   entryPoints: readdirSync(folder)
     .filter((name) => name.endsWith('.test.ts'))
+    .filter((name) => chosen.length === 0 || chosen.includes(name.replace('.test.ts', '')))
     .map((name) => join(folder, name)),
   outdir: out,
   outExtension: { '.js': '.mjs' },
@@ -37,7 +41,7 @@ const inNamespace = ['unshare', process.getuid() === 0 ? '-n' : '-rn', 'sh', '-c
 const env = { ...process.env, QELM_ROOT: process.env.QELM_ROOT ?? join(here, '../..') };
 
 function run(tests) {
-  const node = [process.execPath, '--enable-source-maps', '--test', ...options, ...tests];
+  const node = [process.execPath, '--enable-source-maps', '--test', ...flags, ...tests];
   const alone = [...inNamespace, 'ip link set lo up && exec "$@"', 'sh', ...node];
   const [program, ...rest] = suite === 'browser' ? alone : node;
   return spawnSync(program, rest, { stdio: 'inherit', env }).status ?? 1;

@@ -6,8 +6,9 @@ import { type Browser, chromium, type Locator, type Page } from 'playwright-core
 
 import { address } from './Site.js';
 
-// What is seen takes a tenth of a second; a daemon greets seven seconds after its last client went.
-const patience = 20_000; // ms
+// What is seen takes a tenth of a second, a daemon greets seven seconds after its last client went,
+// and a busy machine takes many times that.
+const patience = 60_000; // ms
 
 let browser: Browser | undefined;
 
@@ -67,6 +68,7 @@ export class Person {
     const person = new Person(await context.newPage());
     person.page.setDefaultTimeout(patience);
     await person.page.goto(address);
+    await person.page.getByRole('heading', { level: 1, name: /./ }).waitFor();
     return person;
   }
 
@@ -114,8 +116,13 @@ export class Person {
     await this.page.getByRole('button', { name: button }).click();
   }
 
+  // Till it has done what it is held for.
   async holds(button: string): Promise<void> {
-    await this.page.getByRole('button', { name: button }).click({ delay: 1200 });
+    const held = this.page.getByRole('button', { name: button });
+    await held.hover();
+    await this.page.mouse.down();
+    await held.waitFor({ state: 'detached' });
+    await this.page.mouse.up();
   }
 
   async renames(from: string, to: string): Promise<void> {
@@ -167,6 +174,7 @@ export class Person {
 
   // Where a dial's axis is, and how far its scale, on the screen.
   private async middle(name: string): Promise<{ x: number; y: number; radius: number }> {
+    await this.part(name).waitFor();
     const svg = this.part(name).locator('svg');
     await svg.scrollIntoViewIfNeeded();
     return svg.evaluate((element) => {

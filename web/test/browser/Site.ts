@@ -2,7 +2,7 @@
 // them from outside.
 import { type ChildProcessWithoutNullStreams, spawn } from 'node:child_process';
 import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
-import { connect } from 'node:net';
+import { connect, type Socket } from 'node:net';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { createInterface, type Interface } from 'node:readline';
@@ -11,6 +11,23 @@ const root = process.env['QELM_ROOT'] ?? '';
 const build = process.env['QELM_BUILD'] ?? join(root, 'build-hub');
 
 export const address = 'http://127.0.0.1:5080';
+
+// One line to the virtual bus, and its answer.
+function asked(socket: Socket, line: string): Promise<string> {
+  return new Promise((resolve, reject) => {
+    let answer = '';
+    const take = (bytes: Buffer) => {
+      answer += bytes.toString();
+      if (!/^(ok|error:.*)$/m.test(answer)) return;
+      socket.off('data', take);
+      if (answer.includes('error:')) reject(new Error(`${line}: ${answer}`));
+      else resolve(answer);
+    };
+    socket.once('error', reject);
+    socket.on('data', take);
+    socket.write(`${line}\n`);
+  });
+}
 
 export class Site {
   private constructor(
@@ -55,25 +72,25 @@ export class Site {
   startHub = () => this.order('hub start');
 
   // A control line for the virtual bus; what it answers.
-  bus(line: string): Promise<string> {
-    return new Promise((resolve, reject) => {
-      const socket = connect(join(this.folder, 'bus'));
-      let answer = '';
-      socket.on('error', reject);
-      socket.on('data', (bytes) => {
-        answer += bytes.toString();
-        if (!/^(ok|error:.*)$/m.test(answer)) return;
-        socket.end();
-        if (answer.includes('error:')) reject(new Error(`${line}: ${answer}`));
-        else resolve(answer);
-      });
-      socket.write(`${line}\n`);
-    });
+  async bus(line: string): Promise<string> {
+    const socket = connect(join(this.folder, 'bus'));
+    try {
+      return await asked(socket, line);
+    } finally {
+      socket.end();
+    }
   }
 
-  // Resolves when such a frame goes over the bus, from now on.
-  async frame(bytes: string): Promise<void> {
-    await this.bus(`wait frame ${bytes} within 8s`);
+  // Resolves when such a frame has come over the bus because of what is done.
+  async frame(bytes: string, does: () => Promise<unknown>): Promise<void> {
+    const socket = connect(join(this.folder, 'bus'));
+    try {
+      await asked(socket, 'mark');
+      const comes = asked(socket, `wait frame ${bytes} within 60s`);
+      await Promise.all([comes, does()]);
+    } finally {
+      socket.end();
+    }
   }
 
   async api(verb: string, path: string, body?: object): Promise<unknown> {
@@ -88,7 +105,7 @@ export class Site {
 
   // The daemon has found the adapter, and the cards.
   async cardsAnswer(): Promise<void> {
-    for (let tries = 0; tries < 400; ++tries) {
+    for (let tries = 0; tries < 1200; ++tries) {
       const { adapter } = (await this.api('GET', '/api/bus')) as { adapter: { state: string } };
       const { cards } = (await this.api('GET', '/api/cards')) as { cards: unknown[] };
       if (adapter.state === 'up' && cards.length > 0) return;
@@ -116,7 +133,7 @@ export class Site {
   }
 
   private async hubAnswers(): Promise<void> {
-    for (let tries = 0; tries < 100; ++tries) {
+    for (let tries = 0; tries < 1200; ++tries) {
       const isThere = await fetch(`${address}/healthz`).then(
         () => true,
         () => false,

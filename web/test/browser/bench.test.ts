@@ -23,13 +23,9 @@ after(async () => {
 });
 
 test('a switch that is pressed is a frame on the bus', async () => {
-  const lit = site.frame('10 05 02 FE FF');
-  await anna.press('Lamp');
-  await lit;
+  await site.frame('10 05 02 FE FF', () => anna.press('Lamp'));
   await anna.sees('Lamp', 'on');
-  const dark = site.frame('10 05 02 FF FF');
-  await anna.press('Lamp');
-  await dark;
+  await site.frame('10 05 02 FF FF', () => anna.press('Lamp'));
   await anna.sees('Lamp', 'off');
 });
 
@@ -55,9 +51,7 @@ test('what is written stands on the glass, dot by dot', async () => {
 });
 
 test('a servo turns by mouse', async () => {
-  const frame = site.frame('10 00 06 FF');
-  await anna.turns('Elbow, not known yet, position', 90);
-  await frame;
+  await site.frame('10 00 06 FF', () => anna.turns('Elbow, not known yet, position', 90));
   await anna.sees('Elbow, position', '255');
 });
 

@@ -2,15 +2,15 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
-import { closeBrowser, openBrowser, Person } from './Person.js';
+import { closeBrowser, Person } from './Person.js';
 import { Site } from './Site.js';
 
 let site: Site;
 let anna: Person;
 
 before(async () => {
-  await openBrowser(); // which takes longer than the daemon takes to find its cards
-  site = await Site.start();
+  const pulled = Array.from('034589EF', (address) => ['--do', `card ${address} pull`]);
+  site = await Site.start(pulled.flat());
   anna = await Person.arrives();
 });
 
@@ -21,7 +21,8 @@ after(async () => {
 
 test('an empty bench says what it waits for, and fills by itself', async () => {
   await anna.reads('The bench is empty');
-  await site.cardsAnswer();
+  for (const address of '034589EF') await site.bus(`card ${address} plug`);
+  await site.api('POST', '/api/bus/discover');
   await anna.sees('Line 6', '2 of them'); // of card 3 and of card 5
 });
 
