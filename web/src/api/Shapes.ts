@@ -97,6 +97,7 @@ export interface Snapshot {
   seq: number;
   bus: Bus;
   cards: Card[];
+  page: Arrangement;
   events: KeyEvent[];
   lost: number;
 }
@@ -107,6 +108,7 @@ export interface Changes {
   bus: Bus | null;
   cards: Card[];
   channels: Channel[];
+  page: Arrangement | null; // null: as it was
   events: KeyEvent[];
   lost: number;
 }
@@ -115,6 +117,24 @@ export interface Arrangement {
   order?: string[];
   hidden?: string[];
   groups?: { name: string; cards: string[] }[];
+}
+
+export interface VirtualCard {
+  address: string;
+  kind: Kind;
+  plugged: boolean;
+  values: number[] | null; // the bytes of an input card
+}
+
+export interface VirtualBus {
+  device: string | null;
+  cable: boolean;
+  frames: number;
+  replies: number;
+  lost: number;
+  shaped: number; // replies that a fault has changed
+  faults: string[]; // the lines that switch them on
+  cards: VirtualCard[];
 }
 
 export interface Problem {

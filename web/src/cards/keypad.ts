@@ -1,5 +1,7 @@
 // A pad of the 63 keys that a card can tell, and its encoder.
-import { css, svg, type SVGTemplateResult } from 'lit';
+import { css, nothing, svg, type SVGTemplateResult } from 'lit';
+
+import { text } from '../text/text.js';
 
 const columns = 9;
 const rows = 7;
@@ -11,13 +13,28 @@ export const encoderBox = '-42 -42 84 96';
 
 export const hex = (code: number) => code.toString(16).toUpperCase().padStart(2, '0');
 
-export function drawPad(held: number, recent: readonly number[]): SVGTemplateResult {
+// Where an arrow key leads from a key of the pad.
+export function neighbour(code: number, key: string): number {
+  const way = { ArrowLeft: -1, ArrowRight: 1, ArrowUp: -columns, ArrowDown: columns }[key] ?? 0;
+  const next = code + way;
+  return next >= 1 && next <= columns * rows ? next : code;
+}
+
+// `reached` is the key that the keyboard is at; null where no hand can press them.
+export function drawPad(
+  held: number,
+  recent: readonly number[],
+  reached: number | null = null,
+): SVGTemplateResult {
   const keys = Array.from({ length: columns * rows }, (_, place) => {
     const code = place + 1;
     const x = (place % columns) * pitch + (pitch - size) / 2;
     const y = Math.floor(place / columns) * pitch + (pitch - size) / 2;
     const state = code === held ? 'held' : recent.includes(code) ? 'recent' : '';
-    return svg`<g class="pad-key ${state}">
+    const isButton = reached !== null;
+    return svg`<g class="pad-key ${state}" data-code=${code}
+      role=${isButton ? 'button' : nothing} aria-label=${isButton ? text.hands.key(hex(code)) : nothing}
+      tabindex=${isButton ? (code === reached ? 0 : -1) : nothing}>
       <rect x=${x} y=${y} width=${size} height=${size} rx="1"></rect>
       <text x=${x + size / 2} y=${y + size / 2 + 1.5}>${hex(code)}</text></g>`;
   });
@@ -61,6 +78,16 @@ export const keypadStyle = css`
   .pad-key.held rect {
     fill: var(--on);
     stroke: var(--on);
+  }
+  .pad-key[role] {
+    cursor: pointer;
+  }
+  .pad-key[role]:hover rect {
+    stroke: var(--ink);
+  }
+  .pad-key:focus-visible rect {
+    stroke: var(--ink);
+    stroke-width: 1.5;
   }
   .pad-key.held text {
     fill: var(--on-ink);

@@ -1,6 +1,15 @@
 // What can happen to the state.
 import type { Connection } from '../api/Live.js';
-import type { Arrangement, Card, Changes, Channel, Problem, Snapshot, Who } from '../api/Shapes.js';
+import type {
+  Arrangement,
+  Card,
+  Changes,
+  Channel,
+  Problem,
+  Snapshot,
+  VirtualBus,
+  Who,
+} from '../api/Shapes.js';
 import type { AllOff, State } from './State.js';
 
 export type Action =
@@ -10,6 +19,7 @@ export type Action =
   | { type: 'changes'; changes: Changes; now: number }
   | { type: 'card'; card: Card; now: number } // an answer; the same comes as a change
   | { type: 'channel'; channel: Channel; now: number }
+  | { type: 'virtual'; virtual: VirtualBus | null }
   | { type: 'arrangement'; arrangement: Arrangement }
   | { type: 'refused'; id: number; problem: Problem }
   | { type: 'noticed'; id: number }

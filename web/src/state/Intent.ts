@@ -13,6 +13,8 @@ export type BenchIntent =
   | { do: 'rename-channel'; id: string; name: string | null }
   | { do: 'rename-bus'; name: string | null }
   | { do: 'arrange'; arrangement: Arrangement }
+  | { do: 'hand'; line: string } // what a hand does to the virtual bus
+  | { do: 'discover' }
   | { do: 'all-off' }
   | { do: 'undo-all-off' }
   | { do: 'log-in'; account: string; password: string }

@@ -3,7 +3,7 @@
 import { Live } from '../api/Live.js';
 import { Refusal } from '../api/Refusal.js';
 import type { Action } from './Actions.js';
-import { benchDeeds, readArrangement } from './deeds/bench.js';
+import { benchDeeds } from './deeds/bench.js';
 import { consoleDeeds } from './deeds/console.js';
 import type { Deeds, Hub } from './deeds/Deeds.js';
 import { journalDeeds } from './deeds/journal.js';
@@ -14,6 +14,7 @@ import type { Intent } from './Intent.js';
 import { Latest } from './Latest.js';
 import type { State } from './State.js';
 import type { Store } from './Store.js';
+import { VirtualHands } from './VirtualHands.js';
 
 const noticeTime = 12_000; // ms
 
@@ -29,6 +30,7 @@ const deeds: Deeds<Intent> = {
 export class Performer implements Hub {
   readonly live: Live;
   readonly latest = new Latest();
+  readonly hands: VirtualHands;
   private lastNotice = 0;
 
   constructor(
@@ -38,16 +40,17 @@ export class Performer implements Hub {
     this.live = new Live(url, {
       connection: (state, nextTry) => {
         this.dispatch({ type: 'connection', state, nextTry, now: Date.now() });
+        if (state === 'open') void this.hands.look();
         if (state === 'lost') void askWho(this);
       },
       snapshot: (snapshot) => {
         this.dispatch({ type: 'snapshot', snapshot, now: Date.now() });
-        this.hold(readArrangement(this));
       },
       changes: (changes) => {
         this.dispatch({ type: 'changes', changes, now: Date.now() });
       },
     });
+    this.hands = new VirtualHands(store, (method, params) => this.live.call(method, params));
   }
 
   get state(): State {

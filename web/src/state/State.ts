@@ -1,6 +1,15 @@
 // All that the page knows. Plain data that nobody changes in place: what is another object is new.
 import type { Connection } from '../api/Live.js';
-import type { Arrangement, Bus, Card, KeyEvent, Problem, Value, Who } from '../api/Shapes.js';
+import type {
+  Arrangement,
+  Bus,
+  Card,
+  KeyEvent,
+  Problem,
+  Value,
+  VirtualBus,
+  Who,
+} from '../api/Shapes.js';
 import { type ConsoleLog, emptyConsole } from './console.js';
 import { emptyJournal, type JournalLog } from './journal.js';
 import { noPlots, type Plots } from './plots.js';
@@ -42,6 +51,7 @@ export interface State {
   arrangement: Arrangement;
   notices: readonly Notice[];
   allOff: AllOff | null;
+  virtual: VirtualBus | null; // null: a real bus, or whoever looks may not touch it
   // What single views hold.
   plots: Plots;
   console: ConsoleLog;
@@ -64,6 +74,7 @@ export const beginning: State = {
   arrangement: {},
   notices: [],
   allOff: null,
+  virtual: null,
   plots: noPlots,
   console: emptyConsole,
   journal: emptyJournal,

@@ -21,6 +21,8 @@ export function reduce(state: State, action: Action): State {
       return takeCards(state, [action.card], action.now);
     case 'channel':
       return takeChannels(state, [action.channel], action.now);
+    case 'virtual':
+      return { ...state, virtual: action.virtual };
     case 'arrangement':
       return { ...state, arrangement: action.arrangement };
     case 'refused':
@@ -55,6 +57,7 @@ function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
   return {
     ...next,
     bus: snapshot.bus,
+    arrangement: snapshot.page,
     keys: addKeys(next.keys, snapshot.events),
     turns: addTurns(next.turns, snapshot.events),
     missed: next.missed + snapshot.lost,
@@ -67,6 +70,7 @@ function takeChanges(state: State, changes: Changes, now: number): State {
   return {
     ...next,
     bus: changes.bus ?? next.bus,
+    arrangement: changes.page ?? next.arrangement,
     keys: addKeys(next.keys, changes.events),
     turns: addTurns(next.turns, changes.events),
     missed: next.missed + changes.lost,

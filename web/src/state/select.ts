@@ -9,6 +9,15 @@ export function may(state: State, role: Role): boolean {
   return own ? rank[own] >= rank[role] : false;
 }
 
+// The person has hands at a virtual bus.
+export function hasHands(state: State): boolean {
+  return state.virtual !== null && may(state, 'admin');
+}
+
+export function isPulled({ virtual }: State, address: string): boolean {
+  return virtual?.cards.some((card) => card.address === address && !card.plugged) ?? false;
+}
+
 // What the page shows was true once, and nobody knows whether it still is.
 export function isStale(state: State): boolean {
   return state.connection !== 'open' || state.bus?.daemon.state !== 'up';

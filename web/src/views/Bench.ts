@@ -2,7 +2,7 @@
 import { html, LitElement, nothing } from 'lit';
 import { customElement } from 'lit/decorators.js';
 
-import { isStale, may, presentCards } from '../state/select.js';
+import { hasHands, isStale, may, presentCards } from '../state/select.js';
 import { Reads } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -21,6 +21,7 @@ export class Bench extends LitElement {
   private readonly stale = new Reads(this, isStale);
   private readonly canUse = new Reads(this, (state) => may(state, 'use'));
   private readonly isEmpty = new Reads(this, (state) => presentCards(state).length === 0);
+  private readonly hasHands = new Reads(this, hasHands);
   private readonly allOff = new Reads(this, (state) => state.allOff);
 
   override render() {
@@ -44,6 +45,7 @@ export class Bench extends LitElement {
             )}`,
         )}
       </div>
+      ${this.renderVirtual()}
       <footer>
         <qelm-legend></qelm-legend>
         ${this.canUse.value
@@ -52,7 +54,16 @@ export class Bench extends LitElement {
       </footer>`;
   }
 
+  // Its file comes only where there is a virtual bus.
+  private renderVirtual() {
+    if (!this.hasHands.value) return nothing;
+    void import('./VirtualBench.js');
+    return html`<qelm-virtual-bench></qelm-virtual-bench>`;
+  }
+
   private renderSlot({ address, card }: Slot) {
+    if (!card && this.hasHands.value)
+      return html`<qelm-free-slot class="slot empty" .address=${address}></qelm-free-slot>`;
     if (!card)
       return html`<div class="slot empty" role="img" aria-label=${text.empty(address)}>
         <span aria-hidden="true">${address}</span>

@@ -5,7 +5,7 @@ import { repeat } from 'lit/directives/repeat.js';
 
 import type { Card, Channel, Kind } from '../api/Shapes.js';
 import { want } from '../state/Intent.js';
-import { may } from '../state/select.js';
+import { hasHands, isPulled, may } from '../state/select.js';
 import { Reads } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -21,6 +21,8 @@ export class Plate extends LitElement {
   @property({ attribute: false }) card!: Card;
   private readonly canUse = new Reads(this, (state) => may(state, 'use'));
   private readonly canName = new Reads(this, (state) => may(state, 'admin'));
+  private readonly hasHands = new Reads(this, hasHands);
+  private readonly isPulled = new Reads(this, (state) => isPulled(state, this.address));
   private readonly keys = new Reads(this, (state) => state.keys[this.address]);
   private readonly turns = new Reads(this, (state) => state.turns[this.address] ?? 0);
   private readonly codes = new Reads(this, (state) => state.codes[`${this.address}.0`]);
@@ -52,6 +54,9 @@ export class Plate extends LitElement {
           ${name === null ? nothing : html`<p class="kind">${text.kinds[kind]}</p>`}
         </div>
         ${state === 'present' ? nothing : html`<span class="state">${text.states[state]}</span>`}
+        ${this.hasHands.value
+          ? html`<qelm-plug .address=${address} .isPulled=${this.isPulled.value}></qelm-plug>`
+          : nothing}
       </header>
       ${isHere ? nothing : html`<p class="why">${text.why[state]}</p>`}
       <div class="parts">${this.renderParts(kind)}</div>
@@ -68,6 +73,10 @@ export class Plate extends LitElement {
 
   private get usable(): boolean {
     return this.canUse.value && this.card.state !== 'absent';
+  }
+
+  private get touchable(): boolean {
+    return this.hasHands.value && !this.isPulled.value && this.card.state !== 'absent';
   }
 
   private renderParts(kind: Kind): TemplateResult {
@@ -87,6 +96,7 @@ export class Plate extends LitElement {
           .card=${this.card}
           .events=${this.keys.value ?? []}
           .turns=${this.turns.value}
+          .usable=${this.touchable}
         ></qelm-keypad>`;
       case 'lcd':
         return html`<qelm-glass .card=${this.card} .usable=${this.usable}></qelm-glass>`;
@@ -120,7 +130,11 @@ export class Plate extends LitElement {
   }
 
   private renderContact(channel: Channel): TemplateResult {
-    return html`<qelm-contact .channel=${channel} .renamable=${this.canName.value}></qelm-contact>`;
+    return html`<qelm-contact
+      .channel=${channel}
+      .usable=${this.touchable}
+      .renamable=${this.canName.value}
+    ></qelm-contact>`;
   }
 
   private renderServo(channel: Channel): TemplateResult {
@@ -153,6 +167,7 @@ export class Plate extends LitElement {
     return html`<qelm-level
       .channel=${channel}
       .trail=${this.trails.value?.[channel.id] ?? []}
+      .usable=${this.touchable}
       .renamable=${this.canName.value}
     ></qelm-level>`;
   }

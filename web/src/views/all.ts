@@ -3,6 +3,7 @@ import './Bench.js';
 import './CardTable.js';
 import './ChannelMenu.js';
 import './FirstRun.js';
+import './FreeSlot.js';
 import './LogIn.js';
 import './Notices.js';
 import './Page.js';

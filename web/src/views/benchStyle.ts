@@ -40,6 +40,10 @@ export const benchStyle = css`
     font-size: 0.875rem;
     font-weight: 300;
   }
+  qelm-virtual-bench {
+    display: block;
+    padding-top: 0.75rem;
+  }
   footer {
     display: flex;
     flex-wrap: wrap;

@@ -1,6 +1,13 @@
 // A dial that is turned by mouse, finger and keyboard. Its value follows the hand at once, and the
 // channel as soon as the hub has answered.
-import { css, html, nothing, type PropertyValues, type SVGTemplateResult } from 'lit';
+import {
+  css,
+  html,
+  nothing,
+  type PropertyValues,
+  type SVGTemplateResult,
+  type TemplateResult,
+} from 'lit';
 import { property, state } from 'lit/decorators.js';
 
 import { type Dial, valueAt } from '../cards/geometry.js';
@@ -30,7 +37,7 @@ export abstract class DialPart extends ChannelPart {
     return this.channel.max ?? bytes;
   }
 
-  private get value(): number | null {
+  protected get value(): number | null {
     const { value } = this.channel;
     return this.hand ?? (typeof value === 'number' ? value : null);
   }
@@ -73,7 +80,11 @@ export abstract class DialPart extends ChannelPart {
           : nothing}
         ${this.renderDoubt()}
       </div>
-      ${this.renderName()}`;
+      ${this.renderBelow()}${this.renderName()}`;
+  }
+
+  protected renderBelow(): TemplateResult | typeof nothing {
+    return nothing;
   }
 
   private onDown(event: PointerEvent): void {

@@ -1,16 +1,28 @@
 // A key card: the key that is held, the encoder as far as it was turned, and what came last.
 import { css, html, LitElement, nothing } from 'lit';
-import { customElement, property } from 'lit/decorators.js';
+import { customElement, property, state } from 'lit/decorators.js';
 
 import type { Card, KeyEvent } from '../api/Shapes.js';
-import { drawEncoder, drawPad, encoderBox, hex, keypadStyle, padBox } from '../cards/keypad.js';
+import {
+  drawEncoder,
+  drawPad,
+  encoderBox,
+  hex,
+  keypadStyle,
+  neighbour,
+  padBox,
+} from '../cards/keypad.js';
+import { keyLine, turnLine } from '../state/hands.js';
+import { want } from '../state/Intent.js';
 import { formatTime } from './format.js';
 import { type Entry, entriesOf } from '../cards/turns.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
+import { EncoderGrip } from './EncoderGrip.js';
 
 const shown = 5; // of the last events
 const codeBits = 0x3f;
+const isPress = ({ key }: KeyboardEvent) => key === ' ' || key === 'Enter';
 
 @customElement('qelm-keypad')
 export class KeyPad extends LitElement {
@@ -35,6 +47,10 @@ export class KeyPad extends LitElement {
         grid-column: 1 / -1;
         font-size: 1.0625rem;
         line-height: 1.25rem;
+      }
+      .grip {
+        cursor: grab;
+        touch-action: none;
       }
       .encoder-drawing,
       .held {
@@ -77,6 +93,11 @@ export class KeyPad extends LitElement {
   @property({ attribute: false }) card!: Card;
   @property({ attribute: false }) events: readonly KeyEvent[] = [];
   @property({ type: Number }) turns = 0;
+  @property({ type: Boolean }) usable = false;
+  @state() private reached = 1; // the key that the keyboard is at
+  private readonly grip = new EncoderGrip((steps) => {
+    want(this, { do: 'hand', line: turnLine(this.card.address, steps) });
+  });
 
   override render() {
     const raw = this.card.channels[0]?.raw ?? null;
@@ -88,18 +109,85 @@ export class KeyPad extends LitElement {
     return html`<svg
         class="pad"
         viewBox=${padBox}
-        role="img"
+        role=${this.usable ? 'group' : 'img'}
         aria-label="${text.keys.pad}: ${value}"
+        @pointerdown=${this.onPress}
+        @pointerup=${this.onRelease}
+        @pointercancel=${this.onRelease}
+        @keydown=${this.onKeyDown}
+        @keyup=${this.onKeyUp}
       >
-        ${drawPad(held, recent)}
+        ${drawPad(held, recent, this.usable ? this.reached : null)}
       </svg>
-      <svg class="encoder-drawing" viewBox=${encoderBox} role="img" aria-label=${text.keys.encoder}>
-        ${drawEncoder(this.turns, raw === null ? null : raw >> 6)}
-      </svg>
+      ${this.usable ? this.renderGrip(raw) : this.renderEncoder(raw)}
       <div class="held" aria-hidden="true">${value}</div>
       <ol aria-label=${text.keys.recent}>
         ${last.map((entry) => this.renderEntry(entry))}
       </ol>`;
+  }
+
+  private renderEncoder(raw: number | null) {
+    return html`<svg
+      class="encoder-drawing"
+      viewBox=${encoderBox}
+      role="img"
+      aria-label=${text.keys.encoder}
+    >
+      ${drawEncoder(this.turns, raw === null ? null : raw >> 6)}
+    </svg>`;
+  }
+
+  private renderGrip(raw: number | null) {
+    return html`<div
+      class="grip"
+      role="spinbutton"
+      tabindex="0"
+      aria-label=${text.hands.encoder}
+      aria-valuenow=${this.turns}
+      @pointerdown=${this.grip.down}
+      @pointermove=${this.grip.move}
+      @pointerup=${this.grip.up}
+      @pointercancel=${this.grip.up}
+      @keydown=${this.grip.key}
+    >
+      ${this.renderEncoder(raw)}
+    </div>`;
+  }
+
+  private codeAt(event: Event): number | null {
+    const key = this.usable ? (event.target as Element).closest('[data-code]') : null;
+    return key ? Number(key.getAttribute('data-code')) : null;
+  }
+
+  private hand(code: number | null): void {
+    want(this, { do: 'hand', line: keyLine(this.card.address, code) });
+  }
+
+  private onPress(event: PointerEvent): void {
+    const code = this.codeAt(event);
+    if (code === null || event.button !== 0) return;
+    (event.currentTarget as Element).setPointerCapture(event.pointerId);
+    this.reached = code;
+    this.hand(code);
+  }
+
+  private onRelease(): void {
+    if (this.usable) this.hand(null);
+  }
+
+  private onKeyDown(event: KeyboardEvent): void {
+    const code = this.codeAt(event);
+    if (code === null || event.repeat) return;
+    if (isPress(event)) this.hand(code);
+    const next = neighbour(code, event.key);
+    if (next === code && !isPress(event)) return;
+    event.preventDefault();
+    this.reached = next;
+    this.renderRoot.querySelector<SVGElement>(`[data-code="${next}"]`)?.focus();
+  }
+
+  private onKeyUp(event: KeyboardEvent): void {
+    if (isPress(event)) this.onRelease();
   }
 
   private renderEntry({ event: { event_type: type, code, time }, count }: Entry) {

@@ -1,17 +1,20 @@
-// An analogue input: where its knob stands, its value, and the last half minute.
-import { css, html, nothing } from 'lit';
+// An analogue input: where its knob stands, its value, and the last half minute. A hand at a virtual
+// bus turns it.
+import { css, html, type TemplateResult } from 'lit';
 import { customElement, property } from 'lit/decorators.js';
 
+import { round } from '../cards/geometry.js';
 import { drawKnob, knobBox, knobStyle, sparkBox, sparkPath } from '../cards/knob.js';
+import { levelLine } from '../state/hands.js';
+import { want } from '../state/Intent.js';
 import { trailSpan } from '../state/memory.js';
 import type { TrailPoint } from '../state/State.js';
-import { formatValue, nameOf } from './format.js';
+import { nameOf } from './format.js';
 import { base } from '../theme/base.js';
-import { ChannelPart } from './ChannelPart.js';
-import { dialStyle } from './DialPart.js';
+import { DialPart, dialStyle } from './DialPart.js';
 
 @customElement('qelm-level')
-export class LevelKnob extends ChannelPart {
+export class LevelKnob extends DialPart {
   static override styles = [
     base,
     dialStyle,
@@ -26,22 +29,26 @@ export class LevelKnob extends ChannelPart {
   ];
 
   @property({ attribute: false }) trail: readonly TrailPoint[] = [];
+  protected override readonly dial = round;
+  protected override readonly box = knobBox;
 
-  override render() {
-    const { value, unit, min, max } = this.channel;
-    const [least, most] = [min ?? 0, max ?? 255];
-    const shown = formatValue(this.channel);
-    const number = typeof value === 'number' ? value : null;
-    return html`<div class="dial" role="img" aria-label="${this.label}: ${shown} ${unit ?? ''}">
-        <svg viewBox=${knobBox} aria-hidden="true">${drawKnob(number, least, most)}</svg>
-      </div>
-      <div class="value">
-        ${shown}${unit ? html`<span class="unit">${unit}</span>` : nothing}${this.renderDoubt()}
-      </div>
-      <svg class="trail" viewBox=${sparkBox} preserveAspectRatio="none" aria-hidden="true">
-        <title>${nameOf(this.channel)}</title>
-        <path class="spark" d=${sparkPath(this.trail, least, most, trailSpan)}></path>
-      </svg>
-      ${this.renderName()}`;
+  protected override draw(value: number | null) {
+    return drawKnob(value, this.min, this.max);
+  }
+
+  protected override renderBelow(): TemplateResult {
+    return html`<svg
+      class="trail"
+      viewBox=${sparkBox}
+      preserveAspectRatio="none"
+      aria-hidden="true"
+    >
+      <title>${nameOf(this.channel)}</title>
+      <path class="spark" d=${sparkPath(this.trail, this.min, this.max, trailSpan)}></path>
+    </svg>`;
+  }
+
+  protected override set(value: number): void {
+    want(this, { do: 'hand', line: levelLine(this.channel, value) });
   }
 }

@@ -10,5 +10,6 @@ import './Legend.js';
 import './LevelKnob.js';
 import './MotorDial.js';
 import './Name.js';
+import './Plug.js';
 import './ServoHorn.js';
 import './SwitchLine.js';

@@ -81,7 +81,8 @@ export class Person {
     return page
       .getByRole('switch', { name: label })
       .or(page.getByRole('slider', { name: label }))
-      .or(page.getByRole('img', { name: label }));
+      .or(page.getByRole('img', { name: label }))
+      .or(page.getByRole('group', { name: label }));
   }
 
   async press(name: string): Promise<void> {

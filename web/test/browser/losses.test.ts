@@ -9,8 +9,10 @@ let site: Site;
 let anna: Person;
 
 before(async () => {
-  const pulled = Array.from('034589EF', (address) => ['--do', `card ${address} pull`]);
-  site = await Site.start(pulled.flat());
+  site = await Site.start();
+  await site.killDaemon();
+  await site.killHub();
+  await site.startHub();
   anna = await Person.arrives();
 });
 
@@ -21,8 +23,7 @@ after(async () => {
 
 test('an empty bench says what it waits for, and fills by itself', async () => {
   await anna.reads('The bench is empty');
-  for (const address of '034589EF') await site.bus(`card ${address} plug`);
-  await site.api('POST', '/api/bus/discover');
+  await site.startDaemon();
   await anna.sees('Line 6', '2 of them'); // of card 3 and of card 5
 });
 

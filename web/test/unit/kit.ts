@@ -45,5 +45,5 @@ export function card(address: string, change: Partial<Card> = {}): Card {
 }
 
 export function snapshot(cards: Card[], change: Partial<Snapshot> = {}): Snapshot {
-  return { seq: 10, bus, cards, events: [], lost: 0, ...change };
+  return { seq: 10, bus, cards, page: {}, events: [], lost: 0, ...change };
 }

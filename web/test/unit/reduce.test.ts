@@ -13,6 +13,7 @@ const none: Changes = {
   bus: null,
   cards: [],
   channels: [],
+  page: null,
   events: [],
   lost: 0,
 };
@@ -121,4 +122,13 @@ test('the same refusal is said once, and three at most', () => {
     ['b', 'c', 'd'],
   );
   assert.equal(reduce(next, { type: 'noticed', id: 4 }).notices.length, 2);
+});
+
+test('an arrangement comes with what has changed, and stays where nothing came', () => {
+  const page = { order: ['5', '3'], hidden: [], groups: [] };
+  let state = reduce(beginning, { type: 'snapshot', snapshot: snapshot([card('5')]), now: 0 });
+  state = reduce(state, { type: 'changes', changes: { ...none, page }, now: 1 });
+  assert.deepEqual(state.arrangement.order, ['5', '3']);
+  state = reduce(state, { type: 'changes', changes: none, now: 2 });
+  assert.deepEqual(state.arrangement.order, ['5', '3']);
 });

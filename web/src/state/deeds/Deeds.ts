@@ -4,11 +4,13 @@ import type { Action } from '../Actions.js';
 import type { Intent } from '../Intent.js';
 import type { Latest } from '../Latest.js';
 import type { State } from '../State.js';
+import type { VirtualHands } from '../VirtualHands.js';
 
 export interface Hub {
   readonly state: State;
   readonly live: Live;
   readonly latest: Latest;
+  readonly hands: VirtualHands;
   dispatch(action: Action): void;
   ask(method: string, params: object): Promise<unknown>; // rejects with a Refusal
   refuse(reason: unknown): void; // tells the person

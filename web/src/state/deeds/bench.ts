@@ -16,6 +16,8 @@ export const benchDeeds: Deeds<Wanted> = {
   'rename-channel': (hub, { id, name }) => hub.ask('names.merge', { channels: { [id]: name } }),
   'rename-bus': (hub, { name }) => hub.ask('names.merge', { bus: name }),
   arrange: (hub, { arrangement }) => arrange(hub, arrangement),
+  hand: (hub, { line }) => hub.hands.run(line),
+  discover: (hub) => hub.ask('bus.discover', {}),
   'all-off': switchAllOff,
   'undo-all-off': undoAllOff,
 };
@@ -31,10 +33,5 @@ async function set(hub: Hub, id: string, value: Channel['value']): Promise<void>
 
 async function arrange(hub: Hub, arrangement: Arrangement): Promise<void> {
   await hub.ask('page.set', { page: arrangement });
-  hub.dispatch({ type: 'arrangement', arrangement });
-}
-
-export async function readArrangement(hub: Hub): Promise<void> {
-  const arrangement = (await hub.ask('page.get', {})) as Arrangement;
   hub.dispatch({ type: 'arrangement', arrangement });
 }

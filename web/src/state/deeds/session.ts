@@ -39,5 +39,6 @@ export async function askWho(hub: Hub): Promise<void> {
 
 function takeWho(hub: Hub, who: unknown): void {
   hub.dispatch({ type: 'who', who: who as Who });
+  void hub.hands.look();
   if (!may(hub.state, 'view')) hub.live.stop();
 }
