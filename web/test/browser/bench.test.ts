@@ -50,6 +50,19 @@ test('what is written stands on the glass, dot by dot', async () => {
   assert.match(await site.bus('show E'), /Tail of the cat/);
 });
 
+test('the cursor stands behind what was written, and blinks', async () => {
+  await anna.presses('Clear');
+  await site.api('POST', '/api/cards/E/text', { row: 1, column: 3, text: 'AB' });
+  await anna.presses(/^Cursor/);
+  await anna.presses(/^Blink/);
+  // Row 1, column 5: six dots a column, nine a row.
+  await eventually('a cursor in row 1, column 5', async () =>
+    ((await anna.page.locator('.cursor').first().getAttribute('d')) ?? '').startsWith('M30 16h5'),
+  );
+  const block = await anna.page.locator('.blink').first().getAttribute('d');
+  assert.equal(block, 'M30 9h5v8h-5z');
+});
+
 test('a servo turns by mouse', async () => {
   await site.frame('10 00 06 FF', () => anna.turns('Elbow, not known yet, position', 90));
   await anna.sees('Elbow, position', '255');
