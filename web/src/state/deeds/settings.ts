@@ -3,7 +3,6 @@ import type { Account, CardSettings, NewToken, Setup, Token } from '../../api/Se
 import type { SettingsIntent } from '../Intent.js';
 import { may } from '../select.js';
 import type { KeptByCard, Settings } from '../settings.js';
-import { readArrangement } from './bench.js';
 import type { Deeds, Hub } from './Deeds.js';
 import { askWho } from './session.js';
 
@@ -47,7 +46,7 @@ export const settingsDeeds: Deeds<SettingsIntent> = {
   'backup-put': async (hub, { backup }) => {
     await hub.ask('backup.put', backup);
     put(hub, { restored: Date.now() });
-    await Promise.all([readSetup(hub), readArrangement(hub)]);
+    await readSetup(hub);
   },
 };
 

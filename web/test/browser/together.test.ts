@@ -1,0 +1,99 @@
+// Two people at one bench, a tab that was asleep, and one who has only keys.
+import assert from 'node:assert/strict';
+import { after, before, test } from 'node:test';
+
+import { closeBrowser, eventually, Person } from './Person.js';
+import { Site } from './Site.js';
+
+const actions = 500;
+
+let site: Site;
+let anna: Person;
+
+before(async () => {
+  site = await Site.start();
+  await site.cardsAnswer();
+  anna = await Person.arrives();
+});
+
+after(async () => {
+  await closeBrowser();
+  await site.stop();
+});
+
+// All that can be switched and turned, as it is said to whoever does not see it.
+function allValues(person: Person): Promise<string> {
+  return person.page
+    .locator('css=[aria-checked], [role="slider"]')
+    .evaluateAll((parts) =>
+      parts
+        .map(
+          (part) => part.getAttribute('aria-checked') ?? part.getAttribute('aria-valuetext') ?? '',
+        )
+        .join(' '),
+    );
+}
+
+test('two browsers agree after 500 actions at random', async () => {
+  const ben = await Person.arrives();
+  let seed = 17;
+  const random = (below: number) => {
+    seed = (seed * 48271) % 2147483647;
+    return seed % below;
+  };
+  const act = async (person: Person) => {
+    const parts = person.page.locator('css=[aria-checked], [role="slider"]');
+    await parts.nth(random(await parts.count())).evaluate(
+      (part, key) => {
+        if (part.hasAttribute('aria-checked')) (part as HTMLElement).click();
+        else part.dispatchEvent(new KeyboardEvent('keydown', { key, bubbles: true }));
+      },
+      ['ArrowUp', 'PageUp', 'Home', 'End'][random(4)] ?? '',
+    );
+  };
+  for (let count = 0; count < actions; count += 2) await Promise.all([act(anna), act(ben)]);
+  await eventually(
+    'both see the same',
+    async () => (await allValues(anna)) === (await allValues(ben)),
+  );
+  await ben.leaves();
+  const carl = await Person.arrives();
+  await eventually(
+    'as whoever comes',
+    async () => (await allValues(anna)) === (await allValues(carl)),
+  );
+  await carl.leaves();
+});
+
+test('a tab that slept for an hour is true again', async () => {
+  const dora = await Person.arrives();
+  await dora.page.clock.install();
+  await dora.page.clock.fastForward('01:00:00');
+  await site.bus('press 3 06');
+  await eventually('both see it', async () => (await allValues(anna)) === (await allValues(dora)));
+  await dora.leaves();
+});
+
+test('every control is reached by the Tab key, and is seen to be', async () => {
+  const reachable = await anna.page
+    .locator('css=button, input, select, a[href], [tabindex="0"]')
+    .evaluateAll((all) => all.filter((each) => each.checkVisibility()).length);
+  await anna.page.evaluate(() => {
+    (document.activeElement as HTMLElement | null)?.blur();
+  });
+  const reached = new Set<string>();
+  for (let step = 0; step < reachable; ++step) {
+    await anna.page.keyboard.press('Tab');
+    const place = await anna.page.evaluate(() => {
+      let at: Element | null | undefined = document.activeElement;
+      while (at?.shadowRoot?.activeElement) at = at.shadowRoot.activeElement;
+      if (!at) return 'nothing';
+      const { x, y } = at.getBoundingClientRect();
+      const look = at instanceof HTMLSelectElement ? 'solid' : getComputedStyle(at).outlineStyle;
+      return `${look} ${at.getAttribute('aria-label') ?? at.textContent} ${x} ${y + scrollY}`;
+    });
+    assert.doesNotMatch(place, /^none/);
+    reached.add(place);
+  }
+  assert.equal(reached.size, reachable);
+});
