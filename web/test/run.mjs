@@ -4,7 +4,7 @@
 //
 // FILE is "bench" for bench.test.ts; without one all run.
 //
-// The browser tests need the programs of build-hub/ (QELM_BUILD says where else), the page in
+// The browser tests need the programs of build-release/ (QELM_BUILD says where else), the page in
 // dist/, and Debian's chromium; they run in a network namespace of their own.
 import { spawnSync } from 'node:child_process';
 import { readdirSync, rmSync } from 'node:fs';

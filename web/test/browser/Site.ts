@@ -8,7 +8,7 @@ import { join } from 'node:path';
 import { createInterface, type Interface } from 'node:readline';
 
 const root = process.env['QELM_ROOT'] ?? '';
-const build = process.env['QELM_BUILD'] ?? join(root, 'build-hub');
+const build = process.env['QELM_BUILD'] ?? join(root, 'build-release');
 
 export const address = 'http://127.0.0.1:5080';
 
