@@ -43,7 +43,7 @@ double NumberOf(const ChannelForm& form, uint8_t raw) {
   if (IsSignedDrive(form)) return DriveOf(raw);
   const ChannelSettings& unit = form.settings;
   if (unit.unit.empty()) return raw;
-  return Rounded(unit.min + raw / kHighestByte * (unit.max - unit.min), unit.decimals);
+  return Rounded(std::lerp(unit.min, unit.max, raw / kHighestByte), unit.decimals);
 }
 
 double RawOf(const ChannelForm& form, double number) {
@@ -60,8 +60,11 @@ std::optional<Range> RangeOf(const ChannelForm& form) {
   if (HasLines(form.kind) || form.kind.kind == Kind::kInfrared) return std::nullopt;
   if (IsSignedDrive(form)) return Range{-kFullDrive, kFullDrive};
   if (form.settings.unit.empty()) return Range{0, kHighestByte};
-  return Range{std::min(form.settings.min, form.settings.max),
-               std::max(form.settings.min, form.settings.max)};
+  // An end of the range is shown with so many places; what is shown can be set.
+  const ChannelSettings& unit = form.settings;
+  const auto [min, max] = std::minmax(
+      {unit.min, unit.max, Rounded(unit.min, unit.decimals), Rounded(unit.max, unit.decimals)});
+  return Range{min, max};
 }
 
 Value ToValue(const ChannelForm& form, uint8_t raw) {

@@ -87,6 +87,27 @@ TEST(Numbers, AUnitBecomesTheNearestByteAndReadsBackAsIt) {
   }
 }
 
+TEST(Numbers, AnEndThatIsRoundedCanBeSetAsItIsShown) {
+  ChannelSettings coarse = Volts();
+  coarse.min = 0.04;
+  coarse.max = 3.37;
+  coarse.decimals = 1;
+  const ChannelForm form{RowOf(Kind::kServo), 0, coarse};
+  EXPECT_EQ(ToValue(form, 0), Value(0.0));
+  EXPECT_EQ(ToValue(form, 255), Value(3.4));
+  EXPECT_EQ(ToRaw(form, 0.0), 0);
+  EXPECT_EQ(ToRaw(form, 3.4), 0xFF);
+  EXPECT_EQ(RangeOf(form)->min, 0.0);
+  EXPECT_EQ(RangeOf(form)->max, 3.4);
+}
+
+TEST(Numbers, AnEndThatIsRoundedInwardsCanBeSetAsItWasSettled) {
+  ChannelSettings coarse = Volts();
+  coarse.max = 3.33;
+  coarse.decimals = 1;
+  EXPECT_EQ(ToRaw({RowOf(Kind::kServo), 0, coarse}, 3.33), 0xFF);
+}
+
 TEST(Numbers, AUnitWithoutWidthIsTheFirstByte) {
   ChannelSettings flat = Volts();
   flat.max = 0;
