@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "protocol/Hex.h"
+#include "protocol/Pace.h"
 
 namespace hub::protocol {
 
@@ -68,6 +69,7 @@ std::optional<int> ParsePace(const Lines& answer) {
   if (!text ||
       std::from_chars(text->data(), text->data() + text->size(), percent).ec != std::errc())
     return std::nullopt;
+  if (percent < kSlowestPace || percent > kFastestPace) return std::nullopt;
   return percent;
 }
 

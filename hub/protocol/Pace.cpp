@@ -6,8 +6,6 @@ namespace hub::protocol {
 
 namespace {
 
-constexpr int kSlowest = 1;
-constexpr int kFastest = 100;
 constexpr Microseconds kLongestPause{5000};
 constexpr Microseconds kShortestPause{1};
 
@@ -20,16 +18,16 @@ constexpr Microseconds kExchange{300};
 }  // namespace
 
 Microseconds RoundPause(int percent) {
-  const int within = std::clamp(percent, kSlowest, kFastest);
+  const int within = std::clamp(percent, kSlowestPace, kFastestPace);
   return kLongestPause -
-         (kLongestPause - kShortestPause) * (within - kSlowest) / (kFastest - kSlowest);
+         (kLongestPause - kShortestPause) * (within - kSlowestPace) / (kFastestPace - kSlowestPace);
 }
 
 int PercentOf(Microseconds pause) {
   const Microseconds within = std::clamp(pause, kShortestPause, kLongestPause);
   const Microseconds range = kLongestPause - kShortestPause;
-  const long steps = kFastest - kSlowest;
-  return kSlowest + static_cast<int>(((kLongestPause - within) * steps + range / 2) / range);
+  const long steps = kFastestPace - kSlowestPace;
+  return kSlowestPace + static_cast<int>(((kLongestPause - within) * steps + range / 2) / range);
 }
 
 Microseconds RoundTime(Microseconds pause, size_t frames_a_round) {

@@ -9,6 +9,9 @@ namespace hub::protocol {
 
 using Microseconds = std::chrono::microseconds;
 
+inline constexpr int kSlowestPace = 1;  // percent
+inline constexpr int kFastestPace = 100;
+
 // The pause at the start of each round: 5 ms at 1 percent, 1 us at 100.
 Microseconds RoundPause(int percent);
 

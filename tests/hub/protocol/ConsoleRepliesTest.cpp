@@ -65,6 +65,8 @@ TEST(ConsoleReplies, AValueIsTheLastByteOfTheLastLine) {
 TEST(ConsoleReplies, SayWhatALineHasChanged) {
   EXPECT_EQ(ParsePace({"CIA: SPEED IS SET to 50%"}), 50);
   EXPECT_EQ(ParsePace({"CIA: Parameter is out of range (1..100)"}), std::nullopt);
+  EXPECT_EQ(ParsePace({"CIA: SPEED IS SET to 0%"}), std::nullopt);
+  EXPECT_EQ(ParsePace({"CIA: SPEED IS SET to 101%"}), std::nullopt);
   EXPECT_EQ(ParseReboots({"CIA: Card is REBOOTED", "RBT:0xA:OK"}), (std::vector<uint8_t>{0xA}));
   EXPECT_TRUE(ParseReboots({"CIE: BUS WRITE ERROR"}).empty());
   for (const char* line : {"CIA: GLOBAL POLLING IS DISABLED", "CIA: POLLON is OK at address 3",
