@@ -18,6 +18,9 @@ constexpr size_t kColumnAt = 6;
 constexpr size_t kRowAt = 8;
 constexpr size_t kTextAt = 11;
 
+// That a command can name; a text that goes on behind it would begin anew at column 0.
+constexpr size_t kLastColumn = 0xFF;
+
 // By LcdControl.
 constexpr std::array<std::string_view, 7> kControlWords{"CL", "LO", "LF", "CO", "CF", "BO", "BF"};
 
@@ -114,7 +117,7 @@ std::vector<IoCommand> Pieces(const IoCommand& command) {
     piece.text = whole->text.substr(at, kMostTextCharacters);
     pieces.emplace_back(std::move(piece));
     at += kMostTextCharacters;
-  } while (at < whole->text.size());
+  } while (at < whole->text.size() && whole->column + at <= kLastColumn);
   return pieces;
 }
 

@@ -73,6 +73,11 @@ TEST(IoPieces, ALongTextGoesInPiecesThatTheDaemonSurvives) {
   EXPECT_EQ(Pieces(WriteText{0xE, 0, 0, ""}).size(), 1U);
 }
 
+TEST(IoPieces, ATextThatRunsPastTheLastColumnEndsThere) {
+  const WriteText text{0xE, 250, 1, std::string(34, 'a') + "b"};
+  EXPECT_EQ(Pieces(text), (std::vector<IoCommand>{WriteText{0xE, 250, 1, std::string(34, 'a')}}));
+}
+
 TEST(IoPieces, NothingThatWouldBeAnotherCommandGoesOut) {
   for (const char* text : {"a\rb", "a\nb"}) EXPECT_TRUE(Pieces(WriteText{0xE, 0, 0, text}).empty());
   EXPECT_TRUE(Pieces(WriteText{0xE, 0, 0, std::string(1, '\0')}).empty());
