@@ -2,7 +2,6 @@
 
 #include <array>
 #include <charconv>
-#include <limits>
 #include <optional>
 
 #include "protocol/Hex.h"
@@ -15,7 +14,7 @@ constexpr unsigned kChannelsOfACard = 16;
 constexpr int kMostDecimals = 6;
 constexpr int kMostRows = 4;
 constexpr int kMostColumns = 40;
-constexpr double kAnyNumber = std::numeric_limits<double>::lowest();
+constexpr double kLargestNumber = 1e9;  // as the API has it
 constexpr std::array<std::string_view, 2> kLevels{"low", "high"};
 
 using ChannelKey = std::pair<unsigned, unsigned>;
@@ -55,10 +54,10 @@ void TakeLabels(Section section, model::Settings& names) {
 
 void TakeChannel(Section section, model::ChannelSettings& channel) {
   section.Take("unit", channel.unit, kUnit);
-  section.TakeNumber("min", channel.min, kAnyNumber);
-  section.TakeNumber("max", channel.max, kAnyNumber);
+  section.TakeNumber("min", channel.min, -kLargestNumber, kLargestNumber);
+  section.TakeNumber("max", channel.max, -kLargestNumber, kLargestNumber);
   section.TakeInteger("decimals", channel.decimals, 0, kMostDecimals);
-  section.TakeNumber("hysteresis", channel.hysteresis, 0);
+  section.TakeNumber("hysteresis", channel.hysteresis, 0, kLargestNumber);
   section.TakeWord("active", kLevels,
                    [&channel](size_t level) { channel.active_high = level == 1; });
   section.Finish();

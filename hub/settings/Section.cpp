@@ -1,7 +1,7 @@
 #include "settings/Section.h"
 
 #include <algorithm>
-#include <cmath>
+#include <iomanip>
 #include <sstream>
 
 #include "settings/Nearest.h"
@@ -84,14 +84,17 @@ void Section::Take(std::string_view key, std::optional<bool>& into) {
     Refuse(key, *node, "true or false");
 }
 
-void Section::TakeNumber(std::string_view key, double& into, double least) {
+void Section::TakeNumber(std::string_view key, double& into, double least, double most) {
   const toml::node* node = Find(key);
   if (node == nullptr) return;
   const auto number = node->is_number() ? node->value<double>() : std::nullopt;
-  if (number && std::isfinite(*number) && *number >= least)
+  if (number && *number >= least && *number <= most) {
     into = *number;
-  else
-    Refuse(key, *node, least == 0 ? "a number from 0 up" : "a number");
+    return;
+  }
+  std::ostringstream takes;
+  takes << std::fixed << std::setprecision(0) << "a number from " << least << " to " << most;
+  Refuse(key, *node, takes.str());
 }
 
 int64_t Section::ReadInteger(std::string_view key, int64_t otherwise, int64_t least, int64_t most) {

@@ -30,7 +30,7 @@ class Section {
   void Take(std::string_view key, std::vector<std::string>& into, const Rule& rule);
   void Take(std::string_view key, bool& into);
   void Take(std::string_view key, std::optional<bool>& into);
-  void TakeNumber(std::string_view key, double& into, double least);
+  void TakeNumber(std::string_view key, double& into, double least, double most);
   template <typename Integer>
   void TakeInteger(std::string_view key, Integer& into, int64_t least, int64_t most) {
     into = static_cast<Integer>(ReadInteger(key, into, least, most));

@@ -170,7 +170,7 @@ TEST(Settings, AWrongTypeIsAnErrorAndSaysWhatWouldBeRight) {
       {"[store]\nfolder = [\"/\"]\n",
        "hub.toml:2:10: `folder` is a list; it takes a path from the root"},
       {"[channel.\"F.3\"]\nunit = \"V\"\nmin = \"0\"\n",
-       "hub.toml:3:7: `min` is \"0\"; it takes a number"},
+       "hub.toml:3:7: `min` is \"0\"; it takes a number from -1000000000 to 1000000000"},
   };
   for (const Row& row : kRows) EXPECT_EQ(Error(row.text), row.error);
 }
