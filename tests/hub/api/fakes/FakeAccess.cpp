@@ -42,9 +42,11 @@ boost::asio::awaitable<std::variant<Session, Refusal, Wait>> Access::LogIn(std::
   Note("log-in " + account + Quoted(password) + " from " + address);
   if (FakeAccess::now->wait) co_return Wait{std::chrono::seconds(*FakeAccess::now->wait)};
   if (const auto refusal = Refused()) co_return *refusal;
+  const auto known = FakeAccess::now->accounts.find(account);
+  if (known == FakeAccess::now->accounts.end()) co_return Refusal::kWrong;
   Session session;
   session.secret = "cookie-of-" + account;
-  session.caller = {account, FakeAccess::now->accounts.at(account), "session-1", address};
+  session.caller = {account, known->second, "session-1", address};
   co_return session;
 }
 
