@@ -199,9 +199,9 @@ TEST_F(CallTest, CharactersAreCountedNotBytes) {
 TEST_F(CallTest, AFaultOfTheHubIsAProblemToo) {
   store.documents.clear();
   caller.account = "operator";
-  // Nobody of this name is known to the fake, which throws.
+  access.fails = true;
   ExpectProblem("session.open", R"({"account":"ghost","password":"secret word"})", 500, "",
-                "session.open: map::at");
+                "session.open: the thread is gone");
 }
 
 std::optional<Problem> Query(std::string_view method, std::string_view name, std::string_view value,

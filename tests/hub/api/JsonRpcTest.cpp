@@ -101,6 +101,7 @@ TEST_F(JsonRpcTest, AMethodMustBeThereAndItsParametersGoByName) {
 }
 
 TEST_F(JsonRpcTest, AFaultHasItsOwnCode) {
+  access.fails = true;
   EXPECT_NE(Rpc(R"({"jsonrpc":"2.0","id":1,"method":"session.open",
                     "params":{"account":"ghost","password":"secret word"}})")
                 .find(R"("code":-32603,"message":"a fault of the hub")"),

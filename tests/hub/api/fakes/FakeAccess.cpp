@@ -1,5 +1,7 @@
 #include "api/fakes/FakeAccess.h"
 
+#include <stdexcept>
+
 #include "access/Access.h"
 
 FakeAccess* FakeAccess::now = nullptr;
@@ -42,6 +44,7 @@ boost::asio::awaitable<std::variant<Session, Refusal, Wait>> Access::LogIn(std::
   Note("log-in " + account + Quoted(password) + " from " + address);
   if (FakeAccess::now->wait) co_return Wait{std::chrono::seconds(*FakeAccess::now->wait)};
   if (const auto refusal = Refused()) co_return *refusal;
+  if (FakeAccess::now->fails) throw std::runtime_error("the thread is gone");
   const auto known = FakeAccess::now->accounts.find(account);
   if (known == FakeAccess::now->accounts.end()) co_return Refusal::kWrong;
   Session session;

@@ -30,6 +30,7 @@ struct FakeAccess {
 
   std::optional<Refusal> refusal;  // of whatever comes
   std::optional<int> wait;         // seconds; of a log-in
+  bool fails = false;              // logging in throws
   std::vector<std::string> asked;  // "add operator use 'secret word'"
   std::map<std::string, hub::access::Role> accounts;
   std::map<std::string, hub::access::Role> tokens;
