@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include "access/Network.h"
 #include "settings/Names.h"
@@ -124,6 +125,13 @@ bool StandsBefore(const SettingsError& left, const SettingsError& right) {
   return std::pair(left.line, left.column) < std::pair(right.line, right.column);
 }
 
+// A key, and what stands where a value should, can hold the end of a line.
+SettingsErrors InALineEach(SettingsErrors errors) {
+  const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
+  for (SettingsError& error : errors) std::ranges::replace_if(error.text, is_control, ' ');
+  return errors;
+}
+
 }  // namespace
 
 std::string ToText(const SettingsError& error, std::string_view path) {
@@ -139,10 +147,10 @@ std::variant<Settings, SettingsErrors> Parse(std::string_view text) {
     Settings settings = TakeAll(Section(file, errors));
     if (errors.empty()) return settings;
     std::ranges::stable_sort(errors, StandsBefore);
-    return errors;
+    return InALineEach(std::move(errors));
   } catch (const toml::parse_error& error) {
     const toml::source_position where = error.source().begin;
-    return SettingsErrors{{where.line, where.column, "", std::string(error.description())}};
+    return InALineEach({{where.line, where.column, "", std::string(error.description())}});
   }
 }
 

@@ -175,6 +175,11 @@ TEST(Settings, AWrongTypeIsAnErrorAndSaysWhatWouldBeRight) {
   for (const Row& row : kRows) EXPECT_EQ(Error(row.text), row.error);
 }
 
+TEST(Settings, AnErrorIsOneLineWhateverTheKeyHolds) {
+  EXPECT_EQ(Error("[virtual-bus]\n\"a\\nb\" = 1\n"),
+            "hub.toml:2:1: unknown key `a b`; there are control");
+}
+
 TEST(Settings, AValueOutOfRangeIsAnErrorAndSaysWhatWouldBeRight) {
   constexpr Row kRows[] = {
       {"[daemon]\ncae = 0\n", "hub.toml:2:7: `cae` is 0; it takes a whole number from 1 to 65535"},
