@@ -56,20 +56,6 @@ void CheckGlass(const Glass& glass) {
 
 }  // namespace
 
-hub::protocol::CardNames OneCardOfEachKind() {
-  hub::protocol::CardNames names;
-  names.fill("EMPTY");
-  names[0x0] = "6 channel RC SERVO CONTROLLER";
-  names[0x3] = "16 channel DIGITAL INPUT";
-  names[0x4] = "3 channel DC MOTOR CONTROLLER";
-  names[0x5] = "16 channel DIGITAL OUTPUT";
-  names[0x8] = "KEYMX and ROTE CONTROLLER";
-  names[0x9] = "IR REMOTE CONTROLLER";
-  names[0xE] = "ALPHANUMERIC LCD CONTROLLER";
-  names[0xF] = "6 channel ANALOGUE INPUT";
-  return names;
-}
-
 void CheckBus(const Bus& bus) {
   for (unsigned address = 0; address < kCardCount; ++address) {
     const Card* const card = bus.At(address);

@@ -1,12 +1,9 @@
-// A bus of the hub with a card of each kind, and what has to hold of every bus.
+// What has to hold of every bus of the hub.
 #pragma once
 
 #include <cstdint>
 
 #include "model/Bus.h"
-
-// As the daemon lists them.
-hub::protocol::CardNames OneCardOfEachKind();
 
 void CheckBus(const hub::model::Bus& bus);
 

@@ -28,6 +28,7 @@
 #include "api/fakes/FakeStore.h"
 #include "api/fakes/FakeVirtualBus.h"
 #include "http/Router.h"
+#include "hub/CardsOfEachKind.h"
 #include "protocol/Console.h"
 #include "protocol/IoCommand.h"
 
@@ -115,7 +116,7 @@ class Hub {
     fake_link_.answers["SPEED=7"] = {"CIA: SPEED IS SET to 7%"};
     if (stage.has_accounts) fake_access_.accounts = {{"operator", stage.role}};
     if (!stage.is_bus_real) house_.virtual_bus = &control_;
-    bus_.SetCards(OneCardOfEachKind());
+    bus_.SetCards(hub::CardsOfEachKind());
     for (unsigned address = 0; address < protocol::kCardCount; ++address)
       for (uint8_t block = 0; block < 2; ++block) {
         bus_.TakeInput({static_cast<uint8_t>(address), block, 0xA5}, {});

@@ -11,6 +11,7 @@
 #include "api/Json.h"
 #include "api/Problem.h"
 #include "api/SettingsJson.h"
+#include "hub/CardsOfEachKind.h"
 #include "settings/Settings.h"
 
 namespace {
@@ -80,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckDocuments(settings.names);
   model::Bus bus("3f9a21c0");
   const BusWatch watch(bus);
-  bus.SetCards(OneCardOfEachKind());
+  bus.SetCards(hub::CardsOfEachKind());
   bus.Apply(settings.names);
   for (const unsigned value : {0U, 1U, 127U, 128U, 254U, 255U}) {
     MoveAll(bus, static_cast<uint8_t>(value));

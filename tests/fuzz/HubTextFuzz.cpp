@@ -17,6 +17,7 @@
 
 #include "Finding.h"
 #include "HubBus.h"
+#include "hub/CardsOfEachKind.h"
 #include "link/CardNews.h"
 #include "link/LogState.h"
 #include "link/Outbox.h"
@@ -154,7 +155,7 @@ class Session {
   }
 
   void Introduce() {
-    TakeTable(OneCardOfEachKind());
+    TakeTable(hub::CardsOfEachKind());
     console_.emplace(Console::Sinks{
         .ready = [this] { Require(console_->IsReady(), "ready, and not ready"); },
         .answer = [this](const Answer& answer) { TakeAnswer(answer); },

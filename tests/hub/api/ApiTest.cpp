@@ -10,6 +10,7 @@
 #include "api/Json.h"
 #include "api/JsonRpc.h"
 #include "api/KeptSettings.h"
+#include "hub/CardsOfEachKind.h"
 
 namespace hub::api {
 
@@ -82,15 +83,7 @@ std::string Compact(std::string_view json) {
 }
 
 ApiTest::ApiTest() : parts_(std::make_unique<Parts>(*this)) {
-  names.fill("EMPTY");
-  names[0x0] = "6 channel RC SERVO CONTROLLER";
-  names[0x3] = "16 channel DIGITAL INPUT";
-  names[0x4] = "3 channel DC MOTOR CONTROLLER";
-  names[0x5] = "16 channel DIGITAL OUTPUT";
-  names[0x8] = "KEYMX and ROTE CONTROLLER";
-  names[0x9] = "IR REMOTE CONTROLLER";
-  names[0xE] = "ALPHANUMERIC LCD CONTROLLER";
-  names[0xF] = "6 channel ANALOGUE INPUT";
+  names = CardsOfEachKind();
   bus.SetCards(names);
   DaemonIs(model::DaemonState::kUp);
 }

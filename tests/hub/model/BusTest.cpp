@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "hub/CardsOfEachKind.h"
+
 namespace hub::model {
 namespace {
 
@@ -18,14 +20,7 @@ constexpr unsigned kKnobsAt = 0xF;
 class BusTest : public testing::Test {
  protected:
   BusTest() {
-    names.fill("EMPTY");
-    names[kServoAt] = "6 channel RC SERVO CONTROLLER";
-    names[kInputAt] = "16 channel DIGITAL INPUT";
-    names[kOutputAt] = "16 channel DIGITAL OUTPUT";
-    names[kKeysAt] = "KEYMX and ROTE CONTROLLER";
-    names[kInfraredAt] = "IR REMOTE CONTROLLER";
-    names[kGlassAt] = "ALPHANUMERIC LCD CONTROLLER";
-    names[kKnobsAt] = "6 channel ANALOGUE INPUT";
+    names = CardsOfEachKind();
     bus.SetCards(names);
     bus.Publish();
     bus.Listen([this](const Change& change) { changes.push_back(change); });
