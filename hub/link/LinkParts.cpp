@@ -59,13 +59,13 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
               }),
       log(executor, options.log,
           {.old_line = [this](const protocol::LogLine& line) { log_state.TakeOld(line); },
+           .old_read = [this] { survey.TakeOldLog(log.AgeOfLastLine()); },
            .line = [this](const protocol::LogLine& line) { TakeLogLine(line); },
            .caught_up = [this] { bus.Publish(); }}),
       pause_(executor) {}
 
 void Link::Parts::Start() {
   log.Look();
-  survey.TakeOldLog(log.AgeOfLastLine());
   asio::co_spawn(executor, FollowLog(shared_from_this()), asio::detached);
   asio::co_spawn(executor, Connect(shared_from_this()), asio::detached);
 }

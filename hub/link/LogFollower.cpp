@@ -69,6 +69,7 @@ void LogFollower::Open() {
   if (fstat(file_, &status) == 0)
     lseek(file_, std::max<off_t>(status.st_size - kMostOld, 0), SEEK_SET);
   ReadOn(sinks_.old_line);
+  sinks_.old_read();
 }
 
 void LogFollower::Close() {

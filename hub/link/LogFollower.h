@@ -19,7 +19,8 @@ namespace hub::link {
 class LogFollower {
  public:
   struct Sinks {
-    std::function<void(const protocol::LogLine& line)> old_line;  // written before the first look
+    std::function<void(const protocol::LogLine& line)> old_line;  // written before it could first be read
+    std::function<void()> old_read;                               // behind the old lines
     std::function<void(const protocol::LogLine& line)> line;
     std::function<void()> caught_up;  // behind the lines of one look
   };

@@ -107,7 +107,8 @@ asio::awaitable<bool> Survey::Introduce() {
     SettleWhenFound();
   else
     ReleaseNow();
-  Schedule(kInputs, Clock::now());
+  // Outputs that settle ask for the inputs behind them: each answer is a report to every client.
+  if (due_[kSettle] == SteadyTime::max()) Schedule(kInputs, Clock::now());
   bus_.Publish();
   co_return true;
 }

@@ -7,6 +7,7 @@
 #include "FakeDaemon.h"
 #include "LinkDriver.h"
 #include "kit/Proc.h"
+#include "kit/TempDir.h"
 
 namespace hub::link {
 namespace {
@@ -296,6 +297,19 @@ INSTANTIATE_TEST_SUITE_P(Ports, HeldPortTest, testing::Values(Port::kCae, Port::
                          [](const auto& each) {
                            return std::string(protocol::TextOf(each.param).word);
                          });
+
+// A daemon that starts beside the hub makes its log a moment later.
+TEST(LinkLogTest, WhatItHoldsCountsWheneverItCanBeReadFirst) {
+  const TempDir folder;
+  const FakeDaemon daemon;
+  LinkDriver link({.host = "127.0.0.1", .ports = daemon.Ports(), .log = folder.Path("qelm.log")});
+  folder.Write("new",
+               "2026-11-21 12:00:00 [INF] qelm is started\n"
+               "2026-11-21 12:00:00 [INF] Initparam Speed (ThreadDelay): 2525\n");
+  std::filesystem::rename(folder.Path("new"), folder.Path("qelm.log"));
+  EXPECT_TRUE(WaitUntil(
+      [&] { return link.Look([](const model::Bus& seen) { return seen.Pace(); }) == 50; }));
+}
 
 }  // namespace
 }  // namespace hub::link
