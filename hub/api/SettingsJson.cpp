@@ -138,8 +138,8 @@ template <class Archive>
 void Describe(Archive& archive, model::CardSettings& card) {
   archive.Flag("keep", card.keep);
   archive.Flag("signed", card.is_signed);
-  archive.Whole("rows", card.rows, 4, {1, 8});
-  archive.Whole("columns", card.columns, 20, {1, 80});
+  archive.Whole("rows", card.rows, 4, {1, model::kMostRows});
+  archive.Whole("columns", card.columns, 20, {1, model::kMostColumns});
 }
 
 template <class Archive>

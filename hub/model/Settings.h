@@ -20,6 +20,10 @@ struct ChannelSettings {
   bool operator==(const ChannelSettings&) const = default;
 };
 
+// The glass of a display; nothing tells its real size.
+inline constexpr int kMostRows = 8;
+inline constexpr int kMostColumns = 80;
+
 struct CardSettings {
   std::string name;
   std::optional<bool> keep;  // outputs are restored; nothing: all but motors

@@ -12,8 +12,6 @@ namespace {
 
 constexpr unsigned kChannelsOfACard = 16;
 constexpr int kMostDecimals = 6;
-constexpr int kMostRows = 4;
-constexpr int kMostColumns = 40;
 constexpr double kLargestNumber = 1e9;  // as the API has it
 constexpr std::array<std::string_view, 2> kLevels{"low", "high"};
 
@@ -72,8 +70,8 @@ void TakeChannel(Section section, model::ChannelSettings& channel) {
 }
 
 void TakeCard(Section section, model::CardSettings& card) {
-  section.TakeInteger("rows", card.rows, 1, kMostRows);
-  section.TakeInteger("columns", card.columns, 1, kMostColumns);
+  section.TakeInteger("rows", card.rows, 1, model::kMostRows);
+  section.TakeInteger("columns", card.columns, 1, model::kMostColumns);
   section.Take("signed", card.is_signed);
   section.Take("keep", card.keep);
   section.Finish();
