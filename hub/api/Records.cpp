@@ -13,7 +13,14 @@ namespace {
 
 constexpr std::chrono::hours kUsualSpan{24};
 constexpr int64_t kUsualPoints = 500;
-constexpr int64_t kUsualEntries = 100;
+constexpr int64_t kRetrySeconds = 1;
+
+// What the store answers, where it answers.
+template <typename Value>
+Value Answered(std::optional<Value> value) {
+  if (!value) throw RetryLater(503, "too many questions to the store at once", kRetrySeconds);
+  return std::move(*value);
+}
 
 }  // namespace
 
@@ -29,16 +36,18 @@ Answer GetHistory(House& house, Request request) {
     throw DoesNotFit("from", fmt::format("from {} is not before {}", TimeText(from), TimeText(to)));
   const auto points = static_cast<size_t>(MaybeInteger(request, "points").value_or(kUsualPoints));
   auto reading = house.store.ReadHistory(*id, from, to, points);
-  const store::History history = co_await std::move(reading);
-  co_return Done(HistoryJson(house.bus, *id, history));
+  std::optional<store::History> history = co_await std::move(reading);
+  co_return Done(HistoryJson(house.bus, *id, Answered(std::move(history))));
 }
 
 Answer GetJournal(House& house, Request request) {
-  const auto after = static_cast<uint64_t>(IntegerAt(request, "after"));
-  const auto limit = static_cast<size_t>(MaybeInteger(request, "limit").value_or(kUsualEntries));
-  auto reading = house.store.ReadJournal(after, limit);
-  const store::JournalPage page = co_await std::move(reading);
-  co_return Done(JournalJson(page));
+  store::JournalSpan span{.after = static_cast<uint64_t>(IntegerAt(request, "after"))};
+  if (const auto before = MaybeInteger(request, "before"))
+    span.before = static_cast<uint64_t>(*before);
+  if (const auto limit = MaybeInteger(request, "limit")) span.limit = static_cast<size_t>(*limit);
+  auto reading = house.store.ReadJournal(span);
+  std::optional<store::JournalPage> page = co_await std::move(reading);
+  co_return Done(JournalJson(Answered(std::move(page))));
 }
 
 }  // namespace hub::api

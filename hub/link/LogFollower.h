@@ -19,8 +19,9 @@ namespace hub::link {
 class LogFollower {
  public:
   struct Sinks {
-    std::function<void(const protocol::LogLine& line)> old_line;  // written before it could first be read
-    std::function<void()> old_read;                               // behind the old lines
+    std::function<void(const protocol::LogLine& line)>
+        old_line;                    // written before it could first be read
+    std::function<void()> old_read;  // behind the old lines
     std::function<void(const protocol::LogLine& line)> line;
     std::function<void()> caught_up;  // behind the lines of one look
   };

@@ -294,9 +294,9 @@ History Disk::ReadHistory(const Span& span, int64_t now) {
                        [&] { return HistoryTables(*database_).Read(span, waiting_.Samples()); });
 }
 
-JournalPage Disk::ReadJournal(uint64_t after, size_t limit, uint64_t last, int64_t now) {
+JournalPage Disk::ReadJournal(const JournalSpan& span, uint64_t last, int64_t now) {
   return Read<JournalPage>(
-      now, [&] { return JournalTable(*database_).Read(after, limit, last, waiting_.Entries()); });
+      now, [&] { return JournalTable(*database_).Read(span, last, waiting_.Entries()); });
 }
 
 }  // namespace hub::store

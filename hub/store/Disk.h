@@ -53,7 +53,7 @@ class Disk {
 
   // With all that was taken.
   History ReadHistory(const Span& span, int64_t now);
-  JournalPage ReadJournal(uint64_t after, size_t limit, uint64_t last, int64_t now);
+  JournalPage ReadJournal(const JournalSpan& span, uint64_t last, int64_t now);
 
   // Any thread may read these. Whoever hands values over counts them as waiting.
   std::atomic<uint64_t> samples_waiting = 0;

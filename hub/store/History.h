@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "model/Change.h"
@@ -22,9 +23,16 @@ struct History {
   std::vector<Point> points;  // by time; a step without a value has none
 };
 
+// A page of the journal: its newest `limit` entries between two numbers, both left out.
+struct JournalSpan {
+  uint64_t after = 0;
+  uint64_t before = std::numeric_limits<uint64_t>::max();
+  size_t limit = 100;
+};
+
 struct JournalPage {
   std::vector<model::JournalEntry> entries;  // oldest first
-  uint64_t lost = 0;                         // behind `after`, and no longer kept
+  uint64_t lost = 0;                         // in the span, and no longer kept
 };
 
 }  // namespace hub::store

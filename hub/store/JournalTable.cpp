@@ -46,22 +46,27 @@ bool JournalTable::DropOldest() {
   return true;
 }
 
-JournalPage JournalTable::Read(uint64_t after, size_t limit, uint64_t last,
+JournalPage JournalTable::Read(const JournalSpan& span, uint64_t last,
                                const std::deque<model::JournalEntry>& waiting) {
   JournalPage page;
-  if (after >= last) return page;
+  const uint64_t end = std::min(span.before, last + 1);
+  if (span.after + 1 >= end) return page;
   uint64_t kept = 0;
-  for (auto entry = waiting.rbegin(); entry != waiting.rend() && entry->sequence > after; ++entry) {
+  for (auto entry = waiting.rbegin(); entry != waiting.rend() && entry->sequence > span.after;
+       ++entry) {
+    if (entry->sequence >= end) continue;
     ++kept;
-    if (page.entries.size() < limit) page.entries.push_back(*entry);
+    if (page.entries.size() < span.limit) page.entries.push_back(*entry);
   }
-  Statement count(database_, "SELECT count(*) FROM journal WHERE number > ?");
-  if (count.Bind(after).Next()) kept += static_cast<uint64_t>(count.Integer(0));
-  Statement rows(database_, "SELECT * FROM journal WHERE number > ? ORDER BY number DESC LIMIT ?");
-  rows.Bind(after, uint64_t{limit - page.entries.size()});
+  Statement count(database_, "SELECT count(*) FROM journal WHERE number > ? AND number < ?");
+  if (count.Bind(span.after, end).Next()) kept += static_cast<uint64_t>(count.Integer(0));
+  Statement rows(database_,
+                 "SELECT * FROM journal WHERE number > ? AND number < ?"
+                 " ORDER BY number DESC LIMIT ?");
+  rows.Bind(span.after, end, uint64_t{span.limit - page.entries.size()});
   while (rows.Next()) page.entries.push_back(ReadEntry(rows));
   std::ranges::reverse(page.entries);
-  page.lost = last - after - kept;
+  page.lost = end - 1 - span.after - kept;
   return page;
 }
 

@@ -25,7 +25,7 @@ class JournalTable {
   bool DropOldest();  // a part of it; false when nothing is left
 
   // `waiting` comes behind what is in the file; `last` is the number given last.
-  JournalPage Read(uint64_t after, size_t limit, uint64_t last,
+  JournalPage Read(const JournalSpan& span, uint64_t last,
                    const std::deque<model::JournalEntry>& waiting);
 
  private:

@@ -34,14 +34,14 @@ template <typename Answer>
 struct Pending {
   explicit Pending(asio::io_context& context)
       : arrived(context, asio::steady_timer::time_point::max()) {}
-  Answer answer;
+  std::optional<Answer> answer;
   asio::steady_timer arrived;  // has expired when the answer is there
 
   void Arrive() { arrived.expires_at(asio::steady_timer::time_point::min()); }
 };
 
 template <typename Answer>
-asio::awaitable<Answer> Await(std::shared_ptr<Pending<Answer>> pending) {
+asio::awaitable<std::optional<Answer>> Await(std::shared_ptr<Pending<Answer>> pending) {
   boost::system::error_code cancelled;
   auto token = asio::redirect_error(asio::use_awaitable, cancelled);
   asio::awaitable<void> arrival = pending->arrived.async_wait(token);
@@ -67,7 +67,7 @@ struct Store::Parts {
   void Note(const std::string& text);
   std::shared_ptr<Gathered> HandOver();
   template <typename Answer, typename Ask>
-  asio::awaitable<Answer> Question(Ask ask);
+  asio::awaitable<std::optional<Answer>> Question(Ask ask);
   void EndQuestion(bool has_notices);
 
   asio::io_context& context;
@@ -211,7 +211,7 @@ void Store::Parts::TakeReport(Disk::Report latest) {
 }
 
 template <typename Answer, typename Ask>
-asio::awaitable<Answer> Store::Parts::Question(Ask ask) {
+asio::awaitable<std::optional<Answer>> Store::Parts::Question(Ask ask) {
   auto pending = std::make_shared<Pending<Answer>>(context);
   if (questions == kMostQuestions) {
     pending->Arrive();
@@ -287,8 +287,9 @@ void Store::AddValue(model::ChannelId channel, model::Time time, double value) {
 
 void Store::AddJournal(model::JournalEntry entry) { parts_->AddEntry(std::move(entry)); }
 
-asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, model::Time from,
-                                            model::Time to, size_t points) {
+asio::awaitable<std::optional<History>> Store::ReadHistory(model::ChannelId channel,
+                                                           model::Time from, model::Time to,
+                                                           size_t points) {
   const Span span{NumberOf(channel), ToDiskTime(from), ToDiskTime(to), points};
   const int64_t now = ToDiskTime(parts_->clock.Now());
   return parts_->Question<History>([span, now](Disk& disk) {
@@ -297,10 +298,10 @@ asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, model::Tim
   });
 }
 
-asio::awaitable<JournalPage> Store::ReadJournal(uint64_t after, size_t limit) {
+asio::awaitable<std::optional<JournalPage>> Store::ReadJournal(JournalSpan span) {
   const int64_t now = ToDiskTime(parts_->clock.Now());
-  return parts_->Question<JournalPage>([after, limit, now, last = parts_->last_entry](Disk& disk) {
-    return disk.ReadJournal(after, limit, last, now);
+  return parts_->Question<JournalPage>([span, now, last = parts_->last_entry](Disk& disk) {
+    return disk.ReadJournal(span, last, now);
   });
 }
 

@@ -55,12 +55,13 @@ class Store {
   void AddValue(model::ChannelId channel, model::Time time, double value);
   void AddJournal(model::JournalEntry entry);  // gives it its number
 
+  // Both give nothing where 250 others wait for an answer already.
   // At most so many points, from the finest level that fits, what is not written yet included.
-  // Both ends belong to the span. Nothing where 250 others wait for an answer already.
-  boost::asio::awaitable<History> ReadHistory(model::ChannelId channel, model::Time from,
-                                              model::Time to, size_t points);
-  // Entries behind that number, the newest `limit` of them where there are more.
-  boost::asio::awaitable<JournalPage> ReadJournal(uint64_t after, size_t limit);
+  // Both ends belong to the span.
+  boost::asio::awaitable<std::optional<History>> ReadHistory(model::ChannelId channel,
+                                                             model::Time from, model::Time to,
+                                                             size_t points);
+  boost::asio::awaitable<std::optional<JournalPage>> ReadJournal(JournalSpan span);
 
   // Each entry with its number, on the caller's thread. What happened while the store was opened
   // comes at once.

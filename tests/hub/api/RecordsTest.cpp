@@ -61,12 +61,21 @@ TEST_F(RecordsTest, TheJournalIsReadBehindANumber) {
      "text":"found on /dev/ttyUSB0", "by":null},
     {"seq":18, "time":"2026-11-21T12:00:00.000Z", "kind":"command", "text":"5.0: on",
      "by":"operator"}], "lost":3})");
-  EXPECT_EQ(store.asked_journal, "16 2");
+  EXPECT_EQ(store.asked_journal, "16, 2");
   Result("journal.get");
-  EXPECT_EQ(store.asked_journal, "0 100");
+  EXPECT_EQ(store.asked_journal, "0, 100");
+  Result("journal.get", R"({"after":"5","before":"17"})");
+  EXPECT_EQ(store.asked_journal, "5 before 17, 100");
   ExpectProblem("journal.get", R"({"limit":1001})", 422, "limit", "1001; limit takes 1 to 1000");
   ExpectProblem("journal.get", R"({"after":"-1"})", 422, "after",
                 "-1; after takes 0 to 1000000000000000");
+}
+
+TEST_F(RecordsTest, AStoreThatIsAskedTooMuchSaysSo) {
+  store.is_busy = true;
+  ExpectProblem("journal.get", "{}", 503, "", "too many questions to the store at once");
+  ExpectProblem("history.get", R"({"channel":"F.3"})", 503, "",
+                "too many questions to the store at once");
 }
 
 }  // namespace

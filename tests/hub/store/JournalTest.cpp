@@ -62,6 +62,20 @@ TEST_F(StoreJournal, BehindANumberTheNewest) {
   EXPECT_EQ(Journal(0, 0).lost, 0u);
 }
 
+TEST_F(StoreJournal, IsReadBackwardsPageByPage) {
+  Start();
+  for (const char* text : {"1", "2", "3"}) Happen(text);
+  WriteAfterMinute();  // 4
+  for (const char* text : {"5", "6"}) Happen(text);
+  EXPECT_EQ(JournalTexts(0, 2, 6), (Texts{"a minute has passed", "5"}));
+  EXPECT_EQ(JournalTexts(0, 2, 4), (Texts{"2", "3"}));
+  EXPECT_EQ(JournalTexts(0, 2, 2), (Texts{"1"}));
+  EXPECT_EQ(JournalTexts(0, 2, 1), Texts{});
+  EXPECT_EQ(JournalTexts(2, 9, 6), (Texts{"3", "a minute has passed", "5"}));
+  EXPECT_EQ(JournalTexts(4, 9, 4), Texts{});
+  EXPECT_EQ(Journal(0, 1, 4).lost, 0u);
+}
+
 TEST_F(StoreJournal, AFloodIsBoundedAndWhatIsGoneIsCounted) {
   Start();
   for (int i = 1; i <= 12'000; ++i) Happen(std::to_string(i));

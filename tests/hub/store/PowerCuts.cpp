@@ -100,7 +100,9 @@ void ExpectIntact(const std::string& folder) {
 History ReadAll(asio::io_context& context, Store& store) {
   std::optional<History> history;
   asio::co_spawn(context, store.ReadHistory(kChannel, TimeOf(0), TimeOf(1'000'000), 1'000'000),
-                 [&](const std::exception_ptr&, History answer) { history = std::move(answer); });
+                 [&](const std::exception_ptr&, std::optional<History> answer) {
+                   history = std::move(answer);
+                 });
   RunUntil(context, [&] { return history.has_value(); });
   return *history;
 }

@@ -73,7 +73,7 @@ void StoreTest::WriteAfterMinute() {
 
 History StoreTest::Read(model::ChannelId channel, model::Time from, model::Time to, size_t points) {
   context.restart();
-  return Get(context, store->ReadHistory(channel, from, to, points));
+  return Get(context, store->ReadHistory(channel, from, to, points)).value();
 }
 
 StoreTest::Curve StoreTest::ToCurve(const History& history) {
@@ -88,14 +88,15 @@ StoreTest::Curve StoreTest::ReadDay(size_t points, model::ChannelId channel) {
   return ToCurve(Read(channel, Noon(-12h), Noon(12h), points));
 }
 
-JournalPage StoreTest::Journal(uint64_t after, size_t limit) {
+JournalPage StoreTest::Journal(uint64_t after, size_t limit, uint64_t before) {
   context.restart();
-  return Get(context, store->ReadJournal(after, limit));
+  const JournalSpan span{.after = after, .before = before, .limit = limit};
+  return Get(context, store->ReadJournal(span)).value();
 }
 
-std::vector<std::string> StoreTest::JournalTexts(uint64_t after, size_t limit) {
+std::vector<std::string> StoreTest::JournalTexts(uint64_t after, size_t limit, uint64_t before) {
   std::vector<std::string> texts;
-  for (const auto& entry : Journal(after, limit).entries) texts.push_back(entry.text);
+  for (const auto& entry : Journal(after, limit, before).entries) texts.push_back(entry.text);
   return texts;
 }
 

@@ -33,9 +33,11 @@ void Store::AddJournal(model::JournalEntry entry) {
   FakeStore::now->journal.push_back(entry.kind + ' ' + entry.by + ": " + entry.text);
 }
 
-boost::asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, model::Time from,
-                                                   model::Time to, size_t points) {
+boost::asio::awaitable<std::optional<History>> Store::ReadHistory(model::ChannelId channel,
+                                                                  model::Time from, model::Time to,
+                                                                  size_t points) {
   FakeStore& fake = *FakeStore::now;
+  if (fake.is_busy) co_return std::nullopt;
   fake.asked_history = std::to_string(channel.address) + '.' + std::to_string(channel.number) +
                        ' ' + std::to_string(ToCount(from)) + ' ' + std::to_string(ToCount(to)) +
                        ' ' + std::to_string(points);
@@ -47,9 +49,13 @@ boost::asio::awaitable<History> Store::ReadHistory(model::ChannelId channel, mod
   co_return history;
 }
 
-boost::asio::awaitable<JournalPage> Store::ReadJournal(uint64_t after, size_t limit) {
+boost::asio::awaitable<std::optional<JournalPage>> Store::ReadJournal(JournalSpan span) {
   FakeStore& fake = *FakeStore::now;
-  fake.asked_journal = std::to_string(after) + ' ' + std::to_string(limit);
+  if (fake.is_busy) co_return std::nullopt;
+  const bool has_end = span.before != std::numeric_limits<uint64_t>::max();
+  fake.asked_journal = std::to_string(span.after) +
+                       (has_end ? " before " + std::to_string(span.before) : "") + ", " +
+                       std::to_string(span.limit);
   co_return JournalPage{fake.entries, fake.lost};
 }
 

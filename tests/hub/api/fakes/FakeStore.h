@@ -22,6 +22,7 @@ struct FakeStore {
   // What is answered, and what was asked: "F.3 1000 2000 500", in ms; "17 100".
   int64_t step_ms = 0;
   std::vector<std::array<double, 4>> points;  // time in ms, mean, min, max
+  bool is_busy = false;                       // answers nothing
   std::string asked_history;
   std::vector<hub::model::JournalEntry> entries;
   uint64_t lost = 0;
