@@ -1,0 +1,36 @@
+// The bus as topics and payloads: hears what has changed and tells the publisher. It names only
+// what is this hub's own; Home Assistant's messages are another class's. Pure; one thread.
+#pragma once
+
+#include <string>
+
+#include "model/Bus.h"
+#include "mqtt/Publisher.h"
+#include "mqtt/Topics.h"
+
+namespace hub::mqtt {
+
+class States {
+ public:
+  // All outlive it. `version` is the hub's own.
+  States(const model::Bus& bus, Publisher& publisher, std::string version);
+
+  // Everything, below this name. What stood below an earlier one is taken back.
+  void MoveTo(const std::string& name);
+  void Take(const model::Change& change, model::SteadyTime now);
+
+  const Topics& Names() const { return topics_; }
+
+ private:
+  void TellBus();
+  void TellCard(unsigned address);
+  void TellCardStatus(unsigned address);
+  void TellValue(model::ChannelId id);
+
+  const model::Bus& bus_;
+  Publisher& publisher_;
+  std::string version_;
+  Topics topics_{""};
+};
+
+}  // namespace hub::mqtt
