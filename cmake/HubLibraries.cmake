@@ -10,6 +10,7 @@ find_library(EDIT_LIBRARY edit)
 find_path(EDIT_INCLUDE_DIR editline/readline.h)
 if(PkgConfig_FOUND)
   pkg_check_modules(SQLITE QUIET IMPORTED_TARGET sqlite3)
+  pkg_check_modules(MOSQUITTO QUIET IMPORTED_TARGET libmosquitto)
   pkg_check_modules(SODIUM QUIET IMPORTED_TARGET libsodium)
   pkg_check_modules(SYSTEMD QUIET IMPORTED_TARGET libsystemd)
 endif()
@@ -17,7 +18,7 @@ endif()
 set(HUB_LIBRARIES_MISSING "")
 foreach(row
     "Boost_FOUND libboost1.81-dev" "OPENSSL_FOUND libssl-dev" "PkgConfig_FOUND pkgconf"
-    "SQLITE_FOUND libsqlite3-dev" "SODIUM_FOUND libsodium-dev" "SYSTEMD_FOUND libsystemd-dev"
+    "SQLITE_FOUND libsqlite3-dev" "MOSQUITTO_FOUND libmosquitto-dev" "SODIUM_FOUND libsodium-dev" "SYSTEMD_FOUND libsystemd-dev"
     "fmt_FOUND libfmt-dev" "tomlplusplus_FOUND libtomlplusplus-dev" "EDIT_LIBRARY libedit-dev"
     "CLI11_INCLUDE_DIR libcli11-dev")
   string(REPLACE " " ";" row "${row}")

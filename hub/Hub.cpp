@@ -85,6 +85,12 @@ text::TextOptions TextOptionsOf(const settings::TextOptions& options, bool is_lo
   return {is_locked ? "" : options.listen, options.ports};
 }
 
+mqtt::BrokerOptions BrokerOptionsOf(const settings::BrokerOptions& options) {
+  return {{options.host, options.port, options.user, options.password_file, options.ca,
+           options.certificate, options.key},
+          options.name};
+}
+
 std::optional<std::chrono::microseconds> WatchdogPeriod() {
   uint64_t microseconds = 0;
   if (sd_watchdog_enabled(0, &microseconds) <= 0) return std::nullopt;
@@ -149,6 +155,7 @@ Hub::Hub(const settings::Settings& settings, Places places)
              .virtual_bus = settings_.virtual_bus.control.empty() ? nullptr : &virtual_bus_},
       server_(house_, ServerOptionsOf(settings_, places_, is_locked_)),
       text_ports_(house_, TextOptionsOf(settings_.text, is_locked_)),
+      broker_(house_, QELM_VERSION),
       signals_(context_, SIGTERM, SIGINT, SIGHUP),
       watchdog_(context_),
       watchdog_period_(WatchdogPeriod()) {}
@@ -160,6 +167,7 @@ void Hub::Run() {
   link_.Remember(outputs_.Blocks());
   server_.Start();
   text_ports_.Start();
+  broker_.Start(BrokerOptionsOf(settings_.broker));
   link_.Start();
   AwaitSignal();
   TellWatchdog();
@@ -225,12 +233,14 @@ void Hub::ReadSettingsAgain() {
   sd_notify(0, "READY=1");
 }
 
-// Names and units at once. What else has changed stays as it was at the start, so it is named each
+// Names, units and the broker at once. What else has changed stays as it was at the start, so it is named each
 // time.
 void Hub::TakeAgain(const settings::Settings& fresh) {
   settings_.names = fresh.names;
+  settings_.broker = fresh.broker;
   house_.file = FileOf(settings_);
   ApplySettings(house_);
+  broker_.Use(BrokerOptionsOf(settings_.broker));
   std::string keys;
   for (const std::string_view key : settings::RestartKeys(settings_, fresh)) {
     if (!keys.empty()) keys += ", ";
@@ -253,6 +263,7 @@ void Hub::Stop() {
   sd_notify(0, "STOPPING=1");
   Journal("stopped");
   watchdog_.cancel();
+  broker_.Stop();
   text_ports_.Stop();
   server_.Stop();
   link_.Stop();

@@ -16,6 +16,7 @@
 #include "link/Link.h"
 #include "model/Bus.h"
 #include "model/Clock.h"
+#include "mqtt/Broker.h"
 #include "settings/Settings.h"
 #include "store/Store.h"
 #include "text/TextPorts.h"
@@ -64,6 +65,7 @@ class Hub {
   api::House house_;
   http::Server server_;
   text::TextPorts text_ports_;
+  mqtt::Broker broker_;
   boost::asio::signal_set signals_;
   boost::asio::steady_timer watchdog_;
   std::optional<std::chrono::microseconds> watchdog_period_;

@@ -12,7 +12,8 @@ enum class Role { kNone, kView, kUse, kAdmin };
 std::string_view NameOf(Role role);                    // "view"; "none" is nobody's
 std::optional<Role> ParseRole(std::string_view name);  // "view", "use", "admin"
 
-enum class Door { kHttp, kLocal, kWebSocket, kText };  // kLocal: HTTP on the Unix socket
+// kLocal: HTTP on the Unix socket.
+enum class Door { kHttp, kLocal, kWebSocket, kText, kBroker };
 
 // Somebody who asks, as the door has found out.
 struct Caller {

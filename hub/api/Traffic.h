@@ -14,12 +14,21 @@ namespace hub::api {
 
 using access::Door;
 
-inline constexpr std::array<std::string_view, 4> kDoorNames{"http", "local", "websocket", "text"};
+inline constexpr std::array<std::string_view, 5> kDoorNames{"http", "local", "websocket", "text",
+                                                            "broker"};
 
 enum class Fate { kDone, kRefused, kTooFast, kUnavailable, kFailed };
 
 inline constexpr std::array<std::string_view, 5> kFateNames{"done", "refused", "too_fast",
                                                             "unavailable", "failed"};
+
+// With the broker.
+struct Messages {
+  uint64_t sent = 0;
+  uint64_t heard = 0;
+  uint64_t dropped = 0;  // events that it was not there for, or too slow
+  uint64_t merged = 0;   // levels that took the place of one that was not sent yet
+};
 
 class Traffic {
  public:
@@ -43,6 +52,8 @@ class Traffic {
   }
   uint64_t Guests(Door door) const { return guests_[static_cast<size_t>(door)]; }
   const Receipts& ReceiptTimes() const { return receipts_; }
+
+  Messages broker;
 
  private:
   friend class Guest;

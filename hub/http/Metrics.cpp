@@ -24,6 +24,7 @@ struct Sources {
   store::Store::Counters store_counters;
   access::Access::Counters access;
   const Counters& http;
+  const api::Messages& broker;
 };
 
 // In bytes: of all that is mapped, of what is in memory.
@@ -128,6 +129,19 @@ constexpr Row kRows[] = {
      [](const Sources& s) { return As(s.http.lost); }},
     {"qelm_live_cut_total", "counter", "WebSockets that did not take their answers.",
      [](const Sources& s) { return As(s.http.cut); }},
+    {"qelm_broker_up", "gauge", "1 while the hub publishes on its broker.",
+     [](const Sources& s) {
+       const auto& broker = s.bus.BrokerNow();
+       return As(broker && broker->state == model::BrokerState::kUp);
+     }},
+    {"qelm_broker_sent_total", "counter", "Messages to the broker.",
+     [](const Sources& s) { return As(s.broker.sent); }},
+    {"qelm_broker_heard_total", "counter", "Messages from the broker.",
+     [](const Sources& s) { return As(s.broker.heard); }},
+    {"qelm_broker_dropped_total", "counter", "Events that the broker was away or too slow for.",
+     [](const Sources& s) { return As(s.broker.dropped); }},
+    {"qelm_broker_merged_total", "counter", "Values that took the place of one not sent yet.",
+     [](const Sources& s) { return As(s.broker.merged); }},
     {"qelm_store_written_bytes_total", "counter", "Bytes written to the disk.",
      [](const Sources& s) { return As(s.store_counters.bytes_written); }},
     {"qelm_store_waiting", "gauge", "Values that are not on the disk yet.",
@@ -204,7 +218,7 @@ void AddReceipts(std::string& text, const api::Traffic::Receipts& receipts) {
 
 std::string MetricsText(const api::House& house, const Counters& counters) {
   const Sources sources{house.bus,           house.store,          house.link.Count(),
-                        house.store.Count(), house.access.Count(), counters};
+                        house.store.Count(), house.access.Count(), counters, house.traffic.broker};
   std::string text;
   for (const Row& row : kRows) {
     AddHead(text, row.name, row.type, row.help);

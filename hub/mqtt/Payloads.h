@@ -19,6 +19,7 @@ std::string ValuePayload(const model::Value& value);
 bool Answers(const model::Bus& bus, const model::Card& card);
 
 std::string BusPayload(const model::Bus& bus, std::string_view version);
+std::string RatesPayload(double commands, double reports);  // a second
 std::string GlassPayload(const model::Glass& glass);
 std::string EventPayload(const model::Event& event);
 std::string ErrorPayload(std::string_view topic, const api::Problem& problem);

@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 
+#include "api/Traffic.h"
 #include "model/Clock.h"
 #include "mqtt/Message.h"
 
@@ -28,14 +29,20 @@ class Publisher {
   // dropped.
   static constexpr std::chrono::milliseconds kLate{1000};
 
+  // The counts outlive it.
+  explicit Publisher(api::Messages& count) : count_(count) {}
+
   // A level: told once if it differs from what was told last, and after each connection.
   void Keep(const std::string& topic, std::string payload);
   // The topic is emptied on the broker, also where the hub has never told it, and then forgotten.
   void TakeBack(const std::string& topic);
-  void TakeBackAllBelow(std::string_view root);
-  bool Keeps(const std::string& topic) const;
-  // Tells what is kept there once more, although nothing has changed.
-  void TellAgain(const std::string& topic);
+  void TakeBackBelow(std::string_view root);  // what was told below there
+  bool Keeps(const std::string& topic) const;      // and does not take it back
+  bool IsWaiting(const std::string& topic) const;  // there is something the broker has not got yet
+  // Tells what is kept below there once more, although nothing has changed.
+  void TellAgainBelow(std::string_view root);
+  // What was told below there is somebody else's now: it is not for us to take back.
+  void Disown(std::string_view root);
 
   // An event, or an answer: now or never.
   void Tell(Message event, model::SteadyTime now);
@@ -44,40 +51,44 @@ class Publisher {
   void Open();
   void Close();
 
-  // The next message, if one may go out now. It counts as under way until it was Taken.
+  // The next message, if one may go out now. It counts as under way until it was Taken. Levels come
+  // in the order in which they were first kept.
   std::optional<Message> Next(model::SteadyTime now);
   void Taken();  // the oldest under way was acknowledged
-
-  struct Counters {
-    uint64_t sent = 0;
-    uint64_t dropped = 0;  // events
-    uint64_t merged = 0;   // levels that took the place of one that was not sent yet
-  };
-  const Counters& Count() const { return counters_; }
+  bool IsIdle() const;  // nothing waits, nothing is under way
 
  private:
   struct Level {
+    uint64_t order = 0;
     std::string payload;  // empty: to be taken back
-    bool is_waiting = false;
-    bool was_told = false;  // on this broker, ever
+    bool is_waiting = true;
+    bool was_told = false;  // in some connection
   };
+  using Levels = std::map<std::string, Level, std::less<>>;  // by topic
   struct Event {
     Message message;
     model::SteadyTime since;
   };
-  using Levels = std::map<std::string, Level, std::less<>>;
+  struct UnderWay {
+    std::string topic;
+    model::SteadyTime since;
+  };
 
-  void Wait(Levels::iterator level);
+  void Replace(const std::string& topic, std::string payload);
+  void Forget(Levels::iterator level);
   void DropLate(model::SteadyTime now);
-  std::optional<Message> NextLevel();
-  std::optional<Message> NextEvent();
+  Message TakeEvent();
+  Message TakeLevel();
+  template <class Action>
+  void ForEachBelow(std::string_view root, Action action);
 
+  api::Messages& count_;
   bool is_open_ = false;
+  uint64_t next_order_ = 0;
   Levels levels_;
-  std::deque<std::string> waiting_;  // topics of levels, each once, in the order to be told
+  std::deque<std::string> waiting_;  // topics, each once; none while it is closed
   std::deque<Event> events_;
-  std::deque<model::SteadyTime> under_way_;  // since when, oldest first
-  Counters counters_;
+  std::deque<UnderWay> under_way_;  // oldest first
 };
 
 }  // namespace hub::mqtt

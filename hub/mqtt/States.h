@@ -22,6 +22,8 @@ class States {
   const Topics& Names() const { return topics_; }
 
  private:
+  static constexpr unsigned kMostChannels = 16;  // of a card
+
   void TellBus();
   void TellCard(unsigned address);
   void TellCardStatus(unsigned address);
