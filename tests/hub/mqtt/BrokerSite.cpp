@@ -1,0 +1,100 @@
+#include "BrokerSite.h"
+
+#include <signal.h>
+
+#include "kit/Ports.h"
+
+namespace {
+
+constexpr char kMosquitto[] = "/usr/sbin/mosquitto";
+constexpr char kListener[] = "/usr/bin/mosquitto_sub";
+constexpr char kTeller[] = "/usr/bin/mosquitto_pub";
+
+}  // namespace
+
+void BrokerSite::TearDown() {
+  if (HasFailure()) std::cout << "--- heard\n" << Heard();
+  if (HasFailure() && broker) std::cout << "--- broker\n" << broker->Errors();
+  listener.reset();
+  if (broker) broker->Signal(SIGCONT);
+  HubSite::TearDown();
+  broker.reset();
+}
+
+void BrokerSite::StartBroker(const std::string& more, int port) {
+  StopBroker();
+  const std::string file = broker_folder_.Write(
+      "mosquitto.conf", "user root\npersistence false\nlog_dest stderr\nlistener " +
+                            std::to_string(port) + " 127.0.0.1\n" + more);
+  broker = std::make_unique<virtualbus::Program>(broker_folder_, kMosquitto,
+                                                 std::vector<std::string>{"-c", file});
+  ASSERT_TRUE(WaitUntil([port] { return IsListening(port); })) << broker->Errors();
+}
+
+void BrokerSite::StopBroker() {
+  if (!broker) return;
+  broker->Signal(SIGKILL);
+  broker->WaitForExit();
+  broker.reset();
+}
+
+std::string BrokerSite::BrokerSection(const std::string& more_keys) {
+  return "[broker]\nhost = \"127.0.0.1\"\nname = \"bench\"\n" + more_keys;
+}
+
+void BrokerSite::StartAllWith(const std::string& more_keys) { StartAll(BrokerSection(more_keys)); }
+
+void BrokerSite::Listen(const std::string& filter) {
+  listener.reset();
+  listener = std::make_unique<virtualbus::Program>(
+      listener_folder_, kListener,
+      std::vector<std::string>{"-h", "127.0.0.1", "-F", "%r %t %p", "-t", filter, "-t", "ready"});
+  ASSERT_TRUE(WaitUntil([this] {
+    Tell("ready", "now");
+    return HasHeard("0 ready now\n");
+  }));
+}
+
+bool BrokerSite::HasHeard(const std::string& text) const {
+  return ("\n" + Heard()).find(text) != std::string::npos;
+}
+
+size_t BrokerSite::TimesHeard(const std::string& text) const {
+  const std::string all = Heard();
+  size_t count = 0;
+  for (size_t at = all.find(text); at != std::string::npos; at = all.find(text, at + 1)) ++count;
+  return count;
+}
+
+void BrokerSite::ExpectHeard(const std::string& line) {
+  EXPECT_TRUE(WaitUntil([&] { return HasHeard("\n" + line + "\n"); })) << line;
+}
+
+// The payload goes through a file: it may hold anything.
+void BrokerSite::Tell(const std::string& topic, const std::string& payload,
+                      const std::vector<std::string>& options) {
+  const TempDir folder;
+  const std::string file = folder.Write("payload", payload);
+  std::vector<std::string> words{"-h", "127.0.0.1", "-t", topic, "-f", file};
+  if (payload.empty()) words = {"-h", "127.0.0.1", "-t", topic, "-n"};
+  words.insert(words.end(), options.begin(), options.end());
+  virtualbus::Program teller(folder, kTeller, words);
+  EXPECT_EQ(teller.WaitForExit(), 0) << teller.Errors();
+}
+
+std::string BrokerSite::BrokerState() {
+  const std::string answer = AskLocally("GET", "/api/bus");
+  const size_t begin = answer.find("\"broker\":");
+  return begin == std::string::npos ? answer : answer.substr(begin, answer.find('}', begin) - begin);
+}
+
+void BrokerSite::ExpectBroker(const std::string& state) {
+  EXPECT_TRUE(WaitUntil([&] { return BrokerState().find(state) != std::string::npos; }))
+      << BrokerState();
+}
+
+double BrokerSite::Metric(const std::string& name) {
+  const std::string answer = AskLocally("GET", "/metrics");
+  const size_t begin = answer.find("\n" + name + " ");
+  return begin == std::string::npos ? -1 : std::stod(answer.substr(begin + name.size() + 2));
+}
