@@ -49,12 +49,12 @@ void Broker::Start(BrokerOptions options) {
 
 void Broker::Use(BrokerOptions options) {
   if (options == options_) return;
-  const bool moves = options.server == options_.server;
   const bool is_elsewhere = options.server.host != options_.server.host ||
                             options.server.port != options_.server.port;
+  const bool moves = !is_elsewhere && options.name != options_.name;
   options_ = std::move(options);
+  if (is_elsewhere) publisher_.Disown("");
   Leave(moves);
-  if (is_elsewhere && !is_up_) publisher_.Disown("");
 }
 
 void Broker::Stop() {
@@ -74,7 +74,7 @@ void Broker::Leave(bool moves) {
   backoff_.Reset();
   pause_.cancel();
   if (client_ == nullptr) return;
-  if (!is_up_) return client_->Disconnect();
+  if (!is_up_) return client_->Close();
   if (moves)
     publisher_.TakeBackBelow(Names().Root());
   else
@@ -226,9 +226,8 @@ void Broker::Flush() {
 
 // A bus that has another name, if its topics follow it, moves; all else is told.
 void Broker::Take(const model::Change& change) {
-  if (is_leaving_ || Names().Root().empty()) return;
-  if (change.bus && !options_.server.host.empty() && Topics(WantedName()).Root() != Names().Root())
-    return Leave(true);
+  if (is_leaving_ || options_.server.host.empty()) return;
+  if (change.bus && Topics(WantedName()).Root() != Names().Root()) return Leave(true);
   states_.Take(change, house_.clock.Steady());
   Flush();
 }

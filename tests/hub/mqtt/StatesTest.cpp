@@ -75,7 +75,10 @@ TEST_F(StatesTest, AValueIsInItsUnit) {
   bus.TakeInput({0xF, 3, 128}, then);
   Take();
   model::Settings settings;
-  settings.channels[{0xF, 3}] = {.name = "", .unit = "V", .min = 0, .max = 5, .decimals = 2};
+  model::ChannelSettings& knob = settings.channels[{0xF, 3}];
+  knob.unit = "V";
+  knob.max = 5;
+  knob.decimals = 2;
   bus.Apply(settings);
   EXPECT_EQ(Take().at("qelm/bench/F/3"), "2.51");
 }
