@@ -10,6 +10,7 @@ struct Link::Parts {};
 
 Link::Link(boost::asio::io_context&, LinkOptions, model::Bus&, Sinks) {}
 Link::~Link() = default;
+Link::Counters Link::Count() const { return {}; }
 
 boost::asio::awaitable<Outcome> Link::Set(unsigned address, std::vector<Target> targets,
                                           Motion motion) {
