@@ -18,7 +18,8 @@ inline constexpr std::string_view kDisplay = R"({
   "channels":[],
   "glass":{"rows":["                    ", "   Tail of the cat  ", "                    ",
                    "                    "],
-           "known":true, "at":{"row":1, "column":18}, "light":true, "cursor":false, "blink":false}})";
+           "known":true, "at":{"row":1, "column":18}, "light":true, "cursor":false, "blink":false},
+  "codes":null})";
 
 inline constexpr std::string_view kServoCard = R"({
   "address":"0", "kind":"servo", "name":"Arm", "state":"present", "keep":true, "polling":null,
@@ -26,7 +27,7 @@ inline constexpr std::string_view kServoCard = R"({
     {"id":"0.0", "name":"Elbow", "type":"position", "value":128, "raw":128, "known":true,
      "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
      "min":0, "max":255}],
-  "glass":null})";
+  "glass":null, "codes":null})";
 
 inline constexpr std::string_view kRelays = R"({
   "address":"5", "kind":"digital-output", "name":"Relays", "state":"present", "keep":true,
@@ -35,7 +36,7 @@ inline constexpr std::string_view kRelays = R"({
     {"id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
      "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
      "min":null, "max":null}],
-  "glass":null})";
+  "glass":null, "codes":null})";
 
 inline constexpr std::string_view kCards = R"({"cards":[{
   "address":"5", "kind":"digital-output", "name":"Relays", "state":"present", "keep":true,
@@ -44,7 +45,7 @@ inline constexpr std::string_view kCards = R"({"cards":[{
     {"id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
      "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
      "min":null, "max":null}],
-  "glass":null}]})";
+  "glass":null, "codes":null}]})";
 
 inline constexpr std::string_view kInputs = R"({
   "address":"3", "kind":"digital-input", "name":null, "state":"present", "keep":null,
@@ -52,7 +53,7 @@ inline constexpr std::string_view kInputs = R"({
   "channels":[
     {"id":"3.0", "name":"Door", "type":"contact", "value":null, "raw":null, "known":false,
      "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null}],
-  "glass":null})";
+  "glass":null, "codes":null})";
 
 inline constexpr std::string_view kLamp = R"({
   "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
@@ -91,11 +92,12 @@ inline constexpr std::string_view kJournal = R"({
   "lost":0})";
 
 inline constexpr std::string_view kNames =
-    R"({"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}})";
+    R"({"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"},
+  "infrared":{"434F":"TV on"}})";
 
 inline constexpr std::string_view kSetup = R"({
   "cards":{"4":{"keep":true, "signed":true}, "E":{"rows":2, "columns":16}},
-  "channels":{"5.1":{"active":"high"},
+  "channels":{"5.1":{"active":"high", "as":"light"}, "3.0":{"device_class":"door"},
               "F.3":{"unit":"V", "max":5, "decimals":2, "hysteresis":0.02}}})";
 
 inline constexpr std::string_view kVirtualBus = R"({
@@ -109,7 +111,7 @@ inline constexpr std::string_view kPage = R"({
 
 inline constexpr std::string_view kBackup = R"({
   "version":1,
-  "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}},
+  "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}, "infrared":{}},
   "setup":{"cards":{}, "channels":{"F.3":{"unit":"V", "max":5}}},
   "page":{"order":["5", "E"], "hidden":[], "groups":[]}})";
 

@@ -112,15 +112,19 @@ inline constexpr Parameter kCardsPart{"cards", Type::kObject, Place::kBody, fals
                                       "by the cards' addresses"};
 inline constexpr Parameter kChannelsPart{"channels", Type::kObject, Place::kBody, false,
                                          "by the channels' ids"};
-inline constexpr List<3> kSetNames{{
+inline constexpr Parameter kInfraredPart{"infrared", Type::kObject, Place::kBody, false,
+                                         "names of codes, by their bytes"};
+inline constexpr List<4> kSetNames{{
     {"bus", Type::kText, Place::kBody, false, "the name of the bus", 1, 64},
     kCardsPart,
     kChannelsPart,
+    kInfraredPart,
 }};
-inline constexpr List<3> kMergeNames{{
+inline constexpr List<4> kMergeNames{{
     {"bus", Type::kValue, Place::kBody, false, "the name of the bus; null: the file's again"},
     kCardsPart,
     kChannelsPart,
+    kInfraredPart,
 }};
 inline constexpr List<2> kSetup{{kCardsPart, kChannelsPart}};
 inline constexpr List<1> kPage{{

@@ -42,7 +42,8 @@ inline constexpr std::array<Schema, 25> kSchemas{{
     {"Cards", R"({"type":"object", "required":["cards"],
       "properties":{"cards":{"type":"array", "items":{"$ref":"#/components/schemas/Card"}}}})"},
     {"Card", R"({"type":"object",
-      "required":["address", "kind", "name", "state", "keep", "polling", "channels", "glass"],
+      "required":["address", "kind", "name", "state", "keep", "polling", "channels", "glass",
+                  "codes"],
       "properties":{
         "address":{"type":"string", "pattern":"^[0-9A-F]$"},
         "kind":{"enum":["digital-output", "digital-input", "servo", "motor", "analogue-input",
@@ -52,7 +53,9 @@ inline constexpr std::array<Schema, 25> kSchemas{{
         "keep":{"type":["boolean", "null"], "description":"whether its outputs are restored"},
         "polling":{"type":["boolean", "null"]},
         "channels":{"type":"array", "items":{"$ref":"#/components/schemas/Channel"}},
-        "glass":{"anyOf":[{"$ref":"#/components/schemas/Glass"}, {"type":"null"}]}}})"},
+        "glass":{"anyOf":[{"$ref":"#/components/schemas/Glass"}, {"type":"null"}]},
+        "codes":{"type":["object", "null"], "additionalProperties":{"type":"string"},
+                 "description":"infrared codes that have a name, by their bytes"}}})"},
     {"Channel", R"({"type":"object",
       "required":["id", "name", "type", "value", "raw", "known", "assumed", "pending", "since",
                   "unit", "min", "max"],
@@ -141,7 +144,8 @@ inline constexpr std::array<Schema, 25> kSchemas{{
       "properties":{
         "bus":{"type":["string", "null"]},
         "cards":{"type":"object", "additionalProperties":{"type":["string", "null"]}},
-        "channels":{"type":"object", "additionalProperties":{"type":["string", "null"]}}}})"},
+        "channels":{"type":"object", "additionalProperties":{"type":["string", "null"]}},
+        "infrared":{"type":"object", "additionalProperties":{"type":["string", "null"]}}}})"},
     {"Setup", R"({"type":"object", "additionalProperties":false,
       "properties":{
         "cards":{"type":"object", "additionalProperties":{
@@ -159,7 +163,9 @@ inline constexpr std::array<Schema, 25> kSchemas{{
             "max":{"type":["number", "null"]},
             "decimals":{"type":["integer", "null"], "minimum":0, "maximum":6},
             "hysteresis":{"type":["number", "null"], "minimum":0},
-            "active":{"enum":["high", "low", null]}}}}}})"},
+            "active":{"enum":["high", "low", null]},
+            "as":{"enum":["switch", "light", "fan", null]},
+            "device_class":{"type":["string", "null"]}}}}}})"},
     {"Page", R"({"type":"object", "additionalProperties":false,
       "required":["order", "hidden", "groups"],
       "properties":{

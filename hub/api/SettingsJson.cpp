@@ -6,6 +6,7 @@
 #include <array>
 #include <boost/json/value.hpp>
 #include <cmath>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,6 +17,9 @@
 #include "api/Parameters.h"
 #include "api/Problem.h"
 #include "api/Shapes.h"
+#include "model/DeviceClasses.h"
+#include "protocol/Hex.h"
+#include "protocol/IoCommand.h"
 
 namespace hub::api {
 
@@ -71,6 +75,15 @@ class SettingsReader {
     if (value == nullptr) return;
     if (*value != "high" && *value != "low") Fail(key, "takes high or low");
     is_high = *value == "high";
+  }
+
+  void Word(std::string_view key, std::string& word, bool (*fits)(std::string_view),
+            std::string_view takes) {
+    const json::value* const value = Find(key);
+    if (value == nullptr) return;
+    if (!value->is_string() || !fits(value->get_string()))
+      Fail(key, fmt::format("takes {}", takes));
+    word = value->get_string();
   }
 
   void RefuseUnknown() const {
@@ -130,6 +143,10 @@ class Writer {
   void Level(std::string_view key, const std::optional<bool>& is_high) {
     if (is_high) object[key] = *is_high ? "high" : "low";
   }
+  void Word(std::string_view key, const std::string& word, bool (* /*fits*/)(std::string_view),
+            std::string_view /*takes*/) {
+    if (!word.empty()) object[key] = word;
+  }
 
   json::object object;
 };
@@ -150,6 +167,9 @@ void Describe(Archive& archive, model::ChannelSettings& channel) {
   archive.Whole("decimals", channel.decimals, 0, {0, 6});
   archive.Number("hysteresis", channel.hysteresis, 0, {0, kLargestNumber});
   archive.Level("active", channel.active_high);
+  archive.Word("as", channel.shown_as, model::IsOutputForm, "switch, light or fan");
+  archive.Word("device_class", channel.device_class, model::IsDeviceClass,
+               "a device class of Home Assistant, such as door or temperature");
 }
 
 // What stands below "cards" or "channels", or nothing.
@@ -186,6 +206,26 @@ std::string ReadName(const std::string& where, const json::value& value) {
   return std::string(value.get_string());
 }
 
+void CheckCode(std::string_view key) {
+  const auto bytes = protocol::ParseHexBytes(key);
+  if (!bytes || bytes->empty() || bytes->size() > protocol::kMostInfraredBytes)
+    throw DoesNotFit("infrared",
+                     fmt::format("a code is named by its bytes in capitals, up to {}: 434F",
+                                 protocol::kMostInfraredBytes));
+}
+
+std::map<std::string, std::string> ReadCodes(const json::object& given) {
+  if (given.size() > model::Settings::kMostCodes)
+    throw DoesNotFit("infrared", fmt::format("{} codes; there may be {}", given.size(),
+                                             model::Settings::kMostCodes));
+  std::map<std::string, std::string> codes;
+  for (const auto& [key, name] : given) {
+    CheckCode(key);
+    codes[key] = ReadName(Below("infrared", key), name);
+  }
+  return codes;
+}
+
 template <class Settled>
 Settled ReadSettled(const std::string& where, const json::value& given, Settled settled) {
   if (!given.is_object()) throw DoesNotFit(where, fmt::format("{} takes an object", where));
@@ -208,6 +248,12 @@ std::string ChannelKey(const std::pair<unsigned, unsigned>& id) {
 
 }  // namespace
 
+json::object CodesJson(const model::Settings& settings) {
+  json::object codes;
+  for (const auto& [bytes, name] : settings.codes) codes[bytes] = name;
+  return codes;
+}
+
 json::object NamesJson(const model::Settings& settings) {
   json::object cards;
   for (const auto& [address, card] : settings.cards)
@@ -219,6 +265,7 @@ json::object NamesJson(const model::Settings& settings) {
   if (!settings.bus_name.empty()) names["bus"] = settings.bus_name;
   names["cards"] = std::move(cards);
   names["channels"] = std::move(channels);
+  names["infrared"] = CodesJson(settings);
   return names;
 }
 
@@ -239,7 +286,7 @@ json::object SetupJson(const model::Settings& settings) {
 }
 
 void ReadNames(const json::object& names, model::Settings& settings) {
-  constexpr std::array<std::string_view, 3> kSections{"bus", "cards", "channels"};
+  constexpr std::array<std::string_view, 4> kSections{"bus", "cards", "channels", "infrared"};
   RefuseOthers(names, kSections);
   model::Settings read = settings;
   for (auto& [address, card] : read.cards) card.name.clear();
@@ -254,6 +301,7 @@ void ReadNames(const json::object& names, model::Settings& settings) {
     const auto id = ChannelOf(key);
     read.channels[id].name = ReadName(Below("channels", key), name);
   }
+  read.codes = ReadCodes(Section(names, "infrared"));
   settings = std::move(read);
 }
 

@@ -8,6 +8,7 @@
 #include <variant>
 
 #include "api/Json.h"
+#include "api/SettingsJson.h"
 #include "api/Times.h"
 #include "protocol/Hex.h"
 
@@ -142,7 +143,9 @@ json::object CardJson(const model::Bus& bus, const model::Card& card) {
           {"keep", KeepJson(card, settings)},
           {"polling", OrNull(card.polling)},
           {"channels", std::move(channels)},
-          {"glass", card.glass ? json::value(GlassJson(*card.glass)) : json::value()}};
+          {"glass", card.glass ? json::value(GlassJson(*card.glass)) : json::value()},
+          {"codes", card.kind == model::Kind::kInfrared ? json::value(CodesJson(bus.Names()))
+                                                        : json::value()}};
 }
 
 json::object ChannelJson(const model::Bus& bus, const model::Card& card, unsigned number) {

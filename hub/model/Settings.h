@@ -17,6 +17,8 @@ struct ChannelSettings {
   int decimals = 0;                 // places behind the point, 0..6
   double hysteresis = 0;            // a level that has moved no further than this is not published
   std::optional<bool> active_high;  // a line: which level is "on"; nothing: as the kind has it
+  std::string shown_as = {};        // an output line: what Home Assistant makes of it, as below
+  std::string device_class = {};    // an input: what it tells of, in Home Assistant's word
   bool operator==(const ChannelSettings&) const = default;
 };
 
@@ -34,10 +36,13 @@ struct CardSettings {
 };
 
 struct Settings {
+  static constexpr size_t kMostCodes = 100;
+
   std::string bus_name;
   bool is_virtual = false;                                            // the bus is qelm-bus's
   std::map<unsigned, CardSettings> cards;                             // by address
   std::map<std::pair<unsigned, unsigned>, ChannelSettings> channels;  // by address and number
+  std::map<std::string, std::string> codes;  // names of infrared codes, by their bytes: "434F"
 
   CardSettings Card(unsigned address) const {
     const auto found = cards.find(address);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "protocol/Hex.h"
+#include "protocol/IoCommand.h"
 
 namespace hub::settings {
 
@@ -58,6 +59,8 @@ void TakeChannel(Section section, model::ChannelSettings& channel) {
   section.TakeNumber("hysteresis", channel.hysteresis, 0, kLargestNumber);
   section.TakeWord("active", kLevels,
                    [&channel](size_t level) { channel.active_high = level == 1; });
+  section.Take("as", channel.shown_as, kOutputForm);
+  section.Take("device-class", channel.device_class, kDeviceClass);
   section.Finish();
   for (const std::string_view key : {"min", "max", "decimals"})
     if (section.Has(key) && !section.Has("unit"))
@@ -75,6 +78,22 @@ void TakeCard(Section section, model::CardSettings& card) {
   section.Take("signed", card.is_signed);
   section.Take("keep", card.keep);
   section.Finish();
+}
+
+bool IsCode(std::string_view text) {
+  const auto bytes = protocol::ParseHexBytes(text);
+  return bytes && !bytes->empty() && bytes->size() <= protocol::kMostInfraredBytes;
+}
+
+void TakeCodes(Section section, std::map<std::string, std::string>& codes) {
+  for (const std::string_view key : section.Keys()) {
+    if (!IsCode(key))
+      section.Complain(key, "is no code; it takes up to 35 bytes in capitals: \"434F\"");
+    else if (codes.size() == model::Settings::kMostCodes)
+      return section.Complain(key, "is one too many; there may be 100 codes");
+    else
+      section.Take(key, codes[std::string(key)], kLabel);
+  }
 }
 
 }  // namespace
@@ -96,6 +115,7 @@ model::Settings TakeNames(Section& file) {
     else
       cards.Complain(key, "is no card; it takes \"0\" to \"F\"");
   }
+  TakeCodes(file.Open("infrared"), names.codes);
   return names;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "access/Network.h"
+#include "model/DeviceClasses.h"
 
 namespace hub::settings {
 
@@ -69,5 +70,8 @@ const Rule kUnit{[](std::string_view text) {
                    return !text.empty() && text.size() <= kLongestUnit && IsPrintable(text);
                  },
                  "1 to 16 bytes of text without control characters"};
+const Rule kOutputForm{model::IsOutputForm, R"("switch", "light" or "fan")"};
+const Rule kDeviceClass{model::IsDeviceClass,
+                        R"(a device class of Home Assistant, such as "door" or "temperature")"};
 
 }  // namespace hub::settings

@@ -21,5 +21,7 @@ extern const Rule kTextListen;
 extern const Rule kBoardName;  // "" too
 extern const Rule kLabel;      // a name for people
 extern const Rule kUnit;
+extern const Rule kOutputForm;  // "light"
+extern const Rule kDeviceClass;
 
 }  // namespace hub::settings

@@ -62,7 +62,7 @@ struct Settings {
   TextOptions text;
   store::StoreOptions store;
   BrokerOptions broker;
-  model::Settings names;  // of [names], [channel] and [card]
+  model::Settings names;  // of [names], [channel], [card] and [infrared]
   VirtualBusOptions virtual_bus;
   bool operator==(const Settings&) const = default;
 };

@@ -17,12 +17,12 @@ TEST_F(CardsTest, TheCardsThatAreThereAreListedByAddress) {
      "channels":[
        {"id":"9.0", "name":null, "type":"code", "value":null, "raw":null, "known":false,
         "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null}],
-     "glass":null},
+     "glass":null, "codes":{}},
     {"address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
      "channels":[],
      "glass":{"rows":["                    ", "                    ", "                    ",
                       "                    "], "known":false, "at":null,
-              "light":null, "cursor":null, "blink":null}}]})");
+              "light":null, "cursor":null, "blink":null}, "codes":null}]})");
 }
 
 TEST_F(CardsTest, ACardThatWentIsStillReadByItsAddress) {

@@ -15,7 +15,7 @@ TEST_F(DisplayTest, ATextIsWrittenAtRowAndColumnFromZero) {
     "channels":[],
     "glass":{"rows":["                    ", "   Tail of the cat  ", "                    ",
                      "                    "], "known":false, "at":{"row":1, "column":18},
-             "light":null, "cursor":null, "blink":null}})");
+             "light":null, "cursor":null, "blink":null}, "codes":null})");
   EXPECT_EQ(TakeSent(), "aElPAp0301tTail of the cat");
   EXPECT_EQ(LastNote(), "command operator: E: text at row 1, column 3: Tail of the cat");
 }

@@ -20,12 +20,14 @@ class NamesTest : public ApiTest {
 
 TEST_F(NamesTest, TheFilesNamesAreInEffect) {
   ExpectResult("names.get", "{}",
-               R"({"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}})");
+               R"({"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"},
+                   "infrared":{}})");
 }
 
 TEST_F(NamesTest, NamesAreMergedAndNullRemoves) {
   ExpectResult("names.merge", R"({"cards":{"0":"Arm","5":null},"channels":{"0.1":"Elbow"}})",
-               R"({"bus":"bench", "cards":{"0":"Arm"}, "channels":{"0.1":"Elbow","5.0":"Lamp"}})");
+               R"({"bus":"bench", "cards":{"0":"Arm"}, "channels":{"0.1":"Elbow","5.0":"Lamp"},
+                   "infrared":{}})");
   EXPECT_EQ(LastNote(), "hub operator: names changed");
   EXPECT_EQ(store.documents["names"],
             R"({"cards":{"5":null,"0":"Arm"},"channels":{"0.1":"Elbow"}})");
@@ -36,10 +38,11 @@ TEST_F(NamesTest, NamesAreMergedAndNullRemoves) {
 
 TEST_F(NamesTest, NamesAreReplacedAsAWhole) {
   ExpectResult("names.set", R"({"cards":{"0":"Arm"}})",
-               R"({"bus":"bench", "cards":{"0":"Arm"}, "channels":{}})");
+               R"({"bus":"bench", "cards":{"0":"Arm"}, "channels":{}, "infrared":{}})");
   ExpectResult("names.set", R"({"bus":"shop","channels":{}})",
-               R"({"bus":"shop", "cards":{}, "channels":{}})");
-  ExpectResult("names.merge", R"({"bus":null})", R"({"bus":"bench", "cards":{}, "channels":{}})");
+               R"({"bus":"shop", "cards":{}, "channels":{}, "infrared":{}})");
+  ExpectResult("names.merge", R"({"bus":null})",
+               R"({"bus":"bench", "cards":{}, "channels":{}, "infrared":{}})");
 }
 
 TEST_F(NamesTest, WhatWasChangedOutlivesTheHubAndGoesBeforeTheFile) {
@@ -49,8 +52,9 @@ TEST_F(NamesTest, WhatWasChangedOutlivesTheHubAndGoesBeforeTheFile) {
   file.cards[5].name = "Outputs";
   file.cards[0].name = "Arm";
   FileHas(file);
-  ExpectResult("names.get", "{}",
-               R"({"bus":"workshop", "cards":{"0":"Arm","5":"Lights"}, "channels":{}})");
+  ExpectResult(
+      "names.get", "{}",
+      R"({"bus":"workshop", "cards":{"0":"Arm","5":"Lights"}, "channels":{}, "infrared":{}})");
 }
 
 TEST_F(NamesTest, AChangeOfNamesIsPublished) {
@@ -76,10 +80,57 @@ TEST_F(NamesTest, ANameThatDoesNotFitChangesNothing) {
   refused(R"({"bus":7})", "bus", "bus takes a text");
   refused(R"({"cards":7})", "cards", "cards takes an object");
   refused(R"({"units":{}})", "units",
-          "names.merge has no \"units\"; it has bus, cards and channels");
+          "names.merge has no \"units\"; it has bus, cards, channels and infrared");
   ExpectProblem("names.set", R"({"cards":{"5":null}})", 422, "cards.5", "cards.5 takes a text");
   EXPECT_TRUE(store.documents.empty());
   EXPECT_EQ(bus.Names().Card(0).name, "");
+}
+
+TEST_F(NamesTest, CodesHaveNamesThatTheCardTells) {
+  ExpectResult("names.merge", R"({"infrared":{"434F":"TV on","FF":"TV off"}})",
+               R"({"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"},
+                   "infrared":{"434F":"TV on","FF":"TV off"}})");
+  EXPECT_EQ(store.documents["names"], R"({"infrared":{"434F":"TV on","FF":"TV off"}})");
+  EXPECT_NE(
+      Result("cards.get", R"({"address":"9"})").find(R"("codes":{"434F":"TV on","FF":"TV off"})"),
+      std::string::npos);
+  Result("names.merge", R"({"infrared":{"434F":null,"FF":"Off"}})");
+  ApplyAgain();
+  EXPECT_EQ(bus.Names().codes, (std::map<std::string, std::string>{{"FF", "Off"}}));
+  Result("names.set", "{}");
+  EXPECT_TRUE(bus.Names().codes.empty());
+}
+
+TEST_F(NamesTest, WhatIsNoCodeGetsNoName) {
+  const auto refused = [this](const std::string& codes, const char* where, const char* detail) {
+    ExpectProblem("names.merge", R"({"infrared":)" + codes + "}", 422, where, detail);
+  };
+  constexpr char kCode[] = "a code is named by its bytes in capitals, up to 35: 434F";
+  for (const char* bytes : {"", "4", "434f", "43 4F", "4G", "0x43"})
+    refused(R"({")" + std::string(bytes) + R"(":"x"})", "infrared", kCode);
+  refused(R"({")" + std::string(72, '0') + R"(":"x"})", "infrared", kCode);
+  refused(R"({"434F":7})", "infrared.434F", "infrared.434F takes a text");
+  refused(R"({"434F":""})", "infrared.434F", "a text of 0 characters; infrared.434F takes 1 to 64");
+  std::string many = R"({"1000":"x")";
+  for (int i = 0; i < 100; ++i) many += ",\"" + std::to_string(1001 + i) + R"(":"x")";
+  refused(many + "}", "infrared", "101 codes; there may be 100");
+  EXPECT_TRUE(store.documents.empty());
+}
+
+TEST_F(NamesTest, AChannelIsShownAsWhatItIsFor) {
+  ExpectResult("setup.set",
+               R"({"channels":{"5.0":{"as":"light"},"3.0":{"device_class":"door"},
+                               "F.3":{"unit":"°C","max":100,"device_class":"temperature"}}})",
+               R"({"cards":{}, "channels":{"3.0":{"device_class":"door"},"5.0":{"as":"light"},
+                   "F.3":{"unit":"°C","max":100,"device_class":"temperature"}}})");
+  EXPECT_EQ(bus.Names().Channel(5, 0).shown_as, "light");
+  EXPECT_EQ(bus.Names().Channel(3, 0).device_class, "door");
+  ExpectProblem("setup.merge", R"({"channels":{"5.0":{"as":"siren"}}})", 422, "channels.5.0.as",
+                "channels.5.0.as takes switch, light or fan");
+  ExpectProblem("setup.merge", R"({"channels":{"3.0":{"device_class":"gate"}}})", 422,
+                "channels.3.0.device_class",
+                "channels.3.0.device_class takes a device class of Home Assistant, such as door or "
+                "temperature");
 }
 
 TEST_F(NamesTest, MarkupIsAName) {
@@ -123,7 +174,8 @@ TEST_F(NamesTest, SetupThatDoesNotFitChangesNothing) {
     ExpectProblem("setup.merge", parameters, 422, where, detail);
   };
   refused(R"({"channels":{"F.3":{"Unit":"V"}}})", "channels.F.3",
-          "channels.F.3 has unit, min, max, decimals, hysteresis and active, and nothing else");
+          "channels.F.3 has unit, min, max, decimals, hysteresis, active, as and device_class, and "
+          "nothing else");
   refused(R"({"channels":{"F.3":{"unit":5}}})", "channels.F.3.unit",
           "channels.F.3.unit takes a text");
   refused(R"({"channels":{"F.3":{"unit":"12345678901234567"}}})", "channels.F.3.unit",
@@ -200,7 +252,8 @@ TEST_F(NamesTest, ABackupHoldsAllThatWasSettled) {
   store.documents["accounts"] = R"({"operator":"hash"})";
   const std::string backup = Result("backup.get");
   EXPECT_EQ(backup, Compact(R"({"version":1,
-    "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"}},
+    "names":{"bus":"bench", "cards":{"5":"Relays"}, "channels":{"5.0":"Lamp"},
+             "infrared":{}},
     "setup":{"cards":{"E":{"rows":2}}, "channels":{"F.3":{"unit":"V","max":5}}},
     "page":{"order":["5"], "hidden":[], "groups":[]}})"));
   Result("names.set", "{}");

@@ -69,9 +69,9 @@ TEST_F(ShapesTest, ACardThatIsSilentOrOfAKindThatNobodyKnows) {
   names[0x5] = "CARD?";
   bus.SetCards(names);
   EXPECT_EQ(Card(0x1), Compact(R"({"address":"1", "kind":"silent", "name":null, "state":"silent",
-    "keep":null, "polling":null, "channels":[], "glass":null})"));
+    "keep":null, "polling":null, "channels":[], "glass":null, "codes":null})"));
   EXPECT_EQ(Card(0x2), Compact(R"({"address":"2", "kind":"unknown", "name":null, "state":"present",
-    "keep":null, "polling":null, "channels":[], "glass":null})"));
+    "keep":null, "polling":null, "channels":[], "glass":null, "codes":null})"));
   EXPECT_EQ(Card(0x5).substr(0, 68),
             R"({"address":"5","kind":"digital-output","name":null,"state":"silent",)");
 }

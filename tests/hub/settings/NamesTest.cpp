@@ -52,6 +52,18 @@ TEST(NameSettings, ALineIsActiveHighOrLow) {
   EXPECT_EQ(Names("[channel.\"3.15\"]\nactive = \"low\"\n").Channel(3, 15).active_high, false);
 }
 
+TEST(NameSettings, AChannelIsShownAsWhatItIsFor) {
+  const model::Settings names =
+      Names("[channel.\"5.0\"]\nas = \"light\"\n[channel.\"3.0\"]\ndevice-class = \"door\"\n");
+  EXPECT_EQ(names.Channel(5, 0).shown_as, "light");
+  EXPECT_EQ(names.Channel(3, 0).device_class, "door");
+}
+
+TEST(NameSettings, InfraredCodesHaveNames) {
+  const model::Settings names = Names("[infrared]\n434F = \"TV on\"\n\"00\" = \"TV off\"\n");
+  EXPECT_EQ(names.codes, (std::map<std::string, std::string>{{"00", "TV off"}, {"434F", "TV on"}}));
+}
+
 TEST(NameSettings, ARangeMayRunDownwards) {
   const auto channel =
       Names("[channel.\"0.1\"]\nunit = \"%\"\nmin = 100\nmax = -0.5\n").Channel(0, 1);
@@ -113,6 +125,15 @@ TEST(NameSettings, WhatDoesNotFitIsAnError) {
        "f:3:7: `min` is -2000000000; it takes a number from -1000000000 to 1000000000"},
       {"[channel.\"F.3\"]\nunit = \"V\"\nmax = 1000000001\n",
        "f:3:7: `max` is 1000000001; it takes a number from -1000000000 to 1000000000"},
+      {"[channel.\"5.1\"]\nas = \"siren\"\n",
+       "f:2:6: `as` is \"siren\"; it takes \"switch\", \"light\" or \"fan\""},
+      {"[channel.\"3.1\"]\ndevice-class = \"gate\"\n",
+       "f:2:16: `device-class` is \"gate\"; it takes a device class of Home Assistant, such as "
+       "\"door\" or \"temperature\""},
+      {"[infrared]\n434f = \"TV on\"\n",
+       "f:2:1: `434f` is no code; it takes up to 35 bytes in capitals: \"434F\""},
+      {"[infrared]\n434F = \"\"\n",
+       "f:2:8: `434F` is \"\"; it takes 1 to 64 bytes of text without control characters"},
       {"[channel.\"F.3\"]\nmax = 5\n", "f:2:7: `max` means nothing without `unit`"},
       {"[channel.\"F.3\"]\nunit = \"V\"\nmax = 0\n",
        "f:3:7: `max` is the same as `min`; the two differ"},
