@@ -1,6 +1,8 @@
 // What people have settled: set-up, what cards keep of themselves, who may come in, backups.
 import type { Role } from './Shapes.js';
 
+export type OutputForm = 'switch' | 'light' | 'fan';
+
 export interface ChannelSetup {
   unit?: string | null;
   min?: number | null;
@@ -8,6 +10,8 @@ export interface ChannelSetup {
   decimals?: number | null;
   hysteresis?: number | null;
   active?: 'high' | 'low' | null;
+  as?: OutputForm | null;
+  device_class?: string | null;
 }
 
 export interface CardSetup {

@@ -83,6 +83,7 @@ export interface Card {
   polling: boolean | null;
   channels: Channel[];
   glass: Glass | null;
+  codes?: Readonly<Record<string, string>> | null; // names of infrared codes, by their bytes
 }
 
 export interface KeyEvent {

@@ -12,6 +12,7 @@ export type BenchIntent =
   | { do: 'rename-card'; address: string; name: string | null }
   | { do: 'rename-channel'; id: string; name: string | null }
   | { do: 'rename-bus'; name: string | null }
+  | { do: 'rename-code'; bytes: string; name: string | null } // infrared; on all cards
   | { do: 'arrange'; arrangement: Arrangement }
   | { do: 'hand'; line: string } // what a hand does to the virtual bus
   | { do: 'discover' }

@@ -45,3 +45,14 @@ export function presentCards(state: Pick<State, 'cards'>): Card[] {
     .filter((card) => card.state !== 'absent')
     .sort((a, b) => a.address.localeCompare(b.address));
 }
+
+export interface NamedCode {
+  bytes: string;
+  name: string;
+}
+
+// Infrared codes that have a name, by their names.
+export function namedCodes({ codes }: Pick<Card, 'codes'>): NamedCode[] {
+  const named = Object.entries(codes ?? {}).map(([bytes, name]) => ({ bytes, name }));
+  return named.sort((one, other) => one.name.localeCompare(other.name));
+}

@@ -94,6 +94,7 @@ export const en = {
     send: 'Send',
     none: 'Nothing sent yet',
     recent: 'Sent',
+    named: 'Codes that have a name',
   },
   hands: {
     label: 'Virtual bus',

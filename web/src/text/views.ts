@@ -102,6 +102,12 @@ export const settings = {
     rows: 'Rows',
     columns: 'Columns',
     of: (what: string, name: string) => `${what} of ${name}`,
+    as: 'In Home Assistant',
+    forms: { switch: 'switch', light: 'light', fan: 'fan' },
+    deviceClass: 'Device class',
+    codes: 'Codes that have a name; they are buttons on the bench and in Home Assistant',
+    code: 'Code',
+    noCodes: 'A code that was sent gets its name on the bench, in the list of those sent.',
   },
   kept: {
     title: 'Kept in the card',

@@ -105,6 +105,7 @@ export class Plate extends LitElement {
           .card=${this.card}
           .codes=${this.codes.value ?? []}
           .usable=${this.usable}
+          .renamable=${this.canName.value}
         ></qelm-infrared>`;
       case 'silent':
         return html`<p class="why">${text.why.silentKind}</p>`;

@@ -5,10 +5,12 @@ import { customElement, property, state } from 'lit/decorators.js';
 import type { Card } from '../api/Shapes.js';
 import { drawEye, eyeBox, eyeStyle, spaced } from '../cards/eye.js';
 import { want } from '../state/Intent.js';
+import { namedCodes } from '../state/select.js';
 import type { SentCode } from '../state/State.js';
 import { formatTime } from './format.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
+import type { RenamedEvent } from './Name.js';
 
 const rayTime = 600; // ms
 const mostDigits = 70;
@@ -53,6 +55,14 @@ export class InfraredEye extends LitElement {
         margin-left: auto;
         color: var(--faint);
       }
+      qelm-name {
+        flex: 1;
+      }
+      .named {
+        display: flex;
+        flex-wrap: wrap;
+        gap: 0.25rem;
+      }
       form {
         display: flex;
         flex-wrap: wrap;
@@ -70,6 +80,7 @@ export class InfraredEye extends LitElement {
   @property({ attribute: false }) card!: Card;
   @property({ attribute: false }) codes: readonly SentCode[] = [];
   @property({ type: Boolean }) usable = false;
+  @property({ type: Boolean }) renamable = false;
   @state() private isSending = false;
 
   override updated(changed: PropertyValues<this>): void {
@@ -83,10 +94,7 @@ export class InfraredEye extends LitElement {
 
   override render() {
     const list = this.codes.map(
-      ({ time, bytes }) =>
-        html`<li>
-          <code title=${spaced(bytes)}>${spaced(bytes)}</code><time>${formatTime(time)}</time>
-        </li>`,
+      ({ time, bytes }) => html`<li>${this.renderCode(bytes)}<time>${formatTime(time)}</time></li>`,
     );
     return html`<svg
         class=${this.isSending ? 'sending' : ''}
@@ -101,7 +109,41 @@ export class InfraredEye extends LitElement {
         : html`<ol aria-label=${text.infrared.recent}>
             ${list}
           </ol>`}
-      ${this.usable ? this.renderForm() : nothing}`;
+      ${this.usable ? [this.renderNamed(), this.renderForm()] : nothing}`;
+  }
+
+  // A code that gets a name here is a button from then on.
+  private renderCode(bytes: string) {
+    const name = this.card.codes?.[bytes] ?? null;
+    if (!this.renamable && name === null)
+      return html`<code title=${spaced(bytes)}>${spaced(bytes)}</code>`;
+    return html`<qelm-name
+      .name=${name}
+      .fallback=${spaced(bytes)}
+      .editable=${this.renamable}
+      @renamed=${(event: RenamedEvent) => {
+        want(this, { do: 'rename-code', bytes, name: event.name });
+      }}
+    ></qelm-name>`;
+  }
+
+  private renderNamed() {
+    const named = namedCodes(this.card);
+    if (named.length === 0) return nothing;
+    return html`<div class="named" role="group" aria-label=${text.infrared.named}>
+      ${named.map(
+        ({ bytes, name }) =>
+          html`<button
+            class="key"
+            title=${spaced(bytes)}
+            @click=${() => {
+              want(this, { do: 'infrared', address: this.card.address, bytes });
+            }}
+          >
+            ${name}
+          </button>`,
+      )}
+    </div>`;
   }
 
   private renderForm() {

@@ -7,7 +7,7 @@ import { offValues, valuesBefore } from '../../src/state/allOff.js';
 import { progressOf } from '../../src/state/firstRun.js';
 import { healthOf } from '../../src/state/health.js';
 import { Latest } from '../../src/state/Latest.js';
-import { certainty } from '../../src/state/select.js';
+import { certainty, namedCodes } from '../../src/state/select.js';
 import { arrange } from '../../src/views/arrange.js';
 import { bus, card, channel } from './kit.js';
 
@@ -109,4 +109,13 @@ test('cards stand by address in sixteen slots, till somebody arranges them', () 
       [null, ['E']],
     ],
   );
+});
+
+test('codes that have a name come by their names', () => {
+  assert.deepEqual(namedCodes(card('9', { codes: { FF: 'TV on', '434F': 'Radio' } })), [
+    { bytes: '434F', name: 'Radio' },
+    { bytes: 'FF', name: 'TV on' },
+  ]);
+  assert.deepEqual(namedCodes(card('9', { codes: null })), []);
+  assert.deepEqual(namedCodes(card('9')), []);
 });

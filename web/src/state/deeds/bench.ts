@@ -14,6 +14,7 @@ export const benchDeeds: Deeds<Wanted> = {
   infrared: (hub, { address, bytes }) => hub.ask('ir.send', { address, bytes }),
   'rename-card': (hub, { address, name }) => hub.ask('names.merge', { cards: { [address]: name } }),
   'rename-channel': (hub, { id, name }) => hub.ask('names.merge', { channels: { [id]: name } }),
+  'rename-code': (hub, { bytes, name }) => hub.ask('names.merge', { infrared: { [bytes]: name } }),
   'rename-bus': (hub, { name }) => hub.ask('names.merge', { bus: name }),
   arrange: (hub, { arrangement }) => arrange(hub, arrangement),
   hand: (hub, { line }) => hub.hands.run(line),

@@ -11,8 +11,10 @@ import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
 import { nameOf } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
+import './Codes.js';
 import { numberIn } from './fields.js';
 import './KeptInCard.js';
+import { purposeHead, renderPurpose } from './purpose.js';
 import { sectionStyle } from './settingsStyle.js';
 
 type NumberKey = 'min' | 'max' | 'decimals' | 'hysteresis';
@@ -67,6 +69,9 @@ export class Cards extends LitElement {
         ${this.renderCard(card)}
       </div>
       ${card.channels.length > 0 ? this.renderChannels(card) : nothing}
+      ${card.kind === 'ir'
+        ? html`<qelm-set-codes .card=${card} .usable=${this.isAdmin.value}></qelm-set-codes>`
+        : nothing}
       <qelm-kept-in-card .card=${card} .usable=${this.isAdmin.value}></qelm-kept-in-card>`;
   }
 
@@ -143,6 +148,8 @@ export class Cards extends LitElement {
     const heads = [words.channel, words.name];
     if (numbers.length > 0) heads.push(words.unit, ...numbers.map((key) => words[key]));
     if (isLine) heads.push(words.active);
+    const purpose = purposeHead(first?.type);
+    if (purpose !== null) heads.push(purpose);
     return html`<div class="wide" tabindex="0" role="group" aria-label=${text.settings.cards}>
       <table>
         <thead>
@@ -197,6 +204,9 @@ export class Cards extends LitElement {
           </td>`,
       )}
       ${isLine ? html`<td>${this.renderLevel(channel, own, keep)}</td>` : nothing}
+      ${purposeHead(channel.type) === null
+        ? nothing
+        : html`<td>${renderPurpose(channel, own, this.isAdmin.value, keep)}</td>`}
     </tr>`;
   }
 
