@@ -91,6 +91,12 @@ mqtt::BrokerOptions BrokerOptionsOf(const settings::BrokerOptions& options) {
           options.name};
 }
 
+mqtt::Discovery DiscoveryOf(const settings::BrokerOptions& options) {
+  static_assert(static_cast<int>(settings::Discovery::kOff) ==
+                static_cast<int>(mqtt::Discovery::kOff));
+  return static_cast<mqtt::Discovery>(options.discovery);
+}
+
 std::optional<std::chrono::microseconds> WatchdogPeriod() {
   uint64_t microseconds = 0;
   if (sd_watchdog_enabled(0, &microseconds) <= 0) return std::nullopt;
@@ -156,6 +162,7 @@ Hub::Hub(const settings::Settings& settings, Places places)
       server_(house_, ServerOptionsOf(settings_, places_, is_locked_)),
       text_ports_(house_, TextOptionsOf(settings_.text, is_locked_)),
       broker_(house_, QELM_VERSION),
+      home_assistant_(house_, broker_, QELM_VERSION),
       signals_(context_, SIGTERM, SIGINT, SIGHUP),
       watchdog_(context_),
       watchdog_period_(WatchdogPeriod()) {}
@@ -167,6 +174,7 @@ void Hub::Run() {
   link_.Remember(outputs_.Blocks());
   server_.Start();
   text_ports_.Start();
+  home_assistant_.Use(DiscoveryOf(settings_.broker));
   broker_.Start(BrokerOptionsOf(settings_.broker));
   link_.Start();
   AwaitSignal();
@@ -233,14 +241,15 @@ void Hub::ReadSettingsAgain() {
   sd_notify(0, "READY=1");
 }
 
-// Names, units and the broker at once. What else has changed stays as it was at the start, so it is named each
-// time.
+// Names, units and the broker at once. What else has changed stays as it was at the start, so it is
+// named each time.
 void Hub::TakeAgain(const settings::Settings& fresh) {
   settings_.names = fresh.names;
   settings_.broker = fresh.broker;
   house_.file = FileOf(settings_);
   ApplySettings(house_);
   broker_.Use(BrokerOptionsOf(settings_.broker));
+  home_assistant_.Use(DiscoveryOf(settings_.broker));
   std::string keys;
   for (const std::string_view key : settings::RestartKeys(settings_, fresh)) {
     if (!keys.empty()) keys += ", ";
@@ -263,6 +272,7 @@ void Hub::Stop() {
   sd_notify(0, "STOPPING=1");
   Journal("stopped");
   watchdog_.cancel();
+  home_assistant_.Stop();
   broker_.Stop();
   text_ports_.Stop();
   server_.Stop();

@@ -17,6 +17,7 @@
 #include "model/Bus.h"
 #include "model/Clock.h"
 #include "mqtt/Broker.h"
+#include "mqtt/HomeAssistant.h"
 #include "settings/Settings.h"
 #include "store/Store.h"
 #include "text/TextPorts.h"
@@ -66,6 +67,7 @@ class Hub {
   http::Server server_;
   text::TextPorts text_ports_;
   mqtt::Broker broker_;
+  mqtt::HomeAssistant home_assistant_;
   boost::asio::signal_set signals_;
   boost::asio::steady_timer watchdog_;
   std::optional<std::chrono::microseconds> watchdog_period_;

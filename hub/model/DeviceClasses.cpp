@@ -10,12 +10,34 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kOutputForms{"switch", "light", "fan"};
 
-constexpr std::array<std::string_view, 28> kContactClasses{
-    "battery",  "battery_charging", "carbon_monoxide", "cold",     "connectivity", "door",
-    "garage_door", "gas",           "heat",            "light",    "lock",         "moisture",
-    "motion",   "moving",           "occupancy",       "opening",  "plug",         "power",
-    "presence", "problem",          "running",         "safety",   "smoke",        "sound",
-    "tamper",   "update",           "vibration",       "window"};
+constexpr std::array<std::string_view, 28> kContactClasses{"battery",
+                                                           "battery_charging",
+                                                           "carbon_monoxide",
+                                                           "cold",
+                                                           "connectivity",
+                                                           "door",
+                                                           "garage_door",
+                                                           "gas",
+                                                           "heat",
+                                                           "light",
+                                                           "lock",
+                                                           "moisture",
+                                                           "motion",
+                                                           "moving",
+                                                           "occupancy",
+                                                           "opening",
+                                                           "plug",
+                                                           "power",
+                                                           "presence",
+                                                           "problem",
+                                                           "running",
+                                                           "safety",
+                                                           "smoke",
+                                                           "sound",
+                                                           "tamper",
+                                                           "update",
+                                                           "vibration",
+                                                           "window"};
 
 struct LevelRow {
   std::string_view word;

@@ -104,8 +104,8 @@ std::optional<unsigned> CardOf(std::string_view topic, std::string_view bus_id) 
   if (at == std::string_view::npos) return std::nullopt;
   // "_5/config" or "/5_out0/config"
   const std::string_view rest = topic.substr(at + bus.size());
-  const bool is_card = rest.size() > 2 && ((rest[0] == '_' && rest[2] == '/') ||
-                                           (rest[0] == '/' && rest[2] == '_'));
+  const bool is_card =
+      rest.size() > 2 && ((rest[0] == '_' && rest[2] == '/') || (rest[0] == '/' && rest[2] == '_'));
   return is_card ? protocol::ParseHexDigit(rest[1]) : std::nullopt;
 }
 

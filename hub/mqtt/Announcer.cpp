@@ -14,9 +14,8 @@ Platforms Superfluous(const Platforms& held, const Platforms& told,
                       const std::map<std::string, boost::json::object>& wanted) {
   Platforms removed = held;
   removed.insert(told.begin(), told.end());
-  std::erase_if(removed, [&wanted](const auto& component) {
-    return wanted.contains(component.first);
-  });
+  std::erase_if(removed,
+                [&wanted](const auto& component) { return wanted.contains(component.first); });
   return removed;
 }
 
@@ -77,8 +76,7 @@ std::vector<Announcer::Deed> Announcer::Act(const Wanted& wanted, model::SteadyT
 
 std::vector<Announcer::Deed> Announcer::TakeBack(const Wanted& wanted, model::SteadyTime now) {
   std::set<std::string_view> kept;
-  for (const Announcement& announcement : wanted.announcements)
-    kept.insert(announcement.topic);
+  for (const Announcement& announcement : wanted.announcements) kept.insert(announcement.topic);
   std::vector<Deed> deeds;
   for (auto& [name, topic] : topics_) {
     if (topic.told == "" || kept.contains(name)) continue;
@@ -95,8 +93,7 @@ std::vector<Announcer::Deed> Announcer::TakeBack(const Wanted& wanted, model::St
 std::optional<Announcer::Deed> Announcer::Tell(const Announcement& announcement,
                                                model::SteadyTime now) {
   Topic& topic = topics_[announcement.topic];
-  const Platforms removed =
-      Superfluous(topic.held, topic.told_components, announcement.components);
+  const Platforms removed = Superfluous(topic.held, topic.told_components, announcement.components);
   std::string payload = ToPayload(announcement, removed);
   const bool is_same = topic.told == payload;
   if (is_same && !topic.again) return std::nullopt;

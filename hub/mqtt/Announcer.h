@@ -1,6 +1,6 @@
 // What Home Assistant has to be told, when, and in which steps, so that its devices become those of
-// the bus. It compares what is wanted with what the broker holds, which it hears; so what an earlier
-// run of the hub has left there is no other case than a change.
+// the bus. It compares what is wanted with what the broker holds, which it hears; so what an
+// earlier run of the hub has left there is no other case than a change.
 //
 // How Home Assistant takes messages decides the steps. It drops a changed one close behind another,
 // so changes are gathered for a short time of chance, and a topic rests after each. It keeps a
@@ -27,7 +27,7 @@ class Announcer {
  public:
   static constexpr std::chrono::milliseconds kShortestPause{500};
   static constexpr std::chrono::milliseconds kLongestPause{2000};
-  static constexpr std::chrono::seconds kRest{5};  // of a topic
+  static constexpr std::chrono::seconds kRest{5};         // of a topic
   static constexpr std::chrono::seconds kStatesLater{1};  // than the messages that they belong to
   static constexpr size_t kMostTopics = 2048;             // that are heard
 

@@ -207,7 +207,7 @@ asio::awaitable<Ended> Broker::Serve(bool is_version_5) {
 void Broker::Open(Client& client) {
   for (const std::string& filter : CommandFilters(Names())) client.Subscribe(filter, true);
   for (const std::string& topic : {Names().Bus(), Names().Status()}) client.Subscribe(topic);
-  for (const auto& [topic, sink] : sinks_) client.Subscribe(topic);
+  for (const auto& [filter, sink] : sinks_) client.Subscribe(filter);
   for (const std::string& topic : leftovers_)
     if (!publisher_.Keeps(topic)) publisher_.TakeBack(topic);
   leftovers_.clear();
@@ -235,7 +235,8 @@ void Broker::Take(const model::Change& change) {
 void Broker::Dispatch(const Arrived& arrived) {
   ++house_.traffic.broker.heard;
   const std::string& topic = arrived.message.topic;
-  if (const auto sink = sinks_.find(topic); sink != sinks_.end()) return sink->second(arrived);
+  for (const auto& [filter, sink] : sinks_)
+    if (Matches(filter, topic)) return sink(arrived);
   if (topic == Names().Bus() || topic == Names().Status()) return CheckRival(arrived);
   if (!is_leaving_) obeying_.Take(Names(), arrived);
 }

@@ -49,8 +49,8 @@ class Broker {
   Publisher& Outgoing() { return publisher_; }
   void Flush();
   const Topics& Names() const { return states_.Names(); }
-  // What arrives at this topic, which is none of this hub's commands.
-  void Hear(std::string topic, Sink sink) { sinks_[std::move(topic)] = std::move(sink); }
+  // What arrives there, which is none of this hub's commands.
+  void Hear(std::string filter, Sink sink) { sinks_[std::move(filter)] = std::move(sink); }
   // After each connection, and so after each move to another name: the levels are being told.
   void WhenUp(std::function<void()> told) { up_.push_back(std::move(told)); }
 
@@ -82,7 +82,7 @@ class Broker {
   States states_;
   Obeying obeying_;
   BrokerOptions options_;
-  std::map<std::string, Sink> sinks_;
+  std::map<std::string, Sink> sinks_;  // by filter
   std::vector<std::function<void()>> up_;
   link::Backoff backoff_;
   boost::asio::steady_timer pause_;

@@ -1,6 +1,6 @@
 // Which cards are gone for good. One that is silent is not, nor is one that is missing while the
-// bus itself is not in order: it may come back. Home Assistant forgets what was taken back, so it is
-// not done in haste. Pure; one thread.
+// bus itself is not in order: it may come back. Home Assistant forgets what was taken back, so it
+// is not done in haste. Pure; one thread.
 #pragma once
 
 #include <array>

@@ -64,9 +64,8 @@ void AddOutputs(const Making& making) {
   for (unsigned number = 0; number < making.card.channels.size(); ++number) {
     const std::string form = making.Settings(number).shown_as;
     const bool is_switch = form.empty() || form == model::OutputForms().front();
-    json::object& component =
-        is_switch ? AddChannel(making, "switch", "out", "Line", number)
-                  : AddChannel(making, form, form, "Line", number);
+    json::object& component = is_switch ? AddChannel(making, "switch", "out", "Line", number)
+                                        : AddChannel(making, form, form, "Line", number);
     AddCommand(component, making.Topic(std::to_string(number)));
   }
 }
@@ -95,16 +94,14 @@ void AddLevels(const Making& making) {
 void AddNumber(const Making& making, std::string_view id, std::string_view word, unsigned number) {
   const model::ChannelSettings settings = making.Settings(number);
   const bool is_signed = making.board.bus.Names().Card(making.card.address).is_signed;
-  const model::Range range =
-      *model::RangeOf({making.card.Row(), number, settings, is_signed});
+  const model::Range range = *model::RangeOf({making.card.Row(), number, settings, is_signed});
   const bool is_drive = is_signed && number != kMotorControl;
   const bool has_unit = !settings.unit.empty() && !is_drive;
   json::object& component = AddChannel(making, "number", id, word, number);
   AddCommand(component, making.Topic(std::to_string(number)));
   component["min"] = range.min;
   component["max"] = range.max;
-  component["step"] =
-      has_unit ? std::max(std::pow(10.0, -settings.decimals), kSmallestStep) : 1.0;
+  component["step"] = has_unit ? std::max(std::pow(10.0, -settings.decimals), kSmallestStep) : 1.0;
   component["mode"] = "slider";
   if (has_unit) component["unit_of_measurement"] = settings.unit;
 }
@@ -141,8 +138,8 @@ void AddDisplay(const Making& making) {
 
 void AddKeys(const Making& making) {
   const std::string topic = making.Topic("event");
-  json::object& keys = making.entities.Add(
-      "event", {"keys", "0", NameOr(making.Settings(0).name, "Keys")});
+  json::object& keys =
+      making.entities.Add("event", {"keys", "0", NameOr(making.Settings(0).name, "Keys")});
   keys["state_topic"] = topic;
   keys["event_types"] = {"press", "release", "left", "right"};
   for (unsigned code = 1; code <= kLastKey; ++code)
@@ -155,8 +152,8 @@ void AddKeys(const Making& making) {
 // A code is no state: nothing tells the last one, and what is sent is not kept.
 void AddInfrared(const Making& making) {
   const std::string topic = making.Topic("infrared");
-  json::object& text = making.entities.Add(
-      "text", {"code", "0", NameOr(making.Settings(0).name, "Code")});
+  json::object& text =
+      making.entities.Add("text", {"code", "0", NameOr(making.Settings(0).name, "Code")});
   AddCommand(text, topic);
   text["pattern"] = fmt::format("^([0-9A-Fa-f]{{2}}){{1,{}}}$", protocol::kMostInfraredBytes);
   text["min"] = 2;
@@ -264,14 +261,14 @@ std::optional<Device> CardDevice(const Board& board, unsigned address) {
   const std::string letter = api::AddressText(address);
   const std::string name = board.bus.Names().Card(address).name;
   Device device{BusId(board) + "_" + letter, {}, {}};
-  device.head = HeadOf(
-      board,
-      {{"identifiers", {device.id}},
-       {"name", name.empty() ? fmt::format("{} {}", BusName(board), letter) : name},
-       {"model", row->model},
-       {"manufacturer", "qelm"},
-       {"via_device", BusId(board)}},
-      {Availability(board.topics.Status()), Availability(board.topics.CardStatus(address))});
+  device.head =
+      HeadOf(board,
+             {{"identifiers", {device.id}},
+              {"name", name.empty() ? fmt::format("{} {}", BusName(board), letter) : name},
+              {"model", row->model},
+              {"manufacturer", "qelm"},
+              {"via_device", BusId(board)}},
+             {Availability(board.topics.Status()), Availability(board.topics.CardStatus(address))});
   Entities entities(device, Slug(fmt::format("{}_{}", NameOf(board.topics), letter)));
   row->add({board, *card, entities});
   return device;

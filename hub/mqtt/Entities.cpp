@@ -39,11 +39,10 @@ std::string Slug(std::string_view text) {
 json::object& Entities::Add(std::string_view platform, const Names& names) {
   const auto& device = device_.head["device"].as_object();
   json::object& component = device_.components[names.id];
-  component = {
-      {"platform", platform},
-      {"unique_id", fmt::format("{}_{}", device_.id, names.unique)},
-      {"default_entity_id", fmt::format("{}.{}_{}", platform, place_, Slug(names.unique))},
-      {"name", NameInDevice(names.name, std::string_view(device.at("name").as_string()))}};
+  component = {{"platform", platform},
+               {"unique_id", fmt::format("{}_{}", device_.id, names.unique)},
+               {"default_entity_id", fmt::format("{}.{}_{}", platform, place_, Slug(names.unique))},
+               {"name", NameInDevice(names.name, std::string_view(device.at("name").as_string()))}};
   return component;
 }
 

@@ -47,7 +47,10 @@ void HomeAssistant::Use(Discovery discovery) {
   Look();
 }
 
-void HomeAssistant::Stop() { timer_.cancel(); }
+void HomeAssistant::Stop() {
+  is_up_ = false;
+  timer_.cancel();
+}
 
 // One that is too long to be read is somebody's; it is not an empty one.
 void HomeAssistant::Hear(const Arrived& arrived) {
@@ -57,12 +60,14 @@ void HomeAssistant::Hear(const Arrived& arrived) {
 }
 
 void HomeAssistant::Look() {
+  if (!is_up_) return;
   departures_.Look(house_.bus, Now());
-  if (is_up_) announcer_.Touch(Now());
+  announcer_.Touch(Now());
   Arm();
 }
 
 void HomeAssistant::Arm() {
+  if (!is_up_) return;
   const auto announced = announcer_.Due();
   const auto gone = departures_.Due();
   if (!announced && !gone) return;
@@ -76,7 +81,7 @@ void HomeAssistant::Arm() {
 void HomeAssistant::Act() {
   const auto gone = departures_.Gone();
   departures_.Look(house_.bus, Now());
-  if (is_up_ && gone != departures_.Gone()) announcer_.Touch(Now());
+  if (gone != departures_.Gone()) announcer_.Touch(Now());
   if (announcer_.Due() && *announcer_.Due() <= Now()) {
     const Board board{house_.bus, broker_.Names(), version_};
     const Wanted wanted = WantedOf(board, discovery_, departures_.Gone());

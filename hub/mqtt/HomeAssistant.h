@@ -38,7 +38,7 @@ class HomeAssistant {
   Announcer announcer_;
   Departures departures_;
   boost::asio::steady_timer timer_;
-  bool is_up_ = false;  // the broker was there once: before, it is not known what it holds
+  bool is_up_ = false;  // the broker was there: before, there is nobody to tell
 };
 
 }  // namespace hub::mqtt

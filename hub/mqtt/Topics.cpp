@@ -23,6 +23,20 @@ std::string TopicName(std::string_view name) {
   return fitting.empty() ? "bus" : fitting;
 }
 
+bool Matches(std::string_view filter, std::string_view topic) {
+  while (filter != "#") {
+    const std::string_view wanted = filter.substr(0, filter.find('/'));
+    const std::string_view level = topic.substr(0, topic.find('/'));
+    if (wanted != "+" && wanted != level) return false;
+    const bool has_more = wanted.size() < filter.size();
+    if (has_more != (level.size() < topic.size())) return false;
+    if (!has_more) return true;
+    filter.remove_prefix(wanted.size() + 1);
+    topic.remove_prefix(level.size() + 1);
+  }
+  return true;
+}
+
 std::string Topics::Value(model::ChannelId id) const {
   return OfCard(id.address, std::to_string(id.number));
 }

@@ -12,6 +12,9 @@ namespace hub::mqtt {
 // Everything else becomes "-".
 std::string TopicName(std::string_view name);
 
+// Whether a filter takes this topic: "+" stands for a level, "#" for all that follow.
+bool Matches(std::string_view filter, std::string_view topic);
+
 class Topics {
  public:
   explicit Topics(std::string_view name) : root_("qelm/" + std::string(name) + '/') {}

@@ -83,20 +83,19 @@ struct Key {
 };
 using Keys = std::map<std::string_view, Key>;
 
-const Keys kRoot{
-    {"device", {[](const json::value& value) { return value.is_object(); }, true}},
-    {"origin", {[](const json::value& value) { return value.is_object(); }, true}},
-    {"components", {[](const json::value& value) { return value.is_object(); }, true}},
-    {"availability", {[](const json::value& value) { return value.is_array(); }}},
-    {"availability_mode", {IsOneOf<kAvailabilityModes>}},
-    {"availability_topic", {IsTopic}},
-    {"availability_template", {IsTemplate}},
-    {"payload_available", {IsText}},
-    {"payload_not_available", {IsText}},
-    {"state_topic", {IsTopic}},
-    {"command_topic", {IsTopic}},
-    {"qos", {IsQos}},
-    {"encoding", {IsAnyText}}};
+const Keys kRoot{{"device", {[](const json::value& value) { return value.is_object(); }, true}},
+                 {"origin", {[](const json::value& value) { return value.is_object(); }, true}},
+                 {"components", {[](const json::value& value) { return value.is_object(); }, true}},
+                 {"availability", {[](const json::value& value) { return value.is_array(); }}},
+                 {"availability_mode", {IsOneOf<kAvailabilityModes>}},
+                 {"availability_topic", {IsTopic}},
+                 {"availability_template", {IsTemplate}},
+                 {"payload_available", {IsText}},
+                 {"payload_not_available", {IsText}},
+                 {"state_topic", {IsTopic}},
+                 {"command_topic", {IsTopic}},
+                 {"qos", {IsQos}},
+                 {"encoding", {IsAnyText}}};
 
 const Keys kDevice{{"identifiers", {IsIdentifiers}},
                    {"connections", {[](const json::value& value) { return value.is_array(); }}},
@@ -111,8 +110,7 @@ const Keys kDevice{{"identifiers", {IsIdentifiers}},
                    {"via_device", {IsText}},
                    {"configuration_url", {IsText}}};
 
-const Keys kOrigin{
-    {"name", {IsText, true}}, {"sw_version", {IsText}}, {"support_url", {IsText}}};
+const Keys kOrigin{{"name", {IsText, true}}, {"sw_version", {IsText}}, {"support_url", {IsText}}};
 
 const Keys kAvailabilityEntry{{"topic", {IsTopic, true}},
                               {"payload_available", {IsText}},
@@ -228,8 +226,7 @@ const std::map<std::string_view, Keys> kPlatforms{
       {"value_template", {IsTemplate}}}},
 };
 
-void Check(const std::string& where, const Keys& keys, const json::object& object,
-           Faults& faults) {
+void Check(const std::string& where, const Keys& keys, const json::object& object, Faults& faults) {
   for (const auto& [key, value] : object) {
     const auto found = keys.find(key);
     if (found == keys.end())
@@ -308,8 +305,7 @@ Faults FaultsOfComponent(std::string_view platform, const json::object& componen
 
 Faults FaultsOfMessage(std::string_view topic, std::string_view payload) {
   if (payload.empty()) return {};
-  static const std::regex kTopic(
-      "homeassistant/([a-z_]+)/([A-Za-z0-9_-]+/)?[A-Za-z0-9_-]+/config");
+  static const std::regex kTopic("homeassistant/([a-z_]+)/([A-Za-z0-9_-]+/)?[A-Za-z0-9_-]+/config");
   std::match_results<std::string_view::const_iterator> parts;
   if (!std::regex_match(topic.begin(), topic.end(), parts, kTopic)) return {"no topic of theirs"};
   json::error_code error;

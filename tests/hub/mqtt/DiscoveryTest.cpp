@@ -306,7 +306,8 @@ TEST_F(DiscoveryTest, WhatAMessageHasIsReadFromAnyText) {
   EXPECT_EQ(ComponentsOf(R"({"components":{"out0":{"platform":"switch","unique_id":"x"},
                               "out1":{"p":"switch"},"out2":7}})"),
             (Platforms{{"out0", "switch"}}));
-  for (const char* text : {"", "{", "[]", "7", R"({"components":[]})", R"({"components":{"a":[]}})"})
+  for (const char* text :
+       {"", "{", "[]", "7", R"({"components":[]})", R"({"components":{"a":[]}})"})
     EXPECT_TRUE(ComponentsOf(text).empty()) << text;
 }
 

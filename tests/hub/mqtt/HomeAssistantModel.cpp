@@ -19,7 +19,8 @@ std::set<std::string> TopicsOf(const json::object& object) {
   std::set<std::string> topics;
   const json::value* const list = object.if_contains("availability");
   if (list == nullptr) return topics;
-  for (const json::value& entry : list->as_array()) topics.insert(TextAt(entry.as_object(), "topic"));
+  for (const json::value& entry : list->as_array())
+    topics.insert(TextAt(entry.as_object(), "topic"));
   return topics;
 }
 
@@ -57,8 +58,7 @@ void HomeAssistantModel::Take(const std::string& topic, const std::string& paylo
   Build(topic, payload, known);
 }
 
-void HomeAssistantModel::Build(const std::string& topic, const std::string& payload,
-                               Known& known) {
+void HomeAssistantModel::Build(const std::string& topic, const std::string& payload, Known& known) {
   const json::object message = json::parse(payload).as_object();
   const auto availability = TopicsOf(message);
   const auto add = [&](const std::string& id, const std::string& platform,

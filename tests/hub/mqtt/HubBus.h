@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "../CardsOfEachKind.h"
+#include "CardsOfEachKind.h"
 #include "model/Bus.h"
 #include "mqtt/Wanted.h"
 
