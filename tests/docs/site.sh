@@ -26,13 +26,14 @@ start_site() {
   "$build/qelm-bus" --plain --link /dev/ttyUSB0 --control bus >events &
   bus=$!
   hub=
+  broker=
   trap end_site EXIT
   until [[ -S bus ]]; do sleep 0.05; done
   # The daemon polls as soon as it knows its cards.
   order_bus 'wait frame 20'
 }
 
-# The hub has the daemon's three ports from now on.
+# The hub has the daemon's three ports from now on. $1: more settings
 start_hub() {
   mkdir /run/qelm-hub
   cat >/etc/qelm/qelm-hub.toml <<TOML
@@ -44,6 +45,7 @@ folder = "$PWD/store"
 bus = "bench"
 [virtual-bus]
 control = "$PWD/bus"
+${1:-}
 TOML
   "$build/qelm-hub" 2>hub.log &
   hub=$!
@@ -59,11 +61,18 @@ TOML
   fail "the hub does not see the cards: $(<hub.log)"
 }
 
+# As it comes, on this machine only.
+start_broker() {
+  mosquitto >broker.log 2>&1 &
+  broker=$!
+  until mosquitto_pub -t started -n 2>/dev/null; do sleep 0.05; done
+}
+
 end_site() {
-  # shellcheck disable=SC2086 # one, or two
-  kill $hub "$bus" "$(</run/qelm/qelm.pid)" 2>/dev/null || true
+  # shellcheck disable=SC2086 # those that there are
+  kill $broker $hub "$bus" "$(</run/qelm/qelm.pid)" 2>/dev/null || true
   # shellcheck disable=SC2086
-  wait $hub "$bus" || true
+  wait $broker $hub "$bus" || true
 }
 
 order_bus() {
