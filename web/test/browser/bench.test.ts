@@ -106,6 +106,20 @@ test('an infrared code is listed as soon as it is sent', async () => {
   await anna.reads('43 4F');
 });
 
+test('a code that gets a name is a button', async () => {
+  const sent = anna.page.getByRole('list', { name: 'Sent' }).getByRole('listitem');
+  await anna.renames('43 4F', 'TV on');
+  await anna.presses(/^TV on$/);
+  await eventually('it was sent again', async () => (await sent.count()) === 2);
+  await anna.page.getByRole('button', { name: 'Rename TV on' }).first().click();
+  await anna.page.getByRole('textbox', { name: 'New name of TV on' }).fill('');
+  await anna.page.keyboard.press('Enter');
+  await eventually(
+    'the button is gone',
+    async () => (await anna.page.getByRole('button', { name: /^TV on$/ }).count()) === 0,
+  );
+});
+
 test('all outputs off needs a second, and is undone', async () => {
   await site.api('PATCH', '/api/cards/5', { 0: true, 7: true });
   await anna.sees('Fan', 'on');
