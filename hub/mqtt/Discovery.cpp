@@ -171,7 +171,7 @@ struct KindRow {
   void (*add)(const Making& making);
 };
 
-constexpr std::array<KindRow, 8> kRows{{
+constexpr std::array<KindRow, 8> kCardKinds{{
     {Kind::kDigitalOutput, "Digital output card", AddOutputs},
     {Kind::kDigitalInput, "Digital input card", AddInputs},
     {Kind::kServo, "Servo card", AddServos},
@@ -256,8 +256,8 @@ Device BusDevice(const Board& board) {
 std::optional<Device> CardDevice(const Board& board, unsigned address) {
   const model::Card* const card = board.bus.At(address);
   if (card == nullptr) return std::nullopt;
-  const auto* const row = std::ranges::find(kRows, card->kind, &KindRow::kind);
-  if (row == kRows.end()) return std::nullopt;
+  const auto* const row = std::ranges::find(kCardKinds, card->kind, &KindRow::kind);
+  if (row == kCardKinds.end()) return std::nullopt;
   const std::string letter = api::AddressText(address);
   const std::string name = board.bus.Names().Card(address).name;
   Device device{BusId(board) + "_" + letter, {}, {}};

@@ -205,6 +205,19 @@ TEST_F(AnnouncerTest, ChangesThatFollowEachOtherAllArrive) {
   EXPECT_EQ(home.All().at("switch qelm_3f9a21c0_5_0").name, "Lamp 19");
 }
 
+TEST_F(AnnouncerTest, ATopicRestsAfterAMessage) {
+  Pass(10s);
+  Settle([](model::Settings& settings) { settings.cards[5].name = "Hall"; });
+  Pass(2050ms);
+  const int before = published;
+  Settle([](model::Settings& settings) { settings.cards[5].name = "Yard"; });
+  Pass(2900ms);
+  EXPECT_EQ(published, before);
+  Pass(2200ms);
+  EXPECT_EQ(published, before + 1);
+  ExpectTheBus();
+}
+
 TEST_F(AnnouncerTest, TheBusIsRenamed) {
   Pass(10s);
   house->topics = Topics("hall");
