@@ -218,7 +218,8 @@ void AddReceipts(std::string& text, const api::Traffic::Receipts& receipts) {
 
 std::string MetricsText(const api::House& house, const Counters& counters) {
   const Sources sources{house.bus,           house.store,          house.link.Count(),
-                        house.store.Count(), house.access.Count(), counters, house.traffic.broker};
+                        house.store.Count(), house.access.Count(), counters,
+                        house.traffic.broker};
   std::string text;
   for (const Row& row : kRows) {
     AddHead(text, row.name, row.type, row.help);

@@ -1,6 +1,6 @@
-// How long to wait before the next attempt: 1 s, doubling to the longest, each up to a quarter longer
-// by chance, so that many hubs that lost the same thing do not come back in one moment. Pure but for
-// the chance.
+// How long to wait before the next attempt: 1 s, doubling to the longest, each up to a quarter
+// longer by chance, so that many hubs that lost the same thing do not come back in one moment. Pure
+// but for the chance.
 #pragma once
 
 #include <chrono>

@@ -30,12 +30,12 @@ Broker::Broker(api::House& house, std::string version)
     : house_(house),
       publisher_(house.traffic.broker),
       states_(house.bus, publisher_, std::move(version)),
-      obeying_(house,
-               [this](const std::string& topic, const api::Problem& problem) {
-                 publisher_.Tell({Names().Error(), ErrorPayload(topic, problem)},
-                                 house_.clock.Steady());
-                 Flush();
-               }),
+      obeying_(
+          house,
+          [this](const std::string& topic, const api::Problem& problem) {
+            publisher_.Tell({Names().Error(), ErrorPayload(topic, problem)}, house_.clock.Steady());
+            Flush();
+          }),
       backoff_(std::random_device{}(), kLongestPause),
       pause_(house.context),
       deadline_(house.context),
@@ -49,8 +49,8 @@ void Broker::Start(BrokerOptions options) {
 
 void Broker::Use(BrokerOptions options) {
   if (options == options_) return;
-  const bool is_elsewhere = options.server.host != options_.server.host ||
-                            options.server.port != options_.server.port;
+  const bool is_elsewhere =
+      options.server.host != options_.server.host || options.server.port != options_.server.port;
   const bool moves = !is_elsewhere && options.name != options_.name;
   options_ = std::move(options);
   if (is_elsewhere) publisher_.Disown("");
@@ -100,8 +100,7 @@ asio::awaitable<void> Broker::Run() {
     auto attempting = Attempt();
     const Outcome outcome = co_await std::move(attempting);
     if (is_leaving_) continue;
-    Say(outcome.end.is_refusal ? BrokerState::kRefused : BrokerState::kConnecting,
-        outcome.end.why);
+    Say(outcome.end.is_refusal ? BrokerState::kRefused : BrokerState::kConnecting, outcome.end.why);
     if (outcome.was_up && std::chrono::steady_clock::now() - begin > kSteady) backoff_.Reset();
     auto waiting = Pause(backoff_.Next());
     co_await std::move(waiting);
@@ -184,7 +183,8 @@ asio::awaitable<Ended> Broker::Serve(bool is_version_5) {
     } else if (const auto* arrived = std::get_if<Arrived>(&news)) {
       Dispatch(*arrived);
     } else if (const auto* taken = std::get_if<Taken>(&news)) {
-      if (!taken->refusal.empty()) Say(BrokerState::kUp, "a message was refused: " + taken->refusal);
+      if (!taken->refusal.empty())
+        Say(BrokerState::kUp, "a message was refused: " + taken->refusal);
       publisher_.Taken();
       Flush();
     } else if (const auto* subscribed = std::get_if<Subscribed>(&news)) {

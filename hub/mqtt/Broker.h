@@ -88,9 +88,9 @@ class Broker {
   boost::asio::steady_timer pause_;
   boost::asio::steady_timer deadline_;  // for a good-bye
   boost::asio::steady_timer rates_;
-  Client* client_ = nullptr;        // of the connection there is
-  bool is_up_ = false;              // it publishes
-  bool is_leaving_ = false;         // it is to end
+  Client* client_ = nullptr;  // of the connection there is
+  bool is_up_ = false;        // it publishes
+  bool is_leaving_ = false;   // it is to end
   bool is_stopping_ = false;
   std::set<std::string> leftovers_;  // of an earlier time, below the name
   std::optional<api::Guest> guest_;

@@ -87,8 +87,7 @@ void Client::Session::Connect(const Server& server) {
 void Client::Session::Begin() {
   if (early_end_) return;
   is_ready_ = true;
-  if (const int descriptor = library_->Socket(); descriptor >= 0)
-    socket_.assign(dup(descriptor));
+  if (const int descriptor = library_->Socket(); descriptor >= 0) socket_.assign(dup(descriptor));
   Settle();
 }
 
@@ -127,7 +126,8 @@ asio::awaitable<News> Client::Session::Next() {
   error_code cancelled;
   const auto self = shared_from_this();
   auto token = asio::redirect_error(asio::use_awaitable, cancelled);
-  while (!early_end_ && (!is_ready_ || library_->news.empty())) co_await has_news_.async_wait(token);
+  while (!early_end_ && (!is_ready_ || library_->news.empty()))
+    co_await has_news_.async_wait(token);
   if (early_end_) co_return *early_end_;
   News news = std::move(library_->news.front());
   library_->news.pop_front();

@@ -183,8 +183,9 @@ std::optional<Asked> Split(const Topics& topics, const Message& message) {
 
 void RequireSound(const Arrived& arrived) {
   if (arrived.message.is_retained)
-    throw ProblemOf(409, "a retained command, which is thrown away: it would be done again at "
-                         "each connection");
+    throw ProblemOf(409,
+                    "a retained command, which is thrown away: it would be done again at "
+                    "each connection");
   if (arrived.size > Arrived::kMostPayload)
     throw ProblemOf(413, fmt::format("a payload of {} bytes; a command has at most {}",
                                      arrived.size, Arrived::kMostPayload));

@@ -156,9 +156,9 @@ std::optional<std::string> Library::SetUpTls(const Server& server) {
     return path.empty() ? nullptr : path.c_str();
   };
   if (server.ca.empty()) mosquitto_int_option(handle_, MOSQ_OPT_TLS_USE_OS_CERTS, 1);
-  const int result = mosquitto_tls_set(handle_, or_null(server.ca), nullptr,
-                                       or_null(server.certificate), or_null(server.key),
-                                       &NoPassPhrase);
+  const int result =
+      mosquitto_tls_set(handle_, or_null(server.ca), nullptr, or_null(server.certificate),
+                        or_null(server.key), &NoPassPhrase);
   if (result == MOSQ_ERR_SUCCESS) return std::nullopt;
   return std::string("TLS: ") + mosquitto_strerror(result);
 }

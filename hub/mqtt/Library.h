@@ -50,7 +50,7 @@ class Library {
 
   Greeting greeting_;
   mosquitto* handle_;
-  std::string last_error_;        // as the library words it
+  std::string last_error_;         // as the library words it
   std::optional<Ended> farewell_;  // what the broker has said
   bool has_ended_ = false;
 };

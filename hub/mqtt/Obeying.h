@@ -19,8 +19,7 @@ class Obeying {
   // Gets each answer that is an error.
   using Complain = std::function<void(const std::string& topic, const api::Problem& problem)>;
 
-  Obeying(api::House& house, Complain complain)
-      : house_(house), complain_(std::move(complain)) {}
+  Obeying(api::House& house, Complain complain) : house_(house), complain_(std::move(complain)) {}
 
   void Take(const Topics& topics, const Arrived& arrived);
 

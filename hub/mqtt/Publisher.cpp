@@ -143,8 +143,6 @@ void Publisher::Taken() {
     levels_.erase(level);
 }
 
-bool Publisher::IsIdle() const {
-  return under_way_.empty() && waiting_.empty() && events_.empty();
-}
+bool Publisher::IsIdle() const { return under_way_.empty() && waiting_.empty() && events_.empty(); }
 
 }  // namespace hub::mqtt

@@ -36,7 +36,7 @@ class Publisher {
   void Keep(const std::string& topic, std::string payload);
   // The topic is emptied on the broker, also where the hub has never told it, and then forgotten.
   void TakeBack(const std::string& topic);
-  void TakeBackBelow(std::string_view root);  // what was told below there
+  void TakeBackBelow(std::string_view root);       // what was told below there
   bool Keeps(const std::string& topic) const;      // and does not take it back
   bool IsWaiting(const std::string& topic) const;  // there is something the broker has not got yet
   // Tells what is kept below there once more, although nothing has changed.
@@ -54,7 +54,7 @@ class Publisher {
   // The next message, if one may go out now. It counts as under way until it was Taken. Levels come
   // in the order in which they were first kept.
   std::optional<Message> Next(model::SteadyTime now);
-  void Taken();  // the oldest under way was acknowledged
+  void Taken();         // the oldest under way was acknowledged
   bool IsIdle() const;  // nothing waits, nothing is under way
 
  private:

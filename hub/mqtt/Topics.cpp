@@ -19,7 +19,8 @@ bool FitsTopic(char letter) {
 
 std::string TopicName(std::string_view name) {
   std::string fitting(name.substr(0, kLongestName));
-  std::ranges::replace_if(fitting, [](char letter) { return !FitsTopic(letter); }, '-');
+  std::ranges::replace_if(
+      fitting, [](char letter) { return !FitsTopic(letter); }, '-');
   return fitting.empty() ? "bus" : fitting;
 }
 

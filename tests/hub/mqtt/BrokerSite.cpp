@@ -85,7 +85,8 @@ void BrokerSite::Tell(const std::string& topic, const std::string& payload,
 std::string BrokerSite::BrokerState() {
   const std::string answer = AskLocally("GET", "/api/bus");
   const size_t begin = answer.find("\"broker\":");
-  return begin == std::string::npos ? answer : answer.substr(begin, answer.find('}', begin) - begin);
+  return begin == std::string::npos ? answer
+                                    : answer.substr(begin, answer.find('}', begin) - begin);
 }
 
 void BrokerSite::ExpectBroker(const std::string& state) {

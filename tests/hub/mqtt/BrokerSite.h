@@ -33,7 +33,7 @@ class BrokerSite : public HubSite {
   static void Tell(const std::string& topic, const std::string& payload,
                    const std::vector<std::string>& options = {});
 
-  static std::string BrokerState();           // in the API: {"state":...}
+  static std::string BrokerState();  // in the API: {"state":...}
   static void ExpectBroker(const std::string& state);
   static double Metric(const std::string& name);
 

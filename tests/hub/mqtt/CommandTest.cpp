@@ -18,7 +18,8 @@ class BrokerCommands : public BrokerSite {
       const std::string all = Heard();
       const size_t at = all.rfind(begin);
       return at != std::string::npos && all.find(end, at) != std::string::npos;
-    })) << topic << ' ' << detail;
+    })) << topic
+        << ' ' << detail;
   }
 };
 
@@ -92,9 +93,8 @@ TEST_F(BrokerCommands, WithoutADaemonEachIsAnswered) {
   Ready();
   daemon.Kill(9);
   daemon.WaitForEnd();
-  EXPECT_TRUE(WaitUntil([] {
-    return AskLocally("GET", "/healthz").find(R"("daemon":"up")") == std::string::npos;
-  }));
+  EXPECT_TRUE(WaitUntil(
+      [] { return AskLocally("GET", "/healthz").find(R"("daemon":"up")") == std::string::npos; }));
   Tell("qelm/bench/5/0/set", "ON");
   ExpectError("5/0/set", 503, "the daemon is not there; nothing was sent");
 }

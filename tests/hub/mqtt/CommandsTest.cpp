@@ -67,9 +67,9 @@ TEST_F(CommandsTest, ATextForTheGlassHasARowALine) {
     return R"(lcd.write {"address":"E","row":)" + std::to_string(number) +
            R"(,"column":0,"text":")" + text + R"("} use)" + '\n';
   };
-  EXPECT_EQ(Read("qelm/bench/E/text/set", "one\ntwo\n"),
-            row(0, "one                 ") + row(1, "two                 ") + row(2, blank) +
-                row(3, blank));
+  EXPECT_EQ(Read("qelm/bench/E/text/set", "one\ntwo\n"), row(0, "one                 ") +
+                                                             row(1, "two                 ") +
+                                                             row(2, blank) + row(3, blank));
   EXPECT_EQ(Read("qelm/bench/E/text/set", "1\n2\n3\n4\n5"),
             "422 a text of 5 rows; the glass has 4");
   EXPECT_EQ(Read("qelm/bench/E/text/set", "one\n" + std::string(21, 'x')),

@@ -36,8 +36,8 @@ class BrokerTls : public BrokerSite {
     Openssl({"req", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes", "-subj",
              "/CN=" + who, "-keyout", File(who + ".key"), "-out", File(who + ".csr")});
     Openssl({"x509", "-req", "-in", File(who + ".csr"), "-CA", File("ca.pem"), "-CAkey",
-             File("ca.key"), "-CAcreateserial", "-extfile", File("openssl.cnf"), "-extensions",
-             who, "-out", File(who + ".pem")});
+             File("ca.key"), "-CAcreateserial", "-extfile", File("openssl.cnf"), "-extensions", who,
+             "-out", File(who + ".pem")});
   }
 
   std::string BrokerLines() const {
