@@ -203,13 +203,15 @@ void Library::End(Ended ended) {
   news.emplace_back(std::move(ended));
 }
 
-// Where nothing was said at all, the other end may be one that hangs up on version 5.
+// The library calls a fault of TLS EPROTO. Where nothing was said at all, the other end may be one that hangs up on version 5.
 Ended Library::EndFor(int result) const {
   const int system_error = errno;
   if (farewell_) return *farewell_;
   if (!is_connected && !last_error_.empty()) return {.why = last_error_, .is_refusal = true};
   switch (result) {
     case MOSQ_ERR_ERRNO:
+      if (system_error == EPROTO)
+        return {.why = "it ends TLS; it may want a certificate", .is_refusal = true};
       return {.why = std::strerror(system_error)};
     case MOSQ_ERR_EAI:
       return {.why = "the name of the host is not known"};
