@@ -116,10 +116,10 @@ asio::awaitable<void> Broker::Pause(std::chrono::milliseconds time) {
 
 // A broker that does not know version 5 may say so, or just hang up.
 asio::awaitable<Broker::Outcome> Broker::Attempt() {
-  if (!house_.bus.BrokerNow() || house_.bus.BrokerNow()->host != options_.server.host)
-    Say(BrokerState::kConnecting, "");
   states_.MoveTo(WantedName());
   publisher_.Keep(Names().Status(), std::string(kOnline));
+  if (!house_.bus.BrokerNow() || house_.bus.BrokerNow()->host != options_.server.host)
+    Say(BrokerState::kConnecting, "");
   bool is_version_5 = true;
   auto finding = FindName(is_version_5);
   std::optional<Ended> end = co_await std::move(finding);
