@@ -50,11 +50,19 @@ std::string HostName() {
   return name.data();
 }
 
+// Where settings name no virtual bus: that of the installed service, while it runs. So a trial needs
+// no settings.
+std::string ControlOf(const settings::Settings& settings) {
+  constexpr char kInstalled[] = "/run/qelm-bus/control";
+  if (!settings.virtual_bus.control.empty()) return settings.virtual_bus.control;
+  return ::access(kInstalled, F_OK) == 0 ? kInstalled : "";
+}
+
 // The bus has the host's name until somebody gives it one.
-model::Settings FileOf(const settings::Settings& settings) {
+model::Settings FileOf(const settings::Settings& settings, const std::string& control) {
   model::Settings file = settings.names;
   if (file.bus_name.empty()) file.bus_name = HostName();
-  file.is_virtual = !settings.virtual_bus.control.empty();
+  file.is_virtual = !control.empty();
   return file;
 }
 
@@ -125,6 +133,7 @@ Hub::Hub(const settings::Settings& settings, Places places)
       places_(std::move(places)),
       store_(context_, settings_.store, clock_),
       is_locked_(IsLocked(store_)),
+      control_(ControlOf(settings_)),
       bus_(IdentityOf(store_)),
       outputs_(store_.Document(kOutputs).value_or("")),
       access_(context_, clock_, store_.Document(kAccess),
@@ -150,15 +159,15 @@ Hub::Hub(const settings::Settings& settings, Places places)
            .monitored = [this](std::string_view line) { text_ports_.ShowMonitored(line); },
            .asked = [this](const protocol::WriteBlock& block) { Keep(block); },
            .journal = [this](model::JournalEntry entry) { store_.AddJournal(std::move(entry)); }}),
-      virtual_bus_(context_, settings_.virtual_bus.control),
+      virtual_bus_(context_, control_),
       house_{.context = context_,
              .bus = bus_,
              .link = link_,
              .store = store_,
              .access = access_,
              .clock = clock_,
-             .file = FileOf(settings_),
-             .virtual_bus = settings_.virtual_bus.control.empty() ? nullptr : &virtual_bus_},
+             .file = FileOf(settings_, control_),
+             .virtual_bus = control_.empty() ? nullptr : &virtual_bus_},
       server_(house_, ServerOptionsOf(settings_, places_, is_locked_)),
       text_ports_(house_, TextOptionsOf(settings_.text, is_locked_)),
       broker_(house_, QELM_VERSION),
@@ -246,7 +255,7 @@ void Hub::ReadSettingsAgain() {
 void Hub::TakeAgain(const settings::Settings& fresh) {
   settings_.names = fresh.names;
   settings_.broker = fresh.broker;
-  house_.file = FileOf(settings_);
+  house_.file = FileOf(settings_, control_);
   ApplySettings(house_);
   broker_.Use(BrokerOptionsOf(settings_.broker));
   home_assistant_.Use(DiscoveryOf(settings_.broker));

@@ -58,6 +58,7 @@ class Hub {
   Places places_;
   store::Store store_;
   bool is_locked_;
+  std::string control_;  // socket of the virtual bus; empty: the bus is a real one
   model::Bus bus_;
   KeptOutputs outputs_;
   access::Access access_;
