@@ -50,8 +50,8 @@ std::string HostName() {
   return name.data();
 }
 
-// Where settings name no virtual bus: that of the installed service, while it runs. So a trial needs
-// no settings.
+// Where settings name no virtual bus: that of the installed service, while it runs. So a trial
+// needs no settings.
 std::string ControlOf(const settings::Settings& settings) {
   constexpr char kInstalled[] = "/run/qelm-bus/control";
   if (!settings.virtual_bus.control.empty()) return settings.virtual_bus.control;
