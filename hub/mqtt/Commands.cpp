@@ -82,8 +82,10 @@ Command RowCommand(const model::Glass* glass, const Asked& asked, unsigned row, 
   const auto is_printable = [](char letter) { return letter >= ' ' && letter <= '~'; };
   if (!std::ranges::all_of(text, is_printable))
     throw DoesNotFit("text", "the glass shows printable ASCII only");
-  return CommandOf("lcd.write",
-                   {{"address", asked.place}, {"row", row}, {"column", 0}, {"text", text}});
+  return CommandOf("lcd.write", {{"address", asked.place},
+                                 {"row", static_cast<int64_t>(row)},
+                                 {"column", 0},
+                                 {"text", text}});
 }
 
 Commands WriteRow(const model::Bus& bus, const Asked& asked) {
