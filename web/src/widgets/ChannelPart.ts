@@ -18,10 +18,6 @@ export abstract class ChannelPart extends LitElement {
     return certainty(this.channel);
   }
 
-  protected get isOn(): boolean {
-    return this.channel.value === true;
-  }
-
   // What a screen reader says: the name, and how sure the value is.
   protected get label(): string {
     const doubt = text.certainty[this.certainty];

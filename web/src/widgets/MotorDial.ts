@@ -1,5 +1,6 @@
 import { customElement } from 'lit/decorators.js';
 
+import { dialScaleStyle } from '../cards/dialScale.js';
 import { round } from '../cards/geometry.js';
 import { drawMotor, motorBox, motorStyle } from '../cards/motor.js';
 import { text } from '../text/text.js';
@@ -8,7 +9,7 @@ import { DialPart, dialStyle } from './DialPart.js';
 
 @customElement('qelm-motor')
 export class MotorDial extends DialPart {
-  static override styles = [base, dialStyle, motorStyle];
+  static override styles = [base, dialStyle, motorStyle, dialScaleStyle];
 
   protected override readonly dial = round;
   protected override readonly box = motorBox;
