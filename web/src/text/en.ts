@@ -1,5 +1,5 @@
 // All texts of the page in English. Another language is another object of this shape.
-import { console_, journal, plots, settings } from './views.js';
+import { arranging, console_, journal, plots, settings } from './views.js';
 
 export const en = {
   page: 'qelm',
@@ -189,6 +189,7 @@ export const en = {
     at: (bus: string, time: string) => `${bus}, ${time}`,
   },
   loading: 'Connecting to the hub',
+  arranging,
   plots,
   console: console_,
   journal,

@@ -193,3 +193,25 @@ export const settings = {
     virtual: 'a virtual bus',
   },
 };
+
+export const arranging = {
+  begin: (hidden: number) => (hidden === 0 ? 'Arrange' : `Arrange, ${hidden} hidden`),
+  title: 'Arrange the bench',
+  how: 'Drag cards, or move them with the arrow keys. What you do is seen by everybody at once.',
+  done: 'Done',
+  reset: 'As on the bus',
+  addGroup: 'New group',
+  group: (number: number) => `Group ${number}`,
+  rest: 'In no group',
+  hidden: 'Hidden',
+  up: 'Up',
+  raise: (group: string) => `Move ${group} up`,
+  remove: 'Dissolve',
+  dissolve: (group: string) => `Dissolve ${group}`,
+  move: (card: string) => `Move ${card}`,
+  earlier: (card: string) => `${card}, one earlier`,
+  later: (card: string) => `${card}, one later`,
+  groupOf: (card: string) => `Group of ${card}`,
+  said: (address: string, place: number, count: number, group: string) =>
+    `Card ${address} is ${place} of ${count}, ${group}`,
+};

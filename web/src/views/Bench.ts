@@ -1,6 +1,6 @@
 // The bench: rails with the cards in their slots, as they stand in front of you.
 import { html, LitElement, nothing } from 'lit';
-import { customElement } from 'lit/decorators.js';
+import { customElement, state } from 'lit/decorators.js';
 
 import { hasHands, isStale, may, presentCards } from '../state/select.js';
 import { Reads } from '../state/Store.js';
@@ -16,17 +16,20 @@ const slotsInQuarter = 4;
 export class Bench extends LitElement {
   static override styles = [base, benchStyle];
 
-  private readonly cards = new Reads(this, (state) => state.cards);
-  private readonly arrangement = new Reads(this, (state) => state.arrangement);
+  private readonly cards = new Reads(this, (known) => known.cards);
+  private readonly arrangement = new Reads(this, (known) => known.arrangement);
   private readonly stale = new Reads(this, isStale);
-  private readonly canUse = new Reads(this, (state) => may(state, 'use'));
-  private readonly isEmpty = new Reads(this, (state) => presentCards(state).length === 0);
+  private readonly canUse = new Reads(this, (known) => may(known, 'use'));
+  private readonly canArrange = new Reads(this, (known) => may(known, 'admin'));
+  private readonly isEmpty = new Reads(this, (known) => presentCards(known).length === 0);
   private readonly hasHands = new Reads(this, hasHands);
-  private readonly allOff = new Reads(this, (state) => state.allOff);
+  private readonly allOff = new Reads(this, (known) => known.allOff);
+  @state() private isArranging = false;
 
   override render() {
     if (this.isEmpty.value) return html`<qelm-first-run></qelm-first-run>`;
-    const rails = arrange(this.cards.value, this.arrangement.value);
+    if (this.isArranging && this.canArrange.value) return this.renderArranger();
+    const rails = arrange(this.cards.value, this.arrangement.value, this.hasHands.value);
     return html`<h1 class="unseen">${text.nav.bench}</h1>
       <div class="rails ${this.stale.value ? 'stale' : ''}">
         ${rails.map(
@@ -48,6 +51,7 @@ export class Bench extends LitElement {
       ${this.renderVirtual()}
       <footer>
         <qelm-legend></qelm-legend>
+        ${this.canArrange.value ? this.renderArrange() : nothing}
         ${this.canUse.value
           ? html`<qelm-all-off .allOff=${this.allOff.value}></qelm-all-off>`
           : nothing}
@@ -59,6 +63,27 @@ export class Bench extends LitElement {
     if (!this.hasHands.value) return nothing;
     void import('./VirtualBench.js');
     return html`<qelm-virtual-bench></qelm-virtual-bench>`;
+  }
+
+  private renderArrange() {
+    const hidden = this.arrangement.value.hidden?.length ?? 0;
+    return html`<button
+      class="key"
+      @click=${() => {
+        this.isArranging = true;
+      }}
+    >
+      ${text.arranging.begin(hidden)}
+    </button>`;
+  }
+
+  private renderArranger() {
+    void import('./arranging/Arranger.js');
+    return html`<qelm-arranger
+      @done=${() => {
+        this.isArranging = false;
+      }}
+    ></qelm-arranger>`;
   }
 
   private renderSlot({ address, card }: Slot) {

@@ -14,8 +14,13 @@ export interface Rail {
 const addresses = Array.from('0123456789ABCDEF');
 
 // As the bus has them: sixteen slots by address. As soon as somebody has arranged the cards, only
-// those that are there, in that order, by groups; what nobody has placed comes last, by address.
-export function arrange(cards: Readonly<Record<string, Card>>, arrangement: Arrangement): Rail[] {
+// those that are there, in that order, by groups; what nobody has placed comes last, by address, and
+// behind it the empty slots where a card could be plugged in.
+export function arrange(
+  cards: Readonly<Record<string, Card>>,
+  arrangement: Arrangement,
+  hasFreeSlots = false,
+): Rail[] {
   const { order = [], hidden = [], groups = [] } = arrangement;
   const isArranged = order.length + hidden.length + groups.length > 0;
   if (!isArranged)
@@ -29,7 +34,11 @@ export function arrange(cards: Readonly<Record<string, Card>>, arrangement: Arra
     slots: shown.filter((address) => members.includes(address)).map((a) => slotOf(cards, a)),
   }));
   const rest = shown.filter((address) => !grouped.has(address)).map((a) => slotOf(cards, a));
-  return [...rails, { title: null, slots: rest }].filter(({ slots }) => slots.length > 0);
+  const free = addresses.filter((address) => hasFreeSlots && !(address in cards));
+  const others = [rest, free.map((address) => slotOf(cards, address))];
+  return [...rails, ...others.map((slots) => ({ title: null, slots }))].filter(
+    ({ slots }) => slots.length > 0,
+  );
 }
 
 function slotOf(cards: Readonly<Record<string, Card>>, address: string): Slot {

@@ -159,17 +159,31 @@ export class Person {
   async turnsByFinger(name: string, angle: number): Promise<void> {
     const { x, y, radius } = await this.middle(name);
     const turn = (angle * Math.PI) / 180;
+    const path = Array.from({ length: 13 }, (_, step): [number, number] => {
+      const part = (turn * step) / 12;
+      return [x + radius * Math.sin(part), y - radius * Math.cos(part)];
+    });
+    await this.strokes(path);
+  }
+
+  // A finger that goes straight from one point of the screen to another.
+  async drags([fromX, fromY]: [number, number], [toX, toY]: [number, number]): Promise<void> {
+    const path = Array.from({ length: 13 }, (_, step): [number, number] => [
+      fromX + ((toX - fromX) * step) / 12,
+      fromY + ((toY - fromY) * step) / 12,
+    ]);
+    await this.strokes(path);
+  }
+
+  private async strokes(path: readonly [number, number][]): Promise<void> {
     const session = await this.page.context().newCDPSession(this.page);
     const touch = (type: 'touchStart' | 'touchMove' | 'touchEnd', at?: [number, number]) =>
       session.send('Input.dispatchTouchEvent', {
         type,
         touchPoints: at ? [{ x: at[0], y: at[1] }] : [],
       });
-    await touch('touchStart', [x, y - radius]);
-    for (let step = 1; step <= 12; ++step) {
-      const part = (turn * step) / 12;
-      await touch('touchMove', [x + radius * Math.sin(part), y - radius * Math.cos(part)]);
-    }
+    for (const [step, at] of path.entries())
+      await touch(step === 0 ? 'touchStart' : 'touchMove', at);
     await touch('touchEnd');
   }
 

@@ -1,13 +1,11 @@
 // Who may do what, what markup in names does, and what axe finds.
 import assert from 'node:assert/strict';
-import { readFileSync } from 'node:fs';
-import { createRequire } from 'node:module';
 import { after, before, test } from 'node:test';
 
+import { axeFindings } from './axe.js';
 import { closeBrowser, Person } from './Person.js';
 import { Site } from './Site.js';
 
-const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const markup = '<img src=x onerror=alert(1)>';
 const admin = { account: 'ada', password: 'correct horse', role: 'admin' };
 const viewer = { account: 'vera', password: 'correct horse', role: 'view' };
@@ -24,20 +22,6 @@ after(async () => {
   await site.stop();
 });
 
-interface Finding {
-  id: string;
-  nodes: { html: string }[];
-}
-
-async function findings(person: Person): Promise<string[]> {
-  await person.page.evaluate(axe);
-  const found = await person.page.evaluate(async () => {
-    const { axe } = window as unknown as { axe: { run: () => Promise<{ violations: Finding[] }> } };
-    return (await axe.run()).violations;
-  });
-  return found.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html).join(' | ')}`);
-}
-
 async function logsIn(person: Person, who: { account: string; password: string }): Promise<void> {
   await person.page.getByLabel('Account').fill(who.account);
   await person.page.getByLabel('Password').fill(who.password);
@@ -48,7 +32,7 @@ test('axe finds nothing on the bench, in either theme', async () => {
   for (const theme of ['dark', 'light'] as const) {
     const anna = await Person.arrives({ theme });
     await anna.reads('Servos');
-    assert.deepEqual(await findings(anna), []);
+    assert.deepEqual(await axeFindings(anna), []);
     await anna.leaves();
   }
 });
@@ -65,7 +49,7 @@ test('markup in a name stays text', async () => {
 test('a viewer sees all, is offered nothing, and is refused what he asks by hand', async () => {
   await site.api('POST', '/api/accounts', admin);
   const vera = await Person.arrives();
-  assert.deepEqual(await findings(vera), []); // of the log-in
+  assert.deepEqual(await axeFindings(vera), []); // of the log-in
   await logsIn(vera, admin);
   await vera.page.getByRole('switch').first().waitFor();
   await vera.page.evaluate(

@@ -1,13 +1,11 @@
 // The views beside the bench, as a person uses them.
 import assert from 'node:assert/strict';
-import { readFileSync } from 'node:fs';
-import { createRequire } from 'node:module';
 import { after, before, test } from 'node:test';
 
+import { axeFindings } from './axe.js';
 import { closeBrowser, Person } from './Person.js';
 import { address, Site } from './Site.js';
 
-const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const markup = '<img src=x onerror=alert(1)>';
 
 let site: Site;
@@ -28,20 +26,6 @@ async function goes(view: string, theme: 'dark' | 'light' = 'dark'): Promise<Per
   await anna.page.goto(`${address}/#${view}`);
   await anna.page.getByRole('heading', { level: 1 }).waitFor();
   return anna;
-}
-
-interface Finding {
-  id: string;
-  nodes: { html: string }[];
-}
-
-async function findings({ page }: Person): Promise<string[]> {
-  await page.evaluate(axe);
-  const found = await page.evaluate(async () => {
-    const { axe } = window as unknown as { axe: { run: () => Promise<{ violations: Finding[] }> } };
-    return (await axe.run()).violations;
-  });
-  return found.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html).join(' | ')}`);
 }
 
 test('a channel is opened in the plots from the bench, and follows its value', async () => {
@@ -99,6 +83,6 @@ for (const view of ['plots', 'console', 'journal', 'settings'])
   for (const theme of ['dark', 'light'] as const)
     test(`axe finds nothing in ${view}, ${theme}`, async () => {
       const anna = await goes(view, theme);
-      assert.deepEqual(await findings(anna), []);
+      assert.deepEqual(await axeFindings(anna), []);
       await anna.leaves();
     });

@@ -32,7 +32,16 @@ async function set(hub: Hub, id: string, value: Channel['value']): Promise<void>
   }
 }
 
+// Seen at once where it was done; what the hub refuses is as before.
 async function arrange(hub: Hub, arrangement: Arrangement): Promise<void> {
-  await hub.ask('page.set', { page: arrangement });
+  const before = hub.state.arrangement;
   hub.dispatch({ type: 'arrangement', arrangement });
+  await hub.latest.run('page', async () => {
+    try {
+      await hub.ask('page.set', { page: arrangement });
+    } catch (reason) {
+      hub.dispatch({ type: 'arrangement', arrangement: before });
+      hub.refuse(reason);
+    }
+  });
 }
