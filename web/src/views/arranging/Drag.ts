@@ -65,11 +65,15 @@ export class Drag {
     const others = [...(sections[section]?.querySelectorAll('[data-card]') ?? [])].filter(
       (card) => card.getAttribute('data-card') !== this.address,
     );
-    const place = others.filter((card) => isBefore(card.getBoundingClientRect(), x, y)).length;
+    const place = others.filter((card) => isBefore(card, x, y)).length;
     return section === -1 ? null : { section, place };
   }
 }
 
-function isBefore({ top, bottom, left, width }: DOMRect, x: number, y: number): boolean {
+// By its middle: from left to right, or from top to bottom where cards stand one below another.
+function isBefore(card: Element, x: number, y: number): boolean {
+  const { top, bottom, left, width, height } = card.getBoundingClientRect();
+  const isAlone = width * 2 > (card.parentElement?.clientWidth ?? 0);
+  if (isAlone) return top + height / 2 < y;
   return bottom <= y || (top <= y && left + width / 2 < x);
 }
