@@ -3,21 +3,26 @@ import { css, nothing, svg, type SVGTemplateResult } from 'lit';
 
 import { text } from '../text/text.js';
 
-const columns = 9;
-const rows = 7;
+const keys = 63;
 const pitch = 11;
 const size = 9.5;
 
-export const padBox = `0 0 ${columns * pitch} ${rows * pitch}`;
+export const wide = 9; // columns of a pad
+export const narrow = 6; // where a finger presses: each key is as wide as its tip
+
+export function padBox(columns: number): string {
+  return `0 0 ${columns * pitch} ${Math.ceil(keys / columns) * pitch}`;
+}
+
 export const encoderBox = '-42 -42 84 96';
 
 export const hex = (code: number) => code.toString(16).toUpperCase().padStart(2, '0');
 
 // Where an arrow key leads from a key of the pad.
-export function neighbour(code: number, key: string): number {
+export function neighbour(code: number, key: string, columns: number): number {
   const way = { ArrowLeft: -1, ArrowRight: 1, ArrowUp: -columns, ArrowDown: columns }[key] ?? 0;
   const next = code + way;
-  return next >= 1 && next <= columns * rows ? next : code;
+  return next >= 1 && next <= keys ? next : code;
 }
 
 // `reached` is the key that the keyboard is at; null where no hand can press them.
@@ -25,20 +30,22 @@ export function drawPad(
   held: number,
   recent: readonly number[],
   reached: number | null = null,
+  columns = wide,
 ): SVGTemplateResult {
-  const keys = Array.from({ length: columns * rows }, (_, place) => {
+  const drawn = Array.from({ length: keys }, (_, place) => {
     const code = place + 1;
-    const x = (place % columns) * pitch + (pitch - size) / 2;
-    const y = Math.floor(place / columns) * pitch + (pitch - size) / 2;
+    const [left, top] = [(place % columns) * pitch, Math.floor(place / columns) * pitch];
+    const [x, y] = [left + (pitch - size) / 2, top + (pitch - size) / 2];
     const state = code === held ? 'held' : recent.includes(code) ? 'recent' : '';
     const isButton = reached !== null;
     return svg`<g class="pad-key ${state}" data-code=${code}
       role=${isButton ? 'button' : nothing} aria-label=${isButton ? text.hands.key(hex(code)) : nothing}
       tabindex=${isButton ? (code === reached ? 0 : -1) : nothing}>
-      <rect x=${x} y=${y} width=${size} height=${size} rx="1"></rect>
+      <rect class="reach" x=${left} y=${top} width=${pitch} height=${pitch}></rect>
+      <rect class="cap" x=${x} y=${y} width=${size} height=${size} rx="1"></rect>
       <text x=${x + size / 2} y=${y + size / 2 + 1.5}>${hex(code)}</text></g>`;
   });
-  return svg`<g>${keys}</g>`;
+  return svg`<g>${drawn}</g>`;
 }
 
 const detents = 24; // a turn of the encoder
@@ -62,7 +69,10 @@ export function drawEncoder(steps: number, contacts: number | null): SVGTemplate
 }
 
 export const keypadStyle = css`
-  .pad-key rect {
+  .reach {
+    fill: transparent;
+  }
+  .pad-key .cap {
     fill: var(--part);
     stroke: var(--line);
     stroke-width: 0.5;
@@ -72,20 +82,20 @@ export const keypadStyle = css`
     font-size: 4.25px;
     text-anchor: middle;
   }
-  .pad-key.recent rect {
+  .pad-key.recent .cap {
     stroke: var(--ink);
   }
-  .pad-key.held rect {
+  .pad-key.held .cap {
     fill: var(--on);
     stroke: var(--on);
   }
   .pad-key[role] {
     cursor: pointer;
   }
-  .pad-key[role]:hover rect {
+  .pad-key[role]:hover .cap {
     stroke: var(--ink);
   }
-  .pad-key:focus-visible rect {
+  .pad-key:focus-visible .cap {
     stroke: var(--ink);
     stroke-width: 1.5;
   }

@@ -6,6 +6,7 @@ import type { Action } from './Actions.js';
 import { benchDeeds } from './deeds/bench.js';
 import { consoleDeeds } from './deeds/console.js';
 import type { Deeds, Hub } from './deeds/Deeds.js';
+import { keptPlots } from './deeds/kept.js';
 import { journalDeeds } from './deeds/journal.js';
 import { plotDeeds } from './deeds/plots.js';
 import { askWho, sessionDeeds, wake } from './deeds/session.js';
@@ -58,6 +59,7 @@ export class Performer implements Hub {
   }
 
   start(): void {
+    this.dispatch({ type: 'view', part: { plots: keptPlots() } });
     this.live.start();
     void askWho(this);
   }

@@ -19,6 +19,7 @@ export interface Health {
   part: Part;
   sign: Sign;
   word: Word;
+  detail: string | null; // where, and why
 }
 
 const signs: Record<Word, Sign> = {
@@ -34,13 +35,19 @@ const signs: Record<Word, Sign> = {
 };
 
 export function healthOf({ connection, bus }: Pick<State, 'connection' | 'bus'>): Health[] {
-  const row = (part: Part, word: Word): Health => ({ part, word, sign: signs[word] });
+  const row = (part: Part, word: Word, ...details: (string | null | undefined)[]): Health => ({
+    part,
+    word,
+    sign: signs[word],
+    detail: details.filter((detail) => detail).join(', ') || null,
+  });
   // What the hub said last is not news while it is not there.
   const now = connection === 'open' ? bus : null;
   const rows = [
     row('daemon', now?.daemon.state ?? 'unknown'),
-    row('adapter', now?.adapter.state ?? 'unknown'),
+    row('adapter', now?.adapter.state ?? 'unknown', now?.adapter.device),
   ];
-  if (bus?.broker) rows.push(row('broker', now?.broker?.state ?? 'unknown'));
+  const broker = bus?.broker;
+  if (broker) rows.push(row('broker', now ? broker.state : 'unknown', broker.host, broker.detail));
   return [...rows, row('page', connection)];
 }

@@ -144,15 +144,19 @@ export const en = {
     steps: { hub: 'Hub', daemon: 'Daemon', adapter: 'Adapter', cards: 'Cards' },
     hubLost: 'The hub does not answer. Is qelm-hub running?',
     daemonAbsent:
-      'The daemon does not answer. Start it with "systemctl start qelm"; "qelmctl doctor" says more.',
+      'The daemon does not answer. Start it with "systemctl start qelm"; "journalctl -t qelm" has its last words, and "qelmctl doctor" says more.',
     daemonWaiting: (port: string) =>
       `Another program holds the daemon's port ${port}. Close it: a port serves one client at a time. "qelmctl doctor" names it.`,
-    adapterDown: 'The adapter is not found. Plug its cable in; the daemon looks again by itself.',
+    adapterDown:
+      'The adapter is not found. Plug its cable in; the daemon looks again by itself. "dmesg" says what the kernel found, "qelmctl doctor" whether the daemon may open it.',
     adapterUnknown:
       'The hub cannot read the daemon\'s log, so it does not know about the adapter. See "log" in its settings.',
-    cardsNone: 'No card answers. Plug one in: the bus is searched again within half a minute.',
+    cardsNone:
+      'No card answers. Plug one in, and look at its power: the bus is searched again within half a minute.',
     later: 'after that',
     done: 'ready',
+    hands:
+      'This bus is a virtual one: plug cards in and pull its cable below, and press what they have.',
     trial: 'No hardware at hand? "./demo" runs everything on a virtual bus.',
   },
   daemonGone: 'The daemon is gone: what you see is from before.',

@@ -183,6 +183,8 @@ export const settings = {
     daemon: 'Daemon',
     since: 'up since',
     adapter: 'Adapter',
+    broker: 'Broker',
+    none: 'none is set up',
     pace: 'Pace',
     polling: 'Inputs polled',
     account: 'You',

@@ -27,10 +27,13 @@ export class Bench extends LitElement {
   @state() private isArranging = false;
 
   override render() {
-    if (this.isEmpty.value) return html`<qelm-first-run></qelm-first-run>`;
     if (this.isArranging && this.canArrange.value) return this.renderArranger();
     const rails = arrange(this.cards.value, this.arrangement.value, this.hasHands.value);
-    return html`<h1 class="unseen">${text.nav.bench}</h1>
+    const isEmpty = this.isEmpty.value;
+    const begin = html`<qelm-first-run></qelm-first-run>`;
+    // Missing cards are shown as such; slots of a virtual bus wait for a hand.
+    if (isEmpty && !this.hasHands.value && Object.keys(this.cards.value).length === 0) return begin;
+    return html`${isEmpty ? begin : html`<h1 class="unseen">${text.nav.bench}</h1>`}
       <div class="rails ${this.stale.value ? 'stale' : ''}">
         ${rails.map(
           ({ title, slots }) =>

@@ -4,6 +4,7 @@ import { customElement } from 'lit/decorators.js';
 
 import { drawSign, signStyle } from '../cards/sign.js';
 import { progressOf, type Progress, type Step } from '../state/firstRun.js';
+import { hasHands } from '../state/select.js';
 import { Reads } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -17,7 +18,7 @@ export class FirstRun extends LitElement {
       :host {
         display: grid;
         justify-content: center;
-        padding: 8vh 1rem 2rem;
+        padding: min(8vh, 4rem) 1rem 2rem;
       }
       section {
         max-width: 36rem;
@@ -66,6 +67,7 @@ export class FirstRun extends LitElement {
 
   private readonly bus = new Reads(this, (state) => state.bus);
   private readonly connection = new Reads(this, (state) => state.connection);
+  private readonly hasHands = new Reads(this, hasHands);
 
   override render() {
     const progress = progressOf({ bus: this.bus.value, connection: this.connection.value });
@@ -74,7 +76,7 @@ export class FirstRun extends LitElement {
       <ol role="list" aria-live="polite">
         ${progress.map((each) => this.renderStep(each))}
       </ol>
-      <p class="trial">${text.wait.trial}</p>
+      <p class="trial">${this.hasHands.value ? text.wait.hands : text.wait.trial}</p>
     </section>`;
   }
 

@@ -46,8 +46,8 @@ export class StateBar extends LitElement {
       ${this.renderWho()}`;
   }
 
-  private renderPart({ part, sign, word }: Health) {
-    return html`<li class=${sign}>
+  private renderPart({ part, sign, word, detail }: Health) {
+    return html`<li class=${sign} title=${detail ?? nothing}>
       <svg viewBox="-7 -7 14 14" aria-hidden="true">${drawSign(sign)}</svg>
       <span class="part">${text.state.parts[part]}</span>
       <span class="word">${text.state.words[word]}</span>

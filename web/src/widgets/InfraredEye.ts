@@ -63,6 +63,12 @@ export class InfraredEye extends LitElement {
         flex-wrap: wrap;
         gap: 0.25rem;
       }
+      @media (max-width: 639px) {
+        ol,
+        .none {
+          min-height: 0;
+        }
+      }
       form {
         display: flex;
         flex-wrap: wrap;

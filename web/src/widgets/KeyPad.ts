@@ -9,8 +9,10 @@ import {
   encoderBox,
   hex,
   keypadStyle,
+  narrow,
   neighbour,
   padBox,
+  wide,
 } from '../cards/keypad.js';
 import { keyLine, turnLine } from '../state/hands.js';
 import { want } from '../state/Intent.js';
@@ -22,6 +24,7 @@ import { EncoderGrip } from './EncoderGrip.js';
 
 const shown = 5; // of the last events
 const codeBits = 0x3f;
+const byFinger = window.matchMedia('(pointer: coarse), (max-width: 639px)');
 const isPress = ({ key }: KeyboardEvent) => key === ' ' || key === 'Enter';
 
 @customElement('qelm-keypad')
@@ -40,7 +43,7 @@ export class KeyPad extends LitElement {
         width: 100%;
       }
       .encoder-drawing {
-        width: 100%;
+        width: 4.5rem;
         overflow: visible;
       }
       .held {
@@ -75,13 +78,22 @@ export class KeyPad extends LitElement {
         margin-left: auto;
         color: var(--faint);
       }
+      @media (max-width: 639px) {
+        ol {
+          min-height: 0;
+        }
+        :host([usable]) {
+          grid-template-columns: minmax(0, 1fr);
+          justify-items: center;
+        }
+        :host([usable]) ol {
+          justify-self: stretch;
+        }
+      }
       @container (max-width: 13rem) {
         :host {
           grid-template-columns: minmax(0, 1fr);
           justify-items: center;
-        }
-        .encoder-drawing {
-          width: 4rem;
         }
         ol {
           justify-self: stretch;
@@ -93,7 +105,7 @@ export class KeyPad extends LitElement {
   @property({ attribute: false }) card!: Card;
   @property({ attribute: false }) events: readonly KeyEvent[] = [];
   @property({ type: Number }) turns = 0;
-  @property({ type: Boolean }) usable = false;
+  @property({ type: Boolean, reflect: true }) usable = false;
   @state() private reached = 1; // the key that the keyboard is at
   private readonly grip = new EncoderGrip((steps) => {
     want(this, { do: 'hand', line: turnLine(this.card.address, steps) });
@@ -104,11 +116,12 @@ export class KeyPad extends LitElement {
     const held = raw === null ? 0 : raw & codeBits;
     const last = entriesOf(this.events).slice(0, shown);
     const recent = last.flatMap(({ event }) => event.code ?? []);
+    const { columns } = this;
     const key = held === 0 ? text.keys.none : text.keys.held(hex(held));
     const value = raw === null ? text.unknownValue : key;
     return html`<svg
         class="pad"
-        viewBox=${padBox}
+        viewBox=${padBox(columns)}
         role=${this.usable ? 'group' : 'img'}
         aria-label="${text.keys.pad}: ${value}"
         @pointerdown=${this.onPress}
@@ -117,13 +130,17 @@ export class KeyPad extends LitElement {
         @keydown=${this.onKeyDown}
         @keyup=${this.onKeyUp}
       >
-        ${drawPad(held, recent, this.usable ? this.reached : null)}
+        ${drawPad(held, recent, this.usable ? this.reached : null, columns)}
       </svg>
       ${this.usable ? this.renderGrip(raw) : this.renderEncoder(raw)}
       <div class="held" aria-hidden="true">${value}</div>
       <ol aria-label=${text.keys.recent}>
         ${last.map((entry) => this.renderEntry(entry))}
       </ol>`;
+  }
+
+  private get columns(): number {
+    return this.usable && byFinger.matches ? narrow : wide;
   }
 
   private renderEncoder(raw: number | null) {
@@ -179,7 +196,7 @@ export class KeyPad extends LitElement {
     const code = this.codeAt(event);
     if (code === null || event.repeat) return;
     if (isPress(event)) this.hand(code);
-    const next = neighbour(code, event.key);
+    const next = neighbour(code, event.key, this.columns);
     if (next === code && !isPress(event)) return;
     event.preventDefault();
     this.reached = next;

@@ -85,6 +85,18 @@ export const paneStyle = css`
       outline-offset: -4px;
     }
   }
+  /* The rows in a line of their own: what is written keeps its room. */
+  @container (max-width: 22rem) {
+    .rows {
+      flex: 1 1 100%;
+    }
+    .rows .key {
+      flex: 1;
+    }
+    .field {
+      flex: 1 1 0;
+    }
+  }
   .hint {
     color: var(--faint);
     font-size: 0.75rem;

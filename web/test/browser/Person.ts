@@ -30,6 +30,7 @@ export interface Look {
   height?: number;
   theme?: 'dark' | 'light';
   touch?: boolean;
+  at?: string; // a hub other than the site's, and a view of it
 }
 
 function escaped(name: string): string {
@@ -58,16 +59,17 @@ export class Person {
 
   static async arrives(look: Look = {}): Promise<Person> {
     const opened = await openBrowser();
-    const { width = 1440, height = 900, theme = 'dark', touch = false } = look;
+    const { width = 1440, height = 900, theme = 'dark', touch = false, at = address } = look;
     const context = await opened.newContext({
       viewport: { width, height },
       colorScheme: theme,
       hasTouch: touch,
       reducedMotion: 'reduce',
+      timezoneId: 'UTC',
     });
     const person = new Person(await context.newPage());
     person.page.setDefaultTimeout(patience);
-    await person.page.goto(address);
+    await person.page.goto(at);
     await person.page.getByRole('heading', { level: 1, name: /./ }).waitFor();
     return person;
   }

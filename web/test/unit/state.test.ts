@@ -91,6 +91,23 @@ test('a lost connection says nothing about the daemon', () => {
   assert.deepEqual(words('lost'), ['unknown', 'unknown', 'lost']);
 });
 
+test('a broker is told with its host, and why it refuses', () => {
+  const broker = { state: 'refused' as const, host: 'mqtt.local', detail: 'not authorised' };
+  const row = (connection: 'open' | 'lost') =>
+    healthOf({ connection, bus: { ...bus, broker } }).find(({ part }) => part === 'broker');
+  assert.deepEqual(row('open'), {
+    part: 'broker',
+    sign: 'wrong',
+    word: 'refused',
+    detail: 'mqtt.local, not authorised',
+  });
+  assert.equal(row('lost')?.word, 'unknown');
+  assert.equal(
+    healthOf({ connection: 'open', bus }).some(({ part }) => part === 'broker'),
+    false,
+  );
+});
+
 test('cards stand by address in sixteen slots, till somebody arranges them', () => {
   const cards = { 3: card('3'), 5: card('5'), E: card('E') };
   const plain = arrange(cards, {});

@@ -3,6 +3,7 @@ import type { History } from '../../api/Past.js';
 import type { PlotIntent } from '../Intent.js';
 import { type Plots, windowOf, withChannels, withHistory } from '../plots.js';
 import type { Deeds, Hub } from './Deeds.js';
+import { keepPlots } from './kept.js';
 
 const pointsInWindow = 500;
 const windows = 3; // that and two before it: to look back, and for values that have long held
@@ -10,10 +11,12 @@ const windows = 3; // that and two before it: to look back, and for values that 
 export const plotDeeds: Deeds<PlotIntent> = {
   plot: (hub, { channels }) => {
     put(hub, withChannels(hub.state.plots, channels));
+    keepPlots(hub.state.plots);
     return read(hub);
   },
   'plot-look': (hub, { span, end }) => {
     put(hub, { ...hub.state.plots, span, end });
+    keepPlots(hub.state.plots);
     return read(hub);
   },
 };
@@ -25,11 +28,16 @@ function put(hub: Hub, plots: Plots): void {
 function read(hub: Hub): Promise<void> {
   return hub.latest.run('plots', async () => {
     try {
-      await Promise.all(hub.state.plots.channels.map((channel) => readOne(hub, channel)));
+      await Promise.all(channelsThere(hub).map((channel) => readOne(hub, channel)));
     } catch (reason) {
       hub.refuse(reason);
     }
   });
+}
+
+// Of a card that was there before a reload nothing can be asked.
+function channelsThere({ state }: Hub): string[] {
+  return state.plots.channels.filter((id) => id.charAt(0) in state.cards);
 }
 
 // A live window asks up to the hub's own now.

@@ -48,12 +48,14 @@ export class About extends LitElement {
     const since = bus.daemon.since
       ? `${facts.since} ${new Date(bus.daemon.since).toLocaleString('en-GB')}`
       : null;
+    const broker = bus.broker;
     const yes = (flag: boolean | null) =>
       flag === null ? facts.unknown : flag ? facts.yes : facts.no;
     const rows: [string, string][] = [
       [facts.page, QELM_VERSION],
       [facts.daemon, joined(bus.daemon.version, words[bus.daemon.state], since)],
       [facts.adapter, joined(bus.adapter.version, words[bus.adapter.state], bus.adapter.device)],
+      [facts.broker, broker ? joined(words[broker.state], broker.host, broker.detail) : facts.none],
       [facts.bus, joined(bus.name, bus.virtual ? facts.virtual : null)],
       [facts.id, bus.id],
       [facts.pace, bus.pace === null ? facts.unknown : `${bus.pace} %`],
