@@ -32,7 +32,7 @@ export default ts.config(
   {
     languageOptions: {
       parserOptions: {
-        projectService: { allowDefaultProject: ['*.js', '*.mjs', 'test/*.mjs'] },
+        projectService: { allowDefaultProject: ['*.js', '*.mjs', 'test/*.mjs', 'bench/*.mjs'] },
         tsconfigRootDir: fileURLToPath(new URL('.', import.meta.url)),
       },
     },
@@ -60,5 +60,5 @@ export default ts.config(
       },
     },
   },
-  { files: ['test/**'], rules: { '@typescript-eslint/no-floating-promises': 'off' } },
+  { files: ['test/**', 'bench/**'], rules: { '@typescript-eslint/no-floating-promises': 'off' } },
 );

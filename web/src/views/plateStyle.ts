@@ -67,7 +67,8 @@ export const plateStyle = css`
     padding: 0.5rem 0.75rem 0.75rem;
   }
   .lines {
-    --line-height: 1.1875rem;
+    --line-height: 1.125rem;
+    --line-scale: 1;
     display: grid;
     column-gap: 1rem;
   }
@@ -89,6 +90,7 @@ export const plateStyle = css`
   @container (min-width: 17rem) {
     .lines {
       --line-height: var(--touch);
+      --line-scale: inherit;
       grid-template-columns: repeat(2, minmax(0, 1fr));
       grid-template-rows: repeat(8, auto);
       grid-auto-flow: column;

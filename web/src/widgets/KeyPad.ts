@@ -97,6 +97,7 @@ export class KeyPad extends LitElement {
         }
         ol {
           justify-self: stretch;
+          min-height: 4rem;
         }
       }
     `,

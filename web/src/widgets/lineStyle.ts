@@ -22,11 +22,11 @@ export const lineStyle = css`
   }
   .drawing {
     width: 100%;
-    height: calc(1.125rem * var(--line-scale));
+    height: min(calc(1.125rem * var(--line-scale)), var(--line-height, 100%));
   }
   .bulb {
     width: 100%;
-    height: calc(1.25rem * var(--line-scale));
+    height: min(calc(1.25rem * var(--line-scale)), var(--line-height, 100%));
     overflow: visible;
   }
   qelm-name {

@@ -30,7 +30,10 @@ export interface Look {
   height?: number;
   theme?: 'dark' | 'light';
   touch?: boolean;
+  scale?: number; // dots a pixel
   at?: string; // a hub other than the site's, and a view of it
+  now?: string; // the time stands still there
+  plots?: string[]; // channels that were drawn before
 }
 
 function escaped(name: string): string {
@@ -64,11 +67,17 @@ export class Person {
       viewport: { width, height },
       colorScheme: theme,
       hasTouch: touch,
+      deviceScaleFactor: look.scale ?? 1,
       reducedMotion: 'reduce',
       timezoneId: 'UTC',
     });
     const person = new Person(await context.newPage());
     person.page.setDefaultTimeout(patience);
+    if (look.now !== undefined) await person.page.clock.setFixedTime(look.now);
+    if (look.plots)
+      await person.page.addInitScript((kept) => {
+        localStorage.setItem('qelm-plots', kept);
+      }, JSON.stringify({ channels: look.plots }));
     await person.page.goto(at);
     await person.page.getByRole('heading', { level: 1, name: /./ }).waitFor();
     return person;

@@ -31,6 +31,7 @@ interface Request {
 }
 
 export class StandIn {
+  isAway = false; // takes no connection
   private readonly sockets = new Set<Socket>();
   private seq: number;
 
@@ -97,6 +98,10 @@ export class StandIn {
   }
 
   private accept({ headers }: IncomingMessage, socket: Socket): void {
+    if (this.isAway) {
+      socket.destroy();
+      return;
+    }
     const key = createHash('sha1')
       .update((headers['sec-websocket-key'] ?? '') + acceptance)
       .digest('base64');

@@ -61,6 +61,19 @@ export const eightCards = fullCards
   .filter(({ address }) => '034589EF'.includes(address))
   .map((each) => (each.address === '5' ? { ...each, name: 'Relays' } : each));
 
+export const now = '2026-11-21T12:10:00.000Z';
+
+// A curve of ten minutes: as good as any.
+const history = {
+  channel: 'F.3',
+  unit: null,
+  step_ms: 0,
+  points: Array.from({ length: 60 }, (_, step) => {
+    const value = Math.round(120 + 90 * Math.sin(step / 7));
+    return [Date.parse(now) - (60 - step) * 10_000, value, value, value];
+  }),
+};
+
 const journal = {
   entries: [
     { seq: 1, time: '2026-11-21T11:58:02.000Z', kind: 'hub', text: 'started', by: null },
@@ -72,6 +85,7 @@ const journal = {
 };
 
 const answers = {
+  'history.get': history,
   'journal.get': journal,
   'setup.get': { cards: {}, channels: {} },
   'accounts.list': { accounts: [{ account: 'operator', role: 'admin' }] },

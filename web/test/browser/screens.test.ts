@@ -1,59 +1,104 @@
-// Pictures of the page in its sizes and themes, for people to look at: QELM_SCREENS is their folder.
+// Every view in its sizes and themes, compared with the pictures in docs/screens. With QELM_KEEP=1
+// they are taken anew; look at them before they are committed. What differs is put into QELM_SCREENS.
 import assert from 'node:assert/strict';
-import { mkdirSync } from 'node:fs';
+import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 
-import { closeBrowser, Person } from './Person.js';
-import { Site } from './Site.js';
+import { snapshot } from '../unit/kit.js';
+import { closeBrowser, type Look, Person } from './Person.js';
+import { differing } from './pictures.js';
+import { eightCards, fullCards, now, scene } from './scenes.js';
+import { type Scene, StandIn } from './StandIn.js';
 
-const folder = process.env['QELM_SCREENS'] ?? join(tmpdir(), 'qelm-screens');
+const kept = join(process.env['QELM_ROOT'] ?? '', 'docs/screens');
+const failed = process.env['QELM_SCREENS'] ?? join(tmpdir(), 'qelm-screens');
+const tolerance = 150; // dots: less than the edges of a button that has moved
+
 const sizes = [
   { width: 320, height: 640 },
   { width: 768, height: 1024 },
   { width: 1440, height: 900 },
-  { width: 2560, height: 1440 },
 ];
+const wall = { width: 2560, height: 1440, scale: 0.5 };
+const eight = { snapshot: snapshot([...eightCards]) };
+const nobody = { who: { account: null, role: null } };
 
-let site: Site;
+type Theme = 'dark' | 'light';
+
+interface Shot {
+  name: string;
+  shown: Partial<Scene>;
+  view: string;
+  shows: string | RegExp; // when it is ready
+  sizes: Look[];
+  themes?: Theme[]; // both, where none are given
+}
+
+const shots: Shot[] = [
+  { name: 'bench', shown: eight, view: 'bench', shows: 'Servos', sizes: [...sizes, wall] },
+  { name: 'full', shown: {}, view: 'bench', shows: 'Servos', sizes: sizes.slice(2), themes: ['dark'] },
+  { name: 'first-run', shown: { snapshot: snapshot([]) }, view: 'bench', shows: /empty/, sizes },
+  { name: 'log-in', shown: nobody, view: 'bench', shows: 'Password', sizes },
+  { name: 'plots', shown: eight, view: 'plots', shows: 'F.3', sizes },
+  { name: 'console', shown: eight, view: 'console', shows: /Nothing said/, sizes },
+  { name: 'journal', shown: eight, view: 'journal', shows: 'started', sizes },
+  { name: 'settings', shown: eight, view: 'settings', shows: 'Cards and channels', sizes },
+];
+let hub: StandIn;
 
 before(async () => {
-  mkdirSync(folder, { recursive: true });
-  site = await Site.start();
-  await site.cardsAnswer();
-  await site.api('PATCH', '/api/names', {
-    bus: 'bench',
-    cards: { 0: 'Arm', 5: 'Relays', E: 'Counter', F: 'Front panel' },
-    channels: { '5.0': 'Lamp', '5.1': 'Fan', '5.2': 'Pump', '3.6': 'Lid closed', '0.0': 'Elbow' },
-  });
-  await site.api('PATCH', '/api/setup', {
-    channels: { 'F.3': { unit: 'V', max: 5, decimals: 2 } },
-    cards: { 4: { signed: true } },
-  });
-  await site.api('PATCH', '/api/cards/5', { 0: true, 2: true });
-  await site.api('PATCH', '/api/cards/0', { 0: 40, 1: 200 });
-  await site.api('PATCH', '/api/cards/4', { 0: 60, 1: -35 });
-  await site.api('POST', '/api/cards/E/control', { do: 'clear' });
-  await site.api('POST', '/api/cards/E/control', { do: 'light-on' });
-  await site.api('POST', '/api/cards/E/text', { row: 1, column: 3, text: 'Tail of the cat' });
-  await site.bus('press 3 06');
-  await site.bus('set F 03 A0');
+  hub = await StandIn.start(scene(fullCards));
 });
 
 after(async () => {
   await closeBrowser();
-  await site.stop();
+  await hub.stop();
 });
 
-for (const theme of ['dark', 'light'] as const)
-  for (const size of sizes)
-    test(`the bench at ${size.width}, ${theme}, is not wider than the screen`, async () => {
-      const anna = await Person.arrives({ ...size, theme });
-      await anna.sees('Lid closed', 'on');
-      const width = await anna.page.evaluate(() => document.documentElement.scrollWidth);
-      assert.equal(width, size.width);
-      const path = join(folder, `bench-${size.width}-${theme}.png`);
-      await anna.page.screenshot({ path, fullPage: true });
-      await anna.leaves();
-    });
+async function taken(shot: Shot, look: Look): Promise<Person> {
+  hub.show({ ...scene(fullCards), ...shot.shown });
+  const plots = shot.name === 'plots' ? ['F.3', '5.0'] : [];
+  const at = `${hub.address}/#${shot.view}`;
+  const person = await Person.arrives({ ...look, at, now, plots });
+  await person.page.getByText(shot.shows).first().waitFor();
+  return person;
+}
+
+function compare(name: string, picture: Buffer): void {
+  if (process.env['QELM_KEEP']) {
+    writeFileSync(join(kept, name), picture);
+    return;
+  }
+  const dots = differing(readFileSync(join(kept, name)), picture);
+  if (dots <= tolerance) return;
+  mkdirSync(failed, { recursive: true });
+  writeFileSync(join(failed, name), picture);
+  assert.fail(`${dots} dots of ${name} differ; see ${failed}`);
+}
+
+for (const shot of shots)
+  for (const size of shot.sizes)
+    for (const theme of shot.themes ?? (['dark', 'light'] as const))
+      test(`${shot.name} at ${String(size.width)}, ${theme}, looks as it did`, async () => {
+        const anna = await taken(shot, { ...size, theme });
+        const width = await anna.page.evaluate(() => document.documentElement.scrollWidth);
+        assert.equal(width, size.width);
+        const picture = await anna.page.screenshot({ fullPage: shot.name === 'bench' });
+        compare(`${shot.name}-${String(size.width)}-${theme}.png`, picture);
+        await anna.leaves();
+      });
+
+test('a button that has moved by its edge is noticed', async () => {
+  const [bench] = shots;
+  if (!bench) throw new Error('no bench');
+  const anna = await taken(bench, { width: 1440, height: 900 });
+  const first = await anna.page.screenshot();
+  assert.ok(differing(first, await anna.page.screenshot()) <= tolerance);
+  await anna.page.getByRole('button', { name: 'Arrange' }).evaluate((button) => {
+    button.style.translate = '4px';
+  });
+  assert.ok(differing(first, await anna.page.screenshot()) > tolerance);
+  await anna.leaves();
+});

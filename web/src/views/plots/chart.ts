@@ -24,6 +24,7 @@ export interface Sheet {
 
 export const sideWidth = 48; // px, for the marks of values
 const footHeight = 24; // px
+const markWidth = 40; // px, of most marks of time
 const minute = 60;
 const day = 86_400;
 
@@ -50,6 +51,11 @@ export function timeMark(time: number, apart: number): string {
   if (apart >= day || isMidnight) return form({ day: 'numeric', month: 'short' });
   if (apart >= minute) return form({ hour: '2-digit', minute: '2-digit' });
   return form({ hour: '2-digit', minute: '2-digit', second: '2-digit' });
+}
+
+// A mark at the right end would be cut off.
+function fits(chart: uPlot, time: number): boolean {
+  return chart.valToPos(time, 'x') < chart.width - sideWidth - markWidth / 2;
 }
 
 export function chartOptions(sheet: Sheet, width: number, height: number): uPlot.Options {
@@ -86,8 +92,8 @@ export function chartOptions(sheet: Sheet, width: number, height: number): uPlot
         gap: 4,
         space: 80,
         ticks: { show: false },
-        values: (_chart, times, _axis, _space, apart) =>
-          times.map((time) => (hasTimes ? timeMark(time, apart) : '')),
+        values: (chart, times, _axis, _space, apart) =>
+          times.map((time) => (hasTimes && fits(chart, time) ? timeMark(time, apart) : '')),
       },
       {
         size: sideWidth,
