@@ -74,10 +74,10 @@ async function memory(): Promise<Row[]> {
   const look = await Look.at(browser, hub.address, 1);
   await look.usableAfter();
   const heaps: string[] = [];
-  const each = 200;
+  const each = 1000;
   for (let sent = 0; sent <= million; sent += each) {
     changing.tell(each);
-    if (sent % (20 * each) === 0) await look.frame();
+    if (sent % (4 * each) === 0) await look.frame();
     if (sent % (million / 4) === 0) heaps.push(await look.heap());
   }
   await look.close();
@@ -97,7 +97,12 @@ async function week(): Promise<Row[]> {
   return [['heap at the quarters of a simulated week, MB', 'flat', heaps.join(', ')]];
 }
 
-const rows: Row[] = [...(await loads()), ...(await pace()), ...(await memory()), ...(await week())];
+const rows: Row[] = [];
+for (const part of [loads, pace, memory, week]) {
+  const found = await part();
+  console.error(found.map((row) => row.join(': ')).join('\n'));
+  rows.push(...found);
+}
 const version = browser.version();
 await closeBrowser();
 await hub.stop();

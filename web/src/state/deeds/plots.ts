@@ -1,11 +1,12 @@
 // Curves: which, and which piece of their history.
-import type { History } from '../../api/Past.js';
+import type { History, Point } from '../../api/Past.js';
 import type { PlotIntent } from '../Intent.js';
-import { type Plots, windowOf, withChannels, withHistory } from '../plots.js';
+import { day, type Plots, windowOf, withChannels, withHistory } from '../plots.js';
 import type { Deeds, Hub } from './Deeds.js';
 import { keepPlots } from './kept.js';
 
 const pointsInWindow = 500;
+const longestBefore = 366 * day;
 const windows = 3; // that and two before it: to look back, and for values that have long held
 
 export const plotDeeds: Deeds<PlotIntent> = {
@@ -40,15 +41,39 @@ function channelsThere({ state }: Hub): string[] {
   return state.plots.channels.filter((id) => id.charAt(0) in state.cards);
 }
 
-// A live window asks up to the hub's own now.
+// A live window asks up to the hub's own now. The hub tells changes only: where the window begins with
+// none, what held then is looked for before it.
 async function readOne(hub: Hub, channel: string): Promise<void> {
   const { plots } = hub.state;
   const { from, to } = windowOf(plots, Date.now());
-  const span = {
-    from: Math.round(to - windows * (to - from)),
+  const begin = Math.round(to - windows * (to - from));
+  const history = await ask(hub, {
+    channel,
+    points: windows * pointsInWindow,
+    from: begin,
     ...(plots.end ? { to: Math.round(to) } : {}),
-  };
-  const asked = { channel, points: windows * pointsInWindow, ...span };
-  const history = (await hub.ask('history.get', asked)) as History;
-  put(hub, withHistory(hub.state.plots, history));
+  });
+  const [first] = history.points;
+  const held = first && first[0] > from ? await heldBefore(hub, channel, begin) : null;
+  const points = held ? [held, ...history.points] : history.points;
+  put(hub, withHistory(hub.state.plots, { ...history, points }));
+}
+
+// The last value before a moment: found in a step of a year, then in finer steps of that step.
+async function heldBefore(hub: Hub, channel: string, moment: number): Promise<Point | null> {
+  let span = { from: Math.max(0, moment - longestBefore), to: moment };
+  for (;;) {
+    const { points, step_ms: step } = await ask(hub, { channel, points: pointsInWindow, ...span });
+    const last = points.at(-1);
+    if (!last) return null;
+    const [time, , least, most] = last;
+    const end = Math.min(moment, time + step);
+    const isFinest = step === 0 || end - time >= span.to - span.from;
+    if (least === most || isFinest) return last;
+    span = { from: time, to: end };
+  }
+}
+
+async function ask(hub: Hub, span: object): Promise<History> {
+  return (await hub.ask('history.get', span)) as History;
 }
