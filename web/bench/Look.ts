@@ -49,7 +49,9 @@ export class Look {
   }
 
   async usableAfter(): Promise<number> {
-    await this.page.waitForFunction(() => window.measured.usable !== null);
+    await this.page.waitForFunction(() => window.measured.usable !== null, null, {
+      timeout: 120_000,
+    });
     return this.page.evaluate(() => window.measured.usable ?? 0);
   }
 

@@ -9,7 +9,7 @@ import { fullCards, scene } from '../test/browser/scenes.js';
 import { Changing } from './Changing.js';
 import { Look } from './Look.js';
 
-const rounds = 5;
+const rounds = 3;
 const rate = 1000; // changes a second
 const beat = 20; // ms between two messages
 const rateTime = 10_000; // ms
@@ -65,7 +65,11 @@ async function pace(): Promise<Row[]> {
   const busy = ((after.busy - before.busy) / seconds) * 100;
   await look.close();
   return [
-    ['pictures a second, 1,000 changes a second', '50', `${((after.frames - before.frames) / seconds).toFixed(0)}`],
+    [
+      'pictures a second, 1,000 changes a second',
+      '50',
+      `${((after.frames - before.frames) / seconds).toFixed(0)}`,
+    ],
     ['main thread busy meanwhile', '60 %', `${busy.toFixed(0)} %`],
   ];
 }

@@ -15,7 +15,8 @@ let browser: Browser | undefined;
 export async function openBrowser(): Promise<Browser> {
   browser ??= await chromium.launch({
     executablePath: process.env['CHROMIUM'] ?? '/usr/bin/chromium',
-    args: ['--no-sandbox'],
+    // Pages that nobody looks at would be drawn when others leave time for it.
+    args: ['--no-sandbox', '--disable-renderer-backgrounding'],
   });
   return browser;
 }
@@ -75,9 +76,12 @@ export class Person {
     person.page.setDefaultTimeout(patience);
     if (look.now !== undefined) await person.page.clock.setFixedTime(look.now);
     if (look.plots)
-      await person.page.addInitScript((kept) => {
-        localStorage.setItem('qelm-plots', kept);
-      }, JSON.stringify({ channels: look.plots }));
+      await person.page.addInitScript(
+        (kept) => {
+          localStorage.setItem('qelm-plots', kept);
+        },
+        JSON.stringify({ channels: look.plots }),
+      );
     await person.page.goto(at);
     await person.page.getByRole('heading', { level: 1, name: /./ }).waitFor();
     return person;

@@ -11,7 +11,8 @@ import { frame, textsIn } from './frames.js';
 
 const dist = join(process.env['QELM_ROOT'] ?? '', 'web/dist');
 const acceptance = '258EAFA5-E914-47DA-95CA-C5AB0DC85B11'; // RFC 6455
-const policy = "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; connect-src 'self'";
+const policy =
+  "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; connect-src 'self'";
 const types: Record<string, string> = {
   '.html': 'text/html; charset=utf-8',
   '.js': 'text/javascript',
@@ -126,7 +127,11 @@ export class StandIn {
       'session.who': who,
       ...answers,
     };
-    const error = { code: -32000, message: 'no', data: { title: 'no', status: 404, detail: method } };
+    const error = {
+      code: -32000,
+      message: 'no',
+      data: { title: 'no', status: 404, detail: method },
+    };
     const outcome = method in known ? { result: known[method] } : { error };
     socket.write(frame(JSON.stringify({ jsonrpc: '2.0', id, ...outcome })));
     if (method === 'live.subscribe') this.sockets.add(socket);

@@ -217,7 +217,10 @@ test('a broker that refuses is seen in the bar and in the settings', async () =>
   const broker = { state: 'refused' as const, host: 'mqtt.local', detail: 'not authorised' };
   const shown = { snapshot: snapshot([...eightCards], { bus: { ...bus, broker } }) };
   const anna = await arrives(shown, {}, 'settings');
-  await anna.page.getByRole('listitem').filter({ hasText: /Broker\s*refused/ }).waitFor();
+  await anna.page
+    .getByRole('listitem')
+    .filter({ hasText: /Broker\s*refused/ })
+    .waitFor();
   await anna.presses('About');
   await anna.reads('refused, mqtt.local, not authorised');
   await anna.leaves();

@@ -95,7 +95,9 @@ test('what is seen is saved, a row a change', async () => {
   await anna.presses('Save as CSV');
   const file = await coming;
   assert.equal(file.suggestedFilename(), 'bench-2026-11-21.csv');
-  const rows = readFileSync(await file.path(), 'utf8').trimEnd().split('\r\n');
+  const rows = readFileSync(await file.path(), 'utf8')
+    .trimEnd()
+    .split('\r\n');
   assert.equal(rows[0], 'time,channel,name,mean,least,most,unit');
   assert.equal(rows[1], '2026-11-21T12:00:00.000Z,F.3,Input 3,120,120,120,');
   assert.equal(rows[2], '2026-11-21T12:00:10.000Z,F.3,Input 3,133,133,133,');

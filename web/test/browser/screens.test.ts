@@ -38,7 +38,14 @@ interface Shot {
 
 const shots: Shot[] = [
   { name: 'bench', shown: eight, view: 'bench', shows: 'Servos', sizes: [...sizes, wall] },
-  { name: 'full', shown: {}, view: 'bench', shows: 'Servos', sizes: sizes.slice(2), themes: ['dark'] },
+  {
+    name: 'full',
+    shown: {},
+    view: 'bench',
+    shows: 'Servos',
+    sizes: sizes.slice(2),
+    themes: ['dark'],
+  },
   { name: 'first-run', shown: { snapshot: snapshot([]) }, view: 'bench', shows: /empty/, sizes },
   { name: 'log-in', shown: nobody, view: 'bench', shows: 'Password', sizes },
   { name: 'plots', shown: eight, view: 'plots', shows: 'F.3', sizes },

@@ -47,7 +47,8 @@ test('what held at the beginning of a window is looked for, in ever finer steps'
   const curve = await curveAfter(({ from, to }) => {
     asked.push(to);
     if (to === end) return { points: [[changed, 7, 7, 7]] };
-    if (from < before - minute) return { points: [[before - minute, 4, 3, 5]], step_ms: 2 * minute };
+    if (from < before - minute)
+      return { points: [[before - minute, 4, 3, 5]], step_ms: 2 * minute };
     return { points: [[before, 3, 3, 3]] };
   });
   assert.deepEqual(curve, [
