@@ -36,8 +36,9 @@ Program::~Program() {
   WaitForExit();
 }
 
+// Somebody else may have waited for it: whoever ends all children of the test.
 bool Program::IsRunning() {
-  if (pid_ != -1 && waitpid(pid_, &status_, WNOHANG) == pid_) pid_ = -1;
+  if (pid_ != -1 && waitpid(pid_, &status_, WNOHANG) != 0) pid_ = -1;
   return pid_ != -1;
 }
 
@@ -51,7 +52,9 @@ int Program::WaitForExit() {
   return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1;
 }
 
-void Program::Signal(int number) const { kill(pid_, number); }
+void Program::Signal(int number) const {
+  if (pid_ != -1) kill(pid_, number);  // -1 would be everybody
+}
 
 void Host::SendRaw(const Bytes& bytes) { line_.Send(std::string(bytes.begin(), bytes.end())); }
 

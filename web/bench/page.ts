@@ -68,7 +68,7 @@ async function pace(): Promise<Row[]> {
     [
       'pictures a second, 1,000 changes a second',
       '50',
-      `${((after.frames - before.frames) / seconds).toFixed(0)}`,
+      ((after.frames - before.frames) / seconds).toFixed(0),
     ],
     ['main thread busy meanwhile', '60 %', `${busy.toFixed(0)} %`],
   ];

@@ -131,7 +131,7 @@ TEST(NameSettings, WhatDoesNotFitIsAnError) {
        "f:2:16: `device-class` is \"gate\"; it takes a device class of Home Assistant, such as "
        "\"door\" or \"temperature\""},
       {"[infrared]\n434f = \"TV on\"\n",
-       "f:2:1: `434f` is no code; it takes up to 35 bytes in capitals: \"434F\""},
+       "f:2:8: `434f` is no code; it takes up to 35 bytes in capitals: \"434F\""},
       {"[infrared]\n434F = \"\"\n",
        "f:2:8: `434F` is \"\"; it takes 1 to 64 bytes of text without control characters"},
       {"[channel.\"F.3\"]\nmax = 5\n", "f:2:7: `max` means nothing without `unit`"},

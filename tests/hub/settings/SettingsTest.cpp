@@ -138,7 +138,7 @@ TEST(Settings, AnUnknownKeyIsAnErrorAndSaysWhatWasMeant) {
   EXPECT_EQ(Error("[htpp]\n"), "hub.toml:1:2: unknown section `htpp`; is it `http`?");
   EXPECT_EQ(Error("port = 1\n"),
             "hub.toml:1:1: unknown section `port`; there are daemon, http, text, store, broker, "
-            "names, channel, card, virtual-bus");
+            "names, channel, card, infrared, virtual-bus");
 }
 
 TEST(Settings, AnUnknownKeyIsNamedWithoutItsValue) {
