@@ -10,15 +10,23 @@ constexpr char kMosquitto[] = "/usr/sbin/mosquitto";
 constexpr char kListener[] = "/usr/bin/mosquitto_sub";
 constexpr char kTeller[] = "/usr/bin/mosquitto_pub";
 
+// At once: neither has anything to put in order.
+void End(std::unique_ptr<virtualbus::Program>& program) {
+  if (!program) return;
+  program->Signal(SIGKILL);
+  program->WaitForExit();
+  program.reset();
+}
+
 }  // namespace
 
 void BrokerSite::TearDown() {
   if (HasFailure()) std::cout << "--- heard\n" << Heard();
   if (HasFailure() && broker) std::cout << "--- broker\n" << broker->Errors();
-  listener.reset();
+  End(listener);
   if (broker) broker->Signal(SIGCONT);
   HubSite::TearDown();
-  broker.reset();
+  End(broker);
 }
 
 void BrokerSite::StartBroker(const std::string& more, int port) {
@@ -31,12 +39,7 @@ void BrokerSite::StartBroker(const std::string& more, int port) {
   ASSERT_TRUE(WaitUntil([port] { return IsListening(port); })) << broker->Errors();
 }
 
-void BrokerSite::StopBroker() {
-  if (!broker) return;
-  broker->Signal(SIGKILL);
-  broker->WaitForExit();
-  broker.reset();
-}
+void BrokerSite::StopBroker() { End(broker); }
 
 std::string BrokerSite::BrokerSection(const std::string& more_keys) {
   return "[broker]\nhost = \"127.0.0.1\"\nname = \"bench\"\n" + more_keys;
@@ -45,7 +48,7 @@ std::string BrokerSite::BrokerSection(const std::string& more_keys) {
 void BrokerSite::StartAllWith(const std::string& more_keys) { StartAll(BrokerSection(more_keys)); }
 
 void BrokerSite::Listen(const std::string& filter) {
-  listener.reset();
+  End(listener);
   listener = std::make_unique<virtualbus::Program>(
       listener_folder_, kListener,
       std::vector<std::string>{"-h", "127.0.0.1", "-F", "%r %t %p", "-t", filter, "-t", "ready"});
@@ -53,6 +56,10 @@ void BrokerSite::Listen(const std::string& filter) {
     Tell("ready", "now");
     return HasHeard("0 ready now\n");
   }));
+}
+
+void BrokerSite::ExpectLevel(const std::string& level) {
+  EXPECT_TRUE(WaitUntil([&] { return HasHeard(" " + level + "\n"); })) << level;
 }
 
 bool BrokerSite::HasHeard(const std::string& text) const {

@@ -26,6 +26,7 @@ class BrokerSite : public HubSite {
   void Listen(const std::string& filter = "qelm/#");
   // This message was heard, or is soon: "0 qelm/bench/5/0 ON".
   void ExpectHeard(const std::string& line);
+  void ExpectLevel(const std::string& level);  // kept before, or told since
   bool HasHeard(const std::string& text) const;
   size_t TimesHeard(const std::string& text) const;
   std::string Heard() const { return listener ? listener->Output() : ""; }

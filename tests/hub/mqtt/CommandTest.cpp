@@ -74,7 +74,7 @@ TEST_F(BrokerCommands, WhatIsNotRightIsAnsweredAndDoesNothing) {
   ExpectError("E/row/4/set", 422, "row 4; the glass has rows 0 to 3");
   Tell("qelm/bench/5/7/set", "ON");  // the first that is right
   ExpectHeld("5", "Lines 7F FF");
-  EXPECT_EQ(WritesTo("5"), std::vector<std::string>{"02 7F FF"});
+  EXPECT_EQ(WritesTo("5"), std::vector<std::string>{"7F FF"});
   EXPECT_EQ(Metric(R"(qelm_commands_total{door="broker",outcome="done"})"), 1);
   EXPECT_EQ(Metric(R"(qelm_commands_total{door="broker",outcome="refused"})"), 12);
 }
