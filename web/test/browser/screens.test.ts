@@ -37,7 +37,8 @@ interface Shot {
 }
 
 const shots: Shot[] = [
-  { name: 'bench', shown: eight, view: 'bench', shows: 'Servos', sizes: [...sizes, wall] },
+  { name: 'bench', shown: eight, view: 'bench', shows: 'Servos', sizes },
+  { name: 'bench', shown: eight, view: 'bench', shows: 'Servos', sizes: [wall], themes: ['dark'] },
   {
     name: 'full',
     shown: {},

@@ -34,7 +34,9 @@ async function curveAfter(answer: (span: Span) => Partial<History>): Promise<rea
     },
     ask: (_method: string, span: object) =>
       Promise.resolve({ channel: 'F.3', unit: null, step_ms: 0, ...answer(span as Span) }),
-    refuse: (why: unknown) => assert.fail(String(why)),
+    refuse: (reason: unknown) => {
+      throw reason;
+    },
   } as unknown as Hub;
   await plotDeeds['plot-look'](hub, { do: 'plot-look', span: 10 * minute, end });
   return state.plots.curves['F.3'] ?? [];
