@@ -13,12 +13,12 @@ namespace {
 
 constexpr std::chrono::hours kUsualSpan{24};
 constexpr int64_t kUsualPoints = 500;
-constexpr int64_t kRetrySeconds = 1;
+constexpr int kRetryStoreSeconds = 1;
 
 // What the store answers, where it answers.
 template <typename Value>
 Value Answered(std::optional<Value> value) {
-  if (!value) throw RetryLater(503, "too many questions to the store at once", kRetrySeconds);
+  if (!value) throw RetryLater(503, "too many questions to the store at once", kRetryStoreSeconds);
   return std::move(*value);
 }
 
