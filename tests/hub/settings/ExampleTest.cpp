@@ -49,9 +49,11 @@ TEST(Example, HasEachKeyOnce) {
       "discovery", "boards",
       "[names]", "bus", "\"5\"", "\"5.0\"",
       "[channel.\"F.3\"]", "unit", "min", "max", "decimals", "hysteresis",
-      "[channel.\"5.1\"]", "active",
+      "[channel.\"5.1\"]", "active", "as",
+      "[channel.\"3.0\"]", "device-class",
       "[card.E]", "rows", "columns",
       "[card.4]", "signed", "keep",
+      "[infrared]", "434F",
       "[virtual-bus]", "control",
       // clang-format on
   };
