@@ -108,15 +108,15 @@ void Bus::TakeInput(const protocol::InputReport& report, Time now) {
   TakeBlock(*card, report.block, report.value, now);
 }
 
-// The first byte of a key card says where it stands, not what has happened.
+// The daemon reports what changes, from no key on: a key in the first byte has been pressed. Where
+// the encoder stood before nobody knows.
 void Bus::TakeKeys(Card& card, uint8_t value, Time now) {
-  Channel& channel = card.channels[0];
-  if (channel.IsKnown()) {
-    for (const KeyEvent& key : KeyEventsBetween(channel.raw, value)) {
-      const Event event{++sequence_, now, card.address, key};
-      events_.Add(event);
-      change_.events.push_back(event);
-    }
+  const Channel& channel = card.channels[0];
+  const uint8_t before = channel.IsKnown() ? channel.raw : WithoutKey(value);
+  for (const KeyEvent& key : KeyEventsBetween(before, value)) {
+    const Event event{++sequence_, now, card.address, key};
+    events_.Add(event);
+    change_.events.push_back(event);
   }
   TakeBlock(card, 0, value, now);
 }

@@ -16,6 +16,8 @@ unsigned PlaceOf(uint8_t byte) { return kPlaces[byte >> kContactShift]; }
 
 }  // namespace
 
+uint8_t WithoutKey(uint8_t byte) { return byte & static_cast<uint8_t>(~kKeyMask); }
+
 std::vector<KeyEvent> KeyEventsBetween(uint8_t before, uint8_t after) {
   std::vector<KeyEvent> events;
   const uint8_t was = before & kKeyMask;

@@ -16,6 +16,8 @@ struct KeyEvent {
   bool operator==(const KeyEvent&) const = default;
 };
 
+uint8_t WithoutKey(uint8_t byte);  // the encoder where it is, no key pressed
+
 // What has happened between two bytes that follow each other. Right goes through the contacts
 // 00 01 11 10. Where both contacts have changed at once a step was missed, and nobody can say in
 // which direction: no event.

@@ -203,7 +203,8 @@ void Library::End(Ended ended) {
   news.emplace_back(std::move(ended));
 }
 
-// The library calls a fault of TLS EPROTO. Where nothing was said at all, the other end may be one that hangs up on version 5.
+// The library calls a fault of TLS EPROTO. Where nothing was said at all, the other end may be one
+// that hangs up on version 5.
 Ended Library::EndFor(int result) const {
   const int system_error = errno;
   if (farewell_) return *farewell_;

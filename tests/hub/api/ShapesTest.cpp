@@ -200,7 +200,8 @@ TEST_F(ShapesTest, ChangesOfTheBusAndOfCardsAreWhole) {
   const std::string text = ToText(ChangesJson(bus, {}, change, 0));
   EXPECT_EQ(text.substr(0, 46), R"({"after":1,"seq":9,"bus":{"id":"3f9a21c0","nam)");
   EXPECT_NE(text.find(R"("cards":[{"address":"E",)"), std::string::npos);
-  EXPECT_TRUE(text.ends_with(R"("blink":null},"codes":null}],"channels":[],"events":[],"lost":0})"));
+  EXPECT_TRUE(
+      text.ends_with(R"("blink":null},"codes":null}],"channels":[],"events":[],"lost":0})"));
 }
 
 TEST_F(ShapesTest, AChangeOfThePageBringsWhatItKeeps) {

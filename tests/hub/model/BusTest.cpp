@@ -134,9 +134,21 @@ TEST_F(BusTest, AnInputIsNotWrittenAndAnOutputDoesNotReport) {
   EXPECT_TRUE(Published().empty());
 }
 
-TEST_F(BusTest, TheFirstByteOfAKeyCardIsNoEvent) {
-  Report(kKeysAt, 0, 0x05);
+TEST_F(BusTest, AKeyInTheFirstByteHasBeenPressed) {
+  Report(kKeysAt, 0, 0x85);
+  const Change first = Published().at(0);
+  ASSERT_EQ(first.events.size(), 1U);
+  EXPECT_EQ(first.events[0].key, (KeyEvent{KeyEventType::kPress, 5}));
+}
+
+TEST_F(BusTest, AnEncoderInTheFirstByteHasNotBeenTurned) {
+  Report(kKeysAt, 0, 0xC0);
   EXPECT_TRUE(Published().at(0).events.empty());
+}
+
+TEST_F(BusTest, AKeyThatIsLetGoIsAnEvent) {
+  Report(kKeysAt, 0, 0x05);
+  Published();
   Report(kKeysAt, 0, 0x00);
   const Change change = Published().at(0);
   ASSERT_EQ(change.events.size(), 1U);

@@ -149,9 +149,9 @@ void Together::ReadIo() {
     const std::lock_guard guard(lock_);
     std::string& last = reported_[report.substr(0, 4)];
     if (report.starts_with("a8b0")) {
-      // The first byte says where the key pad stands. A key that is held while the link is found
-      // again is reported twice.
-      key_changes_ += !last.empty() && byte != last;
+      // Before the first report no key is pressed. One that is held while the link is found again
+      // is reported twice.
+      key_changes_ += byte != (last.empty() ? "00" : last);
       ++key_reports_;
     }
     last = byte;
