@@ -96,7 +96,8 @@ text::TextOptions TextOptionsOf(const settings::TextOptions& options, bool is_lo
 mqtt::BrokerOptions BrokerOptionsOf(const settings::BrokerOptions& options) {
   return {{options.host, options.port, options.user, options.password_file, options.ca,
            options.certificate, options.key},
-          options.name};
+          options.name,
+          options.boards};
 }
 
 mqtt::Discovery DiscoveryOf(const settings::BrokerOptions& options) {

@@ -20,6 +20,7 @@
 #include "api/PageJson.h"
 #include "api/Problem.h"
 #include "api/Traffic.h"
+#include "boards/Boards.h"
 #include "link/Link.h"
 #include "model/Bus.h"
 #include "model/Clock.h"
@@ -41,6 +42,10 @@ struct House {
   Traffic traffic = {};
   boost::json::object page = ReadPage({});     // what the page keeps, as in effect
   virtualbus::Control* virtual_bus = nullptr;  // none: the bus is a real one
+  boards::Boards boards = {};                  // the other hubs on the broker
+
+  // Null where nobody listens to them.
+  const boards::Boards* Neighbours() const { return boards.IsOn() ? &boards : nullptr; }
 };
 
 struct Request {

@@ -37,7 +37,7 @@ Answer Subscribe(House& house, Request request) {
   const auto given = MaybeInteger(request, "after");
   std::optional<uint64_t> after;
   if (given) after = static_cast<uint64_t>(*given);
-  Reply reply = Done(SnapshotJson(house.bus, house.page, after));
+  Reply reply = Done(SnapshotJson(house.bus, house.page, after, house.Neighbours()));
   reply.live_after = house.bus.Sequence();
   co_return reply;
 }

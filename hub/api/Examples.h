@@ -65,6 +65,50 @@ inline constexpr std::string_view kCode = R"({
   "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
   "min":null, "max":null})";
 
+inline constexpr std::string_view kBoard = R"({
+  "board":"shed", "state":"online", "since":"2026-11-21T12:00:00.000Z",
+  "id":"8c01d2ee", "name":"Shed", "version":"0.3.0",
+  "daemon":{"state":"up", "version":"1.20"},
+  "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"},
+  "virtual":false, "ignored":0, "ignored_why":null})";
+
+inline constexpr std::string_view kBoards = R"({"boards":[{
+  "board":"shed", "state":"stale", "since":"2026-11-21T12:00:00.000Z",
+  "id":"8c01d2ee", "name":"Shed", "version":"0.3.0",
+  "daemon":{"state":"up", "version":"1.20"},
+  "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"},
+  "virtual":false, "ignored":2, "ignored_why":"a value that is none"}]})";
+
+inline constexpr std::string_view kBoardLamp = R"({
+  "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":null, "known":true,
+  "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
+  "unit":null, "min":null, "max":null, "stale_since":null})";
+
+inline constexpr std::string_view kBoardRelays = R"({
+  "address":"5", "kind":"digital-output", "name":"Relays", "state":"present", "keep":null,
+  "polling":null, "glass":null, "codes":null, "stale_since":null,
+  "channels":[{
+    "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":null, "known":true,
+    "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
+    "unit":null, "min":null, "max":null, "stale_since":null}]})";
+
+inline constexpr std::string_view kBoardDisplay = R"({
+  "address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
+  "channels":[], "codes":null, "stale_since":null,
+  "glass":{"rows":["   Tail of the cat  ", "                    "], "known":true, "at":null,
+           "light":true, "cursor":false, "blink":false}})";
+
+inline constexpr std::string_view kBoardCards = R"({"cards":[{
+  "address":"E", "kind":"lcd", "name":null, "state":"silent", "keep":null, "polling":null,
+  "channels":[], "codes":null, "stale_since":"2026-11-21T12:00:00.000Z",
+  "glass":{"rows":["                    "], "known":true, "at":null,
+           "light":null, "cursor":null, "blink":null}}]})";
+
+inline constexpr std::string_view kBoardCode = R"({
+  "id":"9.0", "name":null, "type":"code", "value":null, "raw":null, "known":false,
+  "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null,
+  "stale_since":null})";
+
 inline constexpr std::string_view kSnapshot = R"({
   "seq":1234,
   "bus":{"id":"3f9a21c0", "name":"bench", "seq":1234,

@@ -30,6 +30,19 @@ Answer ControlDisplay(House& house, Request request);
 // Infrared.cpp
 Answer SendCode(House& house, Request request);
 
+// Boards.cpp
+Answer ListBoards(House& house, Request request);
+Answer GetBoard(House& house, Request request);
+Answer ListBoardCards(House& house, Request request);
+Answer GetBoardCard(House& house, Request request);
+Answer GetBoardChannel(House& house, Request request);
+
+// BoardCommands.cpp
+Answer SetBoardChannel(House& house, Request request);
+Answer WriteBoardDisplay(House& house, Request request);
+Answer ControlBoardDisplay(House& house, Request request);
+Answer SendBoardCode(House& house, Request request);
+
 // CardSettings.cpp
 Answer GetCardSettings(House& house, Request request);
 Answer SetCardSettings(House& house, Request request);

@@ -17,7 +17,7 @@ constexpr std::string_view kNoBody;
 
 // A row a method: name, verb and route, role and summary, parameters and handler; examples of the
 // body and of the answer, and the answer's shape.
-constexpr std::array<Method, 44> kMethods{{
+constexpr std::array<Method, 53> kMethods{{
     // clang-format off
     {"bus.get", Verb::kGet, "/api/bus",
      Role::kView, "The daemon, the adapter, pace and polling", lists::kNone, GetBus,
@@ -74,6 +74,34 @@ constexpr std::array<Method, 44> kMethods{{
     {"card.settings.store", Verb::kPost, "/api/cards/{address}/settings/store",
      Role::kAdmin, "Let the card keep it when it is switched off", lists::kCard, StoreCardSettings,
      kNoBody, examples::kServoSettings, "CardSettings"},
+
+    {"boards.list", Verb::kGet, "/api/boards",
+     Role::kView, "The other boards on the broker; 404 where they are not listened to", lists::kNone, ListBoards,
+     kNoBody, examples::kBoards, "Boards"},
+    {"boards.get", Verb::kGet, "/api/boards/{board}",
+     Role::kView, "One of them", lists::kBoard, GetBoard,
+     kNoBody, examples::kBoard, "Board"},
+    {"boards.cards.list", Verb::kGet, "/api/boards/{board}/cards",
+     Role::kView, "Its cards, as it last told of them", lists::kBoard, ListBoardCards,
+     kNoBody, examples::kBoardCards, "Cards"},
+    {"boards.cards.get", Verb::kGet, "/api/boards/{board}/cards/{address}",
+     Role::kView, "One of its cards", lists::kBoardCard, GetBoardCard,
+     kNoBody, examples::kBoardRelays, "Card"},
+    {"boards.channels.get", Verb::kGet, "/api/boards/{board}/channels/{id}",
+     Role::kView, "One of its channels", lists::kBoardChannel, GetBoardChannel,
+     kNoBody, examples::kBoardLamp, "Channel"},
+    {"boards.channels.set", Verb::kPut, "/api/boards/{board}/channels/{id}",
+     Role::kUse, "Set one of its outputs, over the broker", lists::kSetBoardChannel, SetBoardChannel,
+     R"({"value":true})", examples::kBoardLamp, "Channel"},
+    {"boards.lcd.write", Verb::kPost, "/api/boards/{board}/cards/{address}/text",
+     Role::kUse, "Write on one of its displays", lists::kWriteBoardDisplay, WriteBoardDisplay,
+     R"({"row":0, "column":3, "text":"Tail of the cat"})", examples::kBoardDisplay, "Card"},
+    {"boards.lcd.control", Verb::kPost, "/api/boards/{board}/cards/{address}/control",
+     Role::kUse, "Switch the light of one of its displays", lists::kControlBoardDisplay, ControlBoardDisplay,
+     R"({"do":"light-on"})", examples::kBoardDisplay, "Card"},
+    {"boards.ir.send", Verb::kPost, "/api/boards/{board}/cards/{address}/infrared",
+     Role::kUse, "Send an infrared code there", lists::kSendBoardCode, SendBoardCode,
+     R"({"bytes":"434F"})", examples::kBoardCode, "Channel"},
 
     {"console.run", Verb::kPost, "/api/console",
      Role::kAdmin, "A line for the daemon's console, and its answer", lists::kConsole, RunConsole,

@@ -24,13 +24,14 @@ struct Tag {
   std::string_view summary;
 };
 
-constexpr std::array<Tag, 18> kTags{{
+constexpr std::array<Tag, 19> kTags{{
     {"bus", "The bus as a whole"},
     {"cards", "Cards and what is on them"},
     {"card", "What an administrator does with one card"},
     {"channels", "One line, position, drive, level, key or code"},
     {"lcd", "Displays; rows and columns count from 0"},
     {"ir", "Infrared"},
+    {"boards", "The other hubs on the broker, where boards = true"},
     {"console", "The daemon's own console"},
     {"history", "Curves"},
     {"journal", "What happened, and who did it"},
@@ -113,17 +114,19 @@ json::object Content(json::object schema, std::string_view example) {
   return {{"application/json", std::move(media)}};
 }
 
+std::string_view TagOf(const Method& method) {
+  return method.name.substr(0, method.name.find('.'));
+}
+
 json::object AnswersOf(const Method& method) {
   json::object good{{"description", "done"}};
   good["content"] = Content(Reference("schemas", method.reply_shape), method.reply_example);
   json::object answers{{"200", std::move(good)}};
   answers["4XX"] = Reference("responses", "Problem");
   answers["503"] = Reference("responses", "Unavailable");
+  if (TagOf(method) == "boards" && method.role == access::Role::kUse)
+    answers["504"] = Reference("responses", "NoAnswer");
   return answers;
-}
-
-std::string_view TagOf(const Method& method) {
-  return method.name.substr(0, method.name.find('.'));
 }
 
 json::object OperationOf(const Method& method) {
@@ -193,6 +196,7 @@ json::object Answers() {
       json::parse(R"({"Retry-After":{"description":"seconds", "schema":{"type":"integer"}}})");
   json::object answers{{"Problem", ProblemAnswer("what is wrong, where, and what would be right")}};
   answers["Unavailable"] = std::move(unavailable);
+  answers["NoAnswer"] = ProblemAnswer("the other board has not said what became of it");
   return answers;
 }
 

@@ -75,6 +75,22 @@ inline constexpr List<2> kSendCode{{
      255},
 }};
 
+inline constexpr Parameter kBoardName{
+    "board", Type::kText, Place::kPath, true, "its name on the broker", 1, 32};
+inline constexpr List<1> kBoard{{kBoardName}};
+inline constexpr List<2> kBoardCard{{kBoardName, kAddress}};
+inline constexpr List<2> kBoardChannel{{kBoardName, kId}};
+inline constexpr List<5> kSetBoardChannel{
+    {kBoardName, kId, kSetChannel[1], kSetChannel[2], kSetChannel[3]}};
+inline constexpr List<5> kWriteBoardDisplay{
+    {kBoardName, kAddress, kWriteDisplay[1], kWriteDisplay[2], kWriteDisplay[3]}};
+inline constexpr List<3> kControlBoardDisplay{{
+    kBoardName,
+    kAddress,
+    {"do", Type::kText, Place::kBody, true, "what its light does", 0, 0, kLightWords},
+}};
+inline constexpr List<3> kSendBoardCode{{kBoardName, kAddress, kSendCode[1]}};
+
 inline constexpr List<2> kGetCardSettings{{
     kAddress,
     {"ask", Type::kBoolean, Place::kQuery, false,

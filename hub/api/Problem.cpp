@@ -16,7 +16,7 @@ struct StatusTitle {
 };
 
 // The last serves every status that is not in the table.
-constexpr std::array<StatusTitle, 15> kTitles{{
+constexpr std::array<StatusTitle, 16> kTitles{{
     {400, "no JSON"},
     {401, "no login"},
     {403, "not allowed"},
@@ -31,6 +31,7 @@ constexpr std::array<StatusTitle, 15> kTitles{{
     {429, "too fast"},
     {431, "headers too long"},
     {503, "not available"},
+    {504, "no answer"},
     {500, "a fault of the hub"},
 }};
 

@@ -11,7 +11,7 @@ struct Schema {
   std::string_view text;  // JSON
 };
 
-inline constexpr std::array<Schema, 25> kSchemas{{
+inline constexpr std::array<Schema, 28> kSchemas{{
     {"Bus", R"({"type":"object",
       "required":["id", "name", "seq", "daemon", "adapter", "broker", "pace", "polling", "virtual"],
       "properties":{
@@ -55,7 +55,8 @@ inline constexpr std::array<Schema, 25> kSchemas{{
         "channels":{"type":"array", "items":{"$ref":"#/components/schemas/Channel"}},
         "glass":{"anyOf":[{"$ref":"#/components/schemas/Glass"}, {"type":"null"}]},
         "codes":{"type":["object", "null"], "additionalProperties":{"type":"string"},
-                 "description":"infrared codes that have a name, by their bytes"}}})"},
+                 "description":"infrared codes that have a name, by their bytes"},
+        "stale_since":{"$ref":"#/components/schemas/StaleSince"}}})"},
     {"Channel", R"({"type":"object",
       "required":["id", "name", "type", "value", "raw", "known", "assumed", "pending", "since",
                   "unit", "min", "max"],
@@ -73,7 +74,36 @@ inline constexpr std::array<Schema, 25> kSchemas{{
         "since":{"type":["string", "null"], "format":"date-time"},
         "unit":{"type":["string", "null"]},
         "min":{"type":["number", "null"]},
-        "max":{"type":["number", "null"]}}})"},
+        "max":{"type":["number", "null"]},
+        "stale_since":{"$ref":"#/components/schemas/StaleSince"}}})"},
+    {"StaleSince", R"({"type":["string", "null"], "format":"date-time",
+      "description":"of another board only: since when nothing is heard of it"})"},
+    {"Boards", R"({"type":"object", "required":["boards"],
+      "properties":{"boards":{"type":"array", "items":{"$ref":"#/components/schemas/Board"}}}})"},
+    {"Board", R"({"type":"object",
+      "required":["board", "state", "since", "id", "name", "version", "daemon", "adapter",
+                  "virtual", "ignored", "ignored_why"],
+      "properties":{
+        "board":{"type":"string", "pattern":"^[A-Za-z0-9_-]{1,32}$",
+                 "description":"its name on the broker"},
+        "state":{"enum":["online", "stale", "gone"]},
+        "since":{"type":"string", "format":"date-time"},
+        "id":{"type":["string", "null"], "pattern":"^[0-9a-f]{8}$"},
+        "name":{"type":["string", "null"]},
+        "version":{"type":["string", "null"]},
+        "daemon":{"type":"object", "required":["state", "version"],
+          "properties":{
+            "state":{"enum":["absent", "waiting", "up"]},
+            "version":{"type":["string", "null"]}}},
+        "adapter":{"type":"object", "required":["state", "device", "version"],
+          "properties":{
+            "state":{"enum":["unknown", "down", "up"]},
+            "device":{"type":["string", "null"]},
+            "version":{"type":["string", "null"]}}},
+        "virtual":{"type":"boolean"},
+        "ignored":{"type":"integer", "minimum":0,
+                   "description":"messages of it that say nothing"},
+        "ignored_why":{"type":["string", "null"], "description":"of the last of them"}}})"},
     {"Glass", R"({"type":"object", "required":["rows", "known", "at", "light", "cursor", "blink"],
       "properties":{
         "rows":{"type":"array", "items":{"type":"string"}},
@@ -98,7 +128,9 @@ inline constexpr std::array<Schema, 25> kSchemas{{
         "cards":{"type":"array", "items":{"$ref":"#/components/schemas/Card"}},
         "page":{"$ref":"#/components/schemas/Page"},
         "events":{"type":"array", "items":{"$ref":"#/components/schemas/Event"}},
-        "lost":{"type":"integer", "minimum":0}}})"},
+        "lost":{"type":"integer", "minimum":0},
+        "boards":{"type":"array", "items":{"$ref":"#/components/schemas/Board"},
+                  "description":"only where other boards are listened to"}}})"},
     {"Changes", R"({"type":"object",
       "required":["after", "seq", "bus", "page", "cards", "channels", "events", "lost"],
       "properties":{
@@ -109,7 +141,15 @@ inline constexpr std::array<Schema, 25> kSchemas{{
         "cards":{"type":"array", "items":{"$ref":"#/components/schemas/Card"}},
         "channels":{"type":"array", "items":{"$ref":"#/components/schemas/Channel"}},
         "events":{"type":"array", "items":{"$ref":"#/components/schemas/Event"}},
-        "lost":{"type":"integer", "minimum":0, "description":"events that this reader missed"}}})"},
+        "lost":{"type":"integer", "minimum":0, "description":"events that this reader missed"},
+        "boards":{"type":"array", "description":"only where other boards are listened to",
+          "items":{"type":"object", "required":["board", "row", "cards", "channels"],
+            "properties":{
+              "board":{"type":"string"},
+              "row":{"anyOf":[{"$ref":"#/components/schemas/Board"}, {"type":"null"}]},
+              "cards":{"type":"array", "items":{"$ref":"#/components/schemas/Card"}},
+              "channels":{"type":"array",
+                          "items":{"$ref":"#/components/schemas/Channel"}}}}}}})"},
     {"CardSettings", R"({"type":"object", "additionalProperties":false,
       "properties":{
         "end_a":{"$ref":"#/components/schemas/Bytes"},

@@ -2,12 +2,13 @@
 
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <string_view>
 #include <utility>
 #include <variant>
 
+#include "api/BoardShapes.h"
 #include "api/Json.h"
+#include "api/Plain.h"
 #include "api/SettingsJson.h"
 #include "api/Times.h"
 #include "protocol/Hex.h"
@@ -28,34 +29,6 @@ constexpr std::array<std::string_view, 4> kEventTypes{"press", "release", "left"
 template <size_t Size, class Enumeration>
 std::string_view WordOf(const std::array<std::string_view, Size>& words, Enumeration value) {
   return words[static_cast<size_t>(value)];
-}
-
-json::value OrNull(const std::string& text) {
-  return text.empty() ? json::value() : json::value(text);
-}
-
-template <class Plain>
-json::value OrNull(const std::optional<Plain>& value) {
-  return value ? json::value(*value) : json::value();
-}
-
-json::value OrNull(const std::optional<model::Time>& time) {
-  return time ? json::value(TimeText(*time)) : json::value();
-}
-
-// A whole number without a point.
-json::value NumberJson(double number) {
-  constexpr double kLargestWhole = 9'007'199'254'740'992;
-  if (number == std::trunc(number) && std::abs(number) <= kLargestWhole)
-    return static_cast<int64_t>(number);
-  return number;
-}
-
-json::value ValueJson(const model::Value& value) {
-  if (const bool* on = std::get_if<bool>(&value)) return *on;
-  if (const double* number = std::get_if<double>(&value)) return NumberJson(*number);
-  if (const auto* code = std::get_if<std::string>(&value)) return json::value(*code);
-  return nullptr;
 }
 
 json::value PlaceJson(const std::optional<model::Glass::Place>& place) {
@@ -222,7 +195,7 @@ json::object HistoryJson(const model::Bus& bus, model::ChannelId id,
 }
 
 json::object SnapshotJson(const model::Bus& bus, const json::object& page,
-                          std::optional<uint64_t> after) {
+                          std::optional<uint64_t> after, const boards::Boards* boards) {
   if (after && *after > bus.Sequence()) after = 0;
   const auto since = after ? bus.Events().After(*after) : model::EventRing::Since{};
   json::object snapshot{{"seq", bus.Sequence()}, {"bus", BusJson(bus)}};
@@ -230,11 +203,12 @@ json::object SnapshotJson(const model::Bus& bus, const json::object& page,
   snapshot["page"] = page;
   snapshot["events"] = EventsJson(since.events);
   snapshot["lost"] = since.lost;
+  if (boards != nullptr) snapshot["boards"] = BoardsJson(*boards);
   return snapshot;
 }
 
 json::object ChangesJson(const model::Bus& bus, const json::object& page,
-                         const model::Change& change, uint64_t lost) {
+                         const model::Change& change, uint64_t lost, const boards::Boards* boards) {
   json::array cards;
   for (const unsigned address : change.cards)
     if (const model::Card* card = bus.At(address)) cards.push_back(CardJson(bus, *card));
@@ -244,20 +218,23 @@ json::object ChangesJson(const model::Bus& bus, const json::object& page,
     if (card != nullptr && id.number < card->channels.size())
       channels.push_back(ChannelJson(bus, *card, id.number));
   }
-  return {{"after", change.after},
-          {"seq", change.sequence},
-          {"bus", change.bus ? json::value(BusJson(bus)) : json::value()},
-          {"page", change.page ? json::value(page) : json::value()},
-          {"cards", std::move(cards)},
-          {"channels", std::move(channels)},
-          {"events", EventsJson(change.events)},
-          {"lost", lost}};
+  json::object changes{{"after", change.after},
+                       {"seq", change.sequence},
+                       {"bus", change.bus ? json::value(BusJson(bus)) : json::value()},
+                       {"page", change.page ? json::value(page) : json::value()},
+                       {"cards", std::move(cards)},
+                       {"channels", std::move(channels)},
+                       {"events", EventsJson(change.events)},
+                       {"lost", lost}};
+  if (boards != nullptr) changes["boards"] = BoardChangesJson(*boards, change.boards);
+  return changes;
 }
 
 std::string ChangesText(const model::Bus& bus, const json::object& page,
-                        const model::Change& change, uint64_t lost) {
-  const json::object message{
-      {"jsonrpc", "2.0"}, {"method", "changes"}, {"params", ChangesJson(bus, page, change, lost)}};
+                        const model::Change& change, uint64_t lost, const boards::Boards* boards) {
+  const json::object message{{"jsonrpc", "2.0"},
+                             {"method", "changes"},
+                             {"params", ChangesJson(bus, page, change, lost, boards)}};
   return ToText(message);
 }
 

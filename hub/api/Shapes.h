@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "boards/Boards.h"
 #include "model/Bus.h"
 #include "model/Journal.h"
 #include "store/Store.h"
@@ -35,17 +36,21 @@ boost::json::object HistoryJson(const model::Bus& bus, model::ChannelId id,
                                 const store::History& history);
 
 // The whole state, what the page keeps, and the events behind that number. A number that the bus
-// has not reached is from before it started: all events come.
+// has not reached is from before it started: all events come. The other boards are in it where they
+// are listened to.
 boost::json::object SnapshotJson(const model::Bus& bus, const boost::json::object& page,
-                                 std::optional<uint64_t> after);
+                                 std::optional<uint64_t> after,
+                                 const boards::Boards* boards = nullptr);
 
 // The parameters of a "changes" message: levels as they are now, and the events of the change.
 // `lost` counts events that this reader missed.
 boost::json::object ChangesJson(const model::Bus& bus, const boost::json::object& page,
-                                const model::Change& change, uint64_t lost);
+                                const model::Change& change, uint64_t lost,
+                                const boards::Boards* boards = nullptr);
 
 // {"jsonrpc":"2.0","method":"changes","params":{...}} as text, once for all who hear it.
 std::string ChangesText(const model::Bus& bus, const boost::json::object& page,
-                        const model::Change& change, uint64_t lost);
+                        const model::Change& change, uint64_t lost,
+                        const boards::Boards* boards = nullptr);
 
 }  // namespace hub::api

@@ -5,6 +5,9 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
+#include <set>
+#include <utility>
 
 #include "model/Change.h"
 #include "protocol/ConsoleReplies.h"
@@ -39,6 +42,9 @@ class Ledger {
   uint64_t bus_ = 0;
   uint64_t page_ = 0;
   std::array<Place, protocol::kCardCount> places_{};
+  // Of the other boards there may be tens of thousands: what has moved is found by its number.
+  std::map<model::BoardPlace, uint64_t> boards_;
+  std::set<std::pair<uint64_t, model::BoardPlace>> boards_by_sequence_;
 };
 
 }  // namespace hub::http

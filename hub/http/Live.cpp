@@ -50,7 +50,8 @@ Live::Text Live::MakeText(uint64_t told) const {
   std::erase_if(since.events, [now](const model::Event& event) { return event.sequence > now; });
   model::Change change = ledger_.After(told);
   change.events = std::move(since.events);
-  std::string text = api::ChangesText(house_.bus, house_.page, change, since.lost);
+  std::string text =
+      api::ChangesText(house_.bus, house_.page, change, since.lost, house_.Neighbours());
   return {told, std::make_shared<const std::string>(std::move(text)), since.lost};
 }
 

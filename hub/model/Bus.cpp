@@ -213,6 +213,15 @@ void Bus::NotePage() {
   change_.page = true;
 }
 
+void Bus::NoteBoards(std::vector<BoardPlace> places) {
+  if (places.empty()) return;
+  ++sequence_;
+  std::vector<BoardPlace>& noted = change_.boards;
+  noted.insert(noted.end(), places.begin(), places.end());
+  std::ranges::sort(noted);
+  noted.erase(std::unique(noted.begin(), noted.end()), noted.end());
+}
+
 void Bus::NoteBus() {
   ++sequence_;
   change_.bus = true;

@@ -89,7 +89,9 @@ class Bus {
 
   // What people have settled. Values change with their units.
   void Apply(model::Settings settings);
-  void NotePage();  // what the page keeps has changed; it is not the bus's
+  // What is not the bus's, and changes as it does: what the page keeps, and the other boards.
+  void NotePage();
+  void NoteBoards(std::vector<BoardPlace> places);
 
   // Delivers what has changed since the last time, if anything has.
   void Publish();

@@ -18,6 +18,14 @@ struct ChannelId {
   auto operator<=>(const ChannelId&) const = default;
 };
 
+// Something of another board: its row, one of its cards, or a channel of that.
+struct BoardPlace {
+  uint32_t board = 0;   // its place among all of them
+  int8_t address = -1;  // -1: the row
+  int8_t number = -1;   // -1: the card
+  auto operator<=>(const BoardPlace&) const = default;
+};
+
 struct Event {
   uint64_t sequence = 0;
   Time time;
@@ -35,6 +43,7 @@ struct Change {
   std::vector<unsigned> cards;      // by address, each once
   std::vector<ChannelId> channels;  // each once
   std::vector<Event> events;        // oldest first
+  std::vector<BoardPlace> boards;   // each once
 };
 
 // The last events, for whoever comes back after a while.

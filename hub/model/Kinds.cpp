@@ -32,6 +32,11 @@ const KindRow& FindDaemonName(std::string_view name) {
   return row == kKinds.end() ? kKinds[0] : *row;
 }
 
+const KindRow& FindWord(std::string_view word) {
+  const auto* row = std::ranges::find(kKinds, word, &KindRow::word);
+  return row == kKinds.end() ? kKinds[0] : *row;
+}
+
 bool HasLines(const KindRow& row) {
   return row.kind == Kind::kDigitalOutput || row.kind == Kind::kDigitalInput;
 }

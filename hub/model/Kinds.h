@@ -37,6 +37,9 @@ const KindRow& RowOf(Kind kind);
 // By the name that DISCOVER lists; the unknown row where it has none.
 const KindRow& FindDaemonName(std::string_view name);
 
+// By the word that clients read; likewise.
+const KindRow& FindWord(std::string_view word);
+
 // The name that DISCOVER lists where no card is.
 inline constexpr std::string_view kNoCard = "EMPTY";
 

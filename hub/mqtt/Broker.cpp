@@ -36,6 +36,11 @@ Broker::Broker(api::House& house, std::string version)
             publisher_.Tell({Names().Error(), ErrorPayload(topic, problem)}, house_.clock.Steady());
             Flush();
           }),
+      neighbours_(house,
+                  [this](Message command) {
+                    publisher_.Tell(std::move(command), house_.clock.Steady());
+                    Flush();
+                  }),
       backoff_(std::random_device{}(), kLongestPause),
       pause_(house.context),
       deadline_(house.context),
@@ -43,6 +48,7 @@ Broker::Broker(api::House& house, std::string version)
 
 void Broker::Start(BrokerOptions options) {
   options_ = std::move(options);
+  neighbours_.Use(options_.boards);
   house_.bus.Listen([this](const model::Change& change) { Take(change); });
   asio::co_spawn(house_.context, Run(), asio::detached);
 }
@@ -54,12 +60,15 @@ void Broker::Use(BrokerOptions options) {
   const bool moves = !is_elsewhere && options.name != options_.name;
   options_ = std::move(options);
   if (is_elsewhere) publisher_.Disown("");
+  neighbours_.Use(options_.boards && !is_elsewhere);
+  neighbours_.Use(options_.boards);
   Leave(moves);
 }
 
 void Broker::Stop() {
   is_stopping_ = true;
   rates_.cancel();
+  neighbours_.Stop();
   Leave(false);
 }
 
@@ -194,6 +203,7 @@ asio::awaitable<Ended> Broker::Serve(bool is_version_5) {
     }
     if (is_leaving_ && publisher_.IsIdle()) client.Disconnect();
   }
+  neighbours_.LoseAll();
   publisher_.Close();
   is_up_ = false;
   client_ = nullptr;
@@ -205,9 +215,12 @@ asio::awaitable<Ended> Broker::Serve(bool is_version_5) {
 
 // What an earlier hub or an earlier start has left below the name, and nobody tells any more, goes.
 void Broker::Open(Client& client) {
-  for (const std::string& filter : CommandFilters(Names())) client.Subscribe(filter, true);
+  for (const std::string& filter : CommandFilters(Names()))
+    client.Subscribe(filter, Hearing::kTellsRetained);
   for (const std::string& topic : {Names().Bus(), Names().Status()}) client.Subscribe(topic);
   for (const auto& [filter, sink] : sinks_) client.Subscribe(filter);
+  if (options_.boards)
+    for (const char* filter : Neighbours::kFilters) client.Subscribe(filter, Hearing::kOthersOnly);
   for (const std::string& topic : leftovers_)
     if (!publisher_.Keeps(topic)) publisher_.TakeBack(topic);
   leftovers_.clear();
@@ -237,6 +250,7 @@ void Broker::Dispatch(const Arrived& arrived) {
   const std::string& topic = arrived.message.topic;
   for (const auto& [filter, sink] : sinks_)
     if (Matches(filter, topic)) return sink(arrived);
+  if (!topic.starts_with(Names().Root())) return neighbours_.Hear(arrived);
   if (topic == Names().Bus() || topic == Names().Status()) return CheckRival(arrived);
   if (!is_leaving_) obeying_.Take(Names(), arrived);
 }

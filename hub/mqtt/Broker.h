@@ -17,6 +17,7 @@
 #include "api/Api.h"
 #include "link/Backoff.h"
 #include "mqtt/Client.h"
+#include "mqtt/Neighbours.h"
 #include "mqtt/Obeying.h"
 #include "mqtt/Publisher.h"
 #include "mqtt/States.h"
@@ -24,8 +25,9 @@
 namespace hub::mqtt {
 
 struct BrokerOptions {
-  Server server;     // without a host: no broker
-  std::string name;  // in topics; empty: that of the bus, as a topic can have it
+  Server server;        // without a host: no broker
+  std::string name;     // in topics; empty: that of the bus, as a topic can have it
+  bool boards = false;  // listens to the other hubs
   bool operator==(const BrokerOptions&) const = default;
 };
 
@@ -81,6 +83,7 @@ class Broker {
   Publisher publisher_;
   States states_;
   Obeying obeying_;
+  Neighbours neighbours_;
   BrokerOptions options_;
   std::map<std::string, Sink> sinks_;  // by filter
   std::vector<std::function<void()>> up_;

@@ -158,9 +158,9 @@ Client::~Client() { session_->Close(); }
 
 asio::awaitable<News> Client::Next() { return session_->Next(); }
 
-int Client::Subscribe(const std::string& filter, bool tells_retained) {
+int Client::Subscribe(const std::string& filter, Hearing hearing) {
   int id = 0;
-  session_->Do([&](Library& library) { id = library.Subscribe(filter, tells_retained); });
+  session_->Do([&](Library& library) { id = library.Subscribe(filter, hearing); });
   return id;
 }
 

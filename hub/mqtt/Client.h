@@ -26,9 +26,8 @@ class Client {
   // What happens, in order; the last is Ended.
   boost::asio::awaitable<News> Next();
 
-  // It will be Subscribed with this id. Of a retained message that comes later, version 5 can tell
-  // that it is one.
-  int Subscribe(const std::string& filter, bool tells_retained = false);
+  // It will be Subscribed with this id.
+  int Subscribe(const std::string& filter, Hearing hearing = Hearing::kPlain);
   void Publish(const Message& message);  // it will be Taken
   void Disconnect();                     // says good-bye: there is no will
   void Close();                          // at once

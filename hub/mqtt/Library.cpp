@@ -173,10 +173,10 @@ void Library::Write() { Note(mosquitto_loop_write(handle_, 1)); }
 
 void Library::LookAfter() { Note(mosquitto_loop_misc(handle_)); }
 
-int Library::Subscribe(const std::string& filter, bool tells_retained) {
+int Library::Subscribe(const std::string& filter, Hearing hearing) {
   int id = 0;
-  const bool asks = tells_retained && greeting_.is_version_5;
-  const int options = asks ? MQTT_SUB_OPT_RETAIN_AS_PUBLISHED : 0;
+  constexpr std::array<int, 3> kOptions{0, MQTT_SUB_OPT_RETAIN_AS_PUBLISHED, MQTT_SUB_OPT_NO_LOCAL};
+  const int options = greeting_.is_version_5 ? kOptions.at(static_cast<size_t>(hearing)) : 0;
   Note(mosquitto_subscribe_v5(handle_, &id, filter.c_str(), kQos, options, nullptr));
   return id;
 }

@@ -31,8 +31,7 @@ class Library {
   void Write();
   void LookAfter();  // every few seconds: asks a silent broker whether it is there
 
-  // Of a retained message that comes later, version 5 can tell that it is one.
-  int Subscribe(const std::string& filter, bool tells_retained);
+  int Subscribe(const std::string& filter, Hearing hearing);
   void Publish(const Message& message);
   void Disconnect();
   void End(Ended ended);  // here and now; only the first one counts

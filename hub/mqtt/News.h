@@ -28,6 +28,13 @@ struct Greeting {
   bool is_version_5 = true;  // else 3.1.1
 };
 
+// What is asked of a subscription besides, where the connection is of version 5.
+enum class Hearing {
+  kPlain,
+  kTellsRetained,  // of a retained message that comes later: that it is one
+  kOthersOnly,     // not what this hub has published itself
+};
+
 struct Connected {};
 
 struct Subscribed {

@@ -22,10 +22,27 @@ std::string_view Shown(std::string_view topic) {
   return topic.substr(0, end);
 }
 
+// What people have settled of a card's channels, by number: other hubs show it.
+json::object Settled(const json::array& channels) {
+  json::object settled;
+  for (size_t number = 0; number < channels.size(); ++number) {
+    const json::object& channel = channels[number].get_object();
+    const bool is_plain =
+        channel.at("name").is_null() && channel.at("unit").is_null() &&
+        (channel.at("min").is_null() || (channel.at("min") == 0 && channel.at("max") == 255));
+    if (is_plain) continue;
+    json::object entry;
+    for (const char* key : {"name", "unit", "min", "max"}) entry[key] = channel.at(key);
+    settled[std::to_string(number)] = std::move(entry);
+  }
+  return settled;
+}
+
 json::object CardEntry(const model::Bus& bus, const model::Card& card) {
   json::object whole = api::CardJson(bus, card);
   json::object entry;
   for (const char* key : {"address", "kind", "name", "state"}) entry[key] = whole[key];
+  entry["channels"] = Settled(whole["channels"].get_array());
   return entry;
 }
 
