@@ -37,6 +37,8 @@ void DescribeCommon(CLI::App& app, Given& given) {
       ->type_name("FILE");
   app.add_option("--ca", given.target.ca_file, "who signed the hub's certificate, in PEM form")
       ->type_name("FILE");
+  app.add_option("--board", given.target.board, "another board, on the hub's broker")
+      ->type_name("NAME");
   app.add_flag("--json", given.json, "print the hub's JSON as it came");
   app.set_version_flag("--version", std::string("qelmctl ") + QELMCTL_VERSION);
 }
@@ -117,11 +119,22 @@ std::string Token(const std::string& file) {
   return token == nullptr ? std::string() : token;
 }
 
+// What the other boards' topics do not have is not asked of the hub's own board by mistake.
+void RequireBoards(const Command& command) {
+  if (command.has_boards) return;
+  std::vector<std::string> names;
+  for (const Command& other : Commands())
+    if (other.has_boards) names.push_back(other.name);
+  throw Failure(kUsage, command.name + " is for the hub's own board; --board goes with " +
+                            Listed(names, "and"));
+}
+
 Invocation Complete(const CLI::App& app, Given& given) {
   const CLI::App* chosen = Chosen(app);
   if (!given.url.empty()) SetUrl(given.target, given.url);
   given.target.token = Token(given.token_file);
   const Command& command = *given.commands.at(chosen);
+  if (!given.target.board.empty()) RequireBoards(command);
   return {.target = given.target,
           .json = given.json,
           .command = &command,

@@ -10,6 +10,7 @@
 
 #include "base/Failure.h"
 #include "base/Json.h"
+#include "base/Text.h"
 #include "client/Refusal.h"
 #include "client/Wire.h"
 
@@ -35,6 +36,13 @@ template <typename Fields>
 void AddHeaders(const Target& target, Fields& fields) {
   fields.set(http::field::user_agent, "qelmctl");
   if (!target.token.empty()) fields.set(http::field::authorization, "Bearer " + target.token);
+}
+
+std::string PathAt(const Target& target, const std::string& path) {
+  constexpr std::string_view kApi = "/api";
+  const bool is_of_board = path.starts_with("/api/cards") || path.starts_with("/api/channels");
+  if (target.board.empty() || !is_of_board) return path;
+  return "/api/boards/" + UrlEscape(target.board) + path.substr(kApi.size());
 }
 
 std::string Subscription(std::optional<int64_t> after) {
@@ -89,7 +97,7 @@ Reply Hub::TryOnce(std::string_view method, const std::string& path, std::string
   if (!line_) line_ = std::make_unique<Line>(target_);
   http::request<http::string_body> request;
   request.method_string({method.data(), method.size()});
-  request.target(path);
+  request.target(PathAt(target_, path));
   request.set(http::field::host, HostHeader(target_));
   AddHeaders(target_, request);
   if (!body.empty()) request.set(http::field::content_type, "application/json");

@@ -29,6 +29,8 @@ class Hub {
   Hub(const Hub&) = delete;
   Hub& operator=(const Hub&) = delete;
 
+  // Where a board is named, the paths of cards and channels are that board's.
+  //
   // Whatever the answer is. Throws Failure(kUnreachable) where none comes.
   Reply Try(std::string_view method, const std::string& path, std::string_view body = {});
 

@@ -16,6 +16,7 @@ struct Target {
   bool tls = false;
   std::string ca_file;                // of the hub's certificate; empty: the system's
   std::string token;                  // empty: none
+  std::string board;                  // another one, on the hub's broker; empty: the hub's own
   std::chrono::seconds patience{30};  // for an answer
 };
 

@@ -67,6 +67,7 @@ struct Command {
   std::vector<Argument> arguments;
   std::vector<Option> options;
   Run run;
+  bool has_boards = false;  // may be for another board, by --board
 };
 
 const std::vector<Command>& Commands();

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "base/Failure.h"
+#include "base/Json.h"
 #include "base/Text.h"
 #include "commands/Command.h"
 #include "commands/Things.h"
@@ -18,7 +19,7 @@ constexpr std::chrono::seconds kPatience{1};  // a person waits for it
 const std::vector<Option>& CommonOptions() {
   static const std::vector<Option>& options = *new std::vector<Option>{
       {"--socket", "PATH", ""}, {"--url", "URL", ""}, {"--token-file", "FILE", ""},
-      {"--ca", "FILE", ""},     {"--json", "", ""},   {"--help", "", ""}};
+      {"--ca", "FILE", ""},     {"--board", "NAME", ""}, {"--json", "", ""}, {"--help", "", ""}};
   return options;
 }
 
@@ -26,7 +27,7 @@ const std::vector<Option>& CommonOptions() {
 struct Line {
   std::vector<std::string> plain;
   Target target;
-  bool wants_value = false;  // the word under way is an option's value
+  std::string wants_value_of;  // the option whose value the word under way is; empty: none
 };
 
 bool HasName(const Option& option, const std::string& name) {
@@ -49,6 +50,7 @@ void SetTarget(Target& target, const std::string& option, const std::string& val
   if (option == "--url") SetUrl(target, value);
   if (option == "--token-file") target.token = ReadToken(value);
   if (option == "--ca") target.ca_file = value;
+  if (option == "--board") target.board = value;
 }
 
 Line Sort(std::span<const std::string> words) {
@@ -58,8 +60,10 @@ Line Sort(std::span<const std::string> words) {
     if (!words[i].starts_with("-")) {
       line.plain.push_back(words[i]);
     } else if (TakesValue(words[i])) {
-      line.wants_value = i + 1 == words.size();
-      if (!line.wants_value) SetTarget(line.target, words[i], words[i + 1]);
+      if (i + 1 == words.size())
+        line.wants_value_of = words[i];
+      else
+        SetTarget(line.target, words[i], words[i + 1]);
       ++i;
     }
   }
@@ -72,6 +76,14 @@ std::vector<std::string> NamesOf(const std::vector<Thing>& things) {
     names.push_back(thing.id);
     if (!thing.name.empty()) names.push_back(thing.name);
   }
+  return names;
+}
+
+std::vector<std::string> BoardNames(const Target& target) {
+  Hub hub(target);
+  const Reply boards = hub.Get("/api/boards");
+  std::vector<std::string> names;
+  for (const auto& board : ItemsAt(boards.data, "boards")) names.push_back(TextAt(board, "board"));
   return names;
 }
 
@@ -135,7 +147,8 @@ void AddOptions(const std::vector<Option>& options, std::vector<std::string>& ca
 }
 
 std::vector<std::string> Candidates(const Line& line, bool is_option) {
-  if (line.wants_value) return {};
+  if (line.wants_value_of == "--board") return BoardNames(line.target);
+  if (!line.wants_value_of.empty()) return {};
   size_t used = 0;
   const Command* command = FindCommand(line.plain, used);
   if (is_option) {

@@ -52,6 +52,7 @@ Cell ValueCell(const json::value& channel) {
   if (!value.is_null() && !unit.empty()) text += " " + unit;
   if (BoolAt(channel, "pending")) return {text + " (pending)", Colour::kYellow};
   if (BoolAt(channel, "assumed")) return {text + " (assumed)", Colour::kFaint};
+  if (!At(channel, "stale_since").is_null()) return {text + " (stale)", Colour::kFaint};
   if (value.is_null()) return {text, Colour::kFaint};
   return {text, value == json::value(true) ? Colour::kYellow : Colour::kNone};
 }

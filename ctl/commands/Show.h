@@ -8,7 +8,7 @@
 
 namespace ctl {
 
-// "on", "2.5 V", "unknown"; behind it "(assumed)" or "(pending)" where it is so.
+// "on", "2.5 V", "unknown"; behind it "(assumed)", "(pending)" or "(stale)" where it is so.
 Cell ValueCell(const boost::json::value& channel);
 
 // Address, kind, name, state, values in short: a line a card.

@@ -56,6 +56,17 @@ std::string EventText(const json::value& event) {
          (code.is_null() ? "" : " " + ValueText(code)) + "\n";
 }
 
+// What a message tells of the board that is watched: its part of the changes, or all its cards in
+// place of the hub's own, as they are now. Null where it is about others.
+json::value OfBoard(Hub& hub, const json::value& change) {
+  const std::string& board = hub.Where().board;
+  if (!At(change, "bus").is_null() && At(change, "after").is_null())
+    return hub.Get("/api/cards").data;
+  for (const json::value& entry : ItemsAt(change, "boards"))
+    if (TextAt(entry, "board") == board) return entry;
+  return nullptr;
+}
+
 class Watcher {
  public:
   Watcher(const Session& session, Selection selection)
@@ -67,14 +78,7 @@ class Watcher {
     const json::value& change = result.is_null() ? At(message.data, "params") : result;
     if (const auto number = NumberAt(change, "seq")) told_ = static_cast<int64_t>(*number);
     lines_.clear();
-    AddBus(At(change, "bus"));
-    for (const json::value& card : ItemsAt(change, "cards")) AddCard(card);
-    for (const json::value& channel : ItemsAt(change, "channels")) AddChannel(channel);
-    for (const json::value& event : ItemsAt(change, "events"))
-      if (selection_.HasCard(TextAt(event, "card")))
-        Add(Clock(TextAt(event, "time")), EventText(event));
-    const double lost = NumberAt(change, "lost").value_or(0);
-    if (lost > 0) Add(Clock({}), "events that were lost: " + ValueText(lost) + "\n");
+    AddAll(session_.hub.Where().board.empty() ? change : OfBoard(session_.hub, change));
     if (lines_.empty()) return true;
     std::cout << (session_.json ? message.text + "\n" : lines_) << std::flush;
     return std::cout.good();
@@ -86,6 +90,24 @@ class Watcher {
  private:
   void Add(const std::string& time, const std::string& text) {
     lines_ += session_.paint(Colour::kFaint, time) + "  " + text;
+  }
+
+  void AddAll(const json::value& change) {
+    AddBus(At(change, "bus"));
+    AddRow(At(change, "row"));
+    for (const json::value& card : ItemsAt(change, "cards")) AddCard(card);
+    for (const json::value& channel : ItemsAt(change, "channels")) AddChannel(channel);
+    for (const json::value& event : ItemsAt(change, "events"))
+      if (selection_.HasCard(TextAt(event, "card")))
+        Add(Clock(TextAt(event, "time")), EventText(event));
+    const double lost = NumberAt(change, "lost").value_or(0);
+    if (lost > 0) Add(Clock({}), "events that were lost: " + ValueText(lost) + "\n");
+  }
+
+  // Of another board.
+  void AddRow(const json::value& row) {
+    if (row.is_null() || !selection_.HasBus()) return;
+    Add(Clock({}), "board " + TextAt(row, "board") + " is " + TextAt(row, "state") + "\n");
   }
 
   void AddBus(const json::value& bus) {

@@ -331,6 +331,27 @@ TEST_F(Commands, AMisspeltCommandSaysWhatWasMeant) {
   ExpectFails({"cards", "--jsno"}, 2, "--jsno");
 }
 
+TEST_F(Commands, AnotherBoardIsAskedForByItsName) {
+  const std::string stale = R"({"id":"5.0","name":"Lamp","value":true,)"
+                            R"("stale_since":"2026-11-21T12:00:00.000Z"})";
+  hub.Answer("GET /api/boards/shed/cards", Cards());
+  hub.Answer("GET /api/boards/shed/channels/5.0", stale);
+  Expect({"--board", "shed", "get", "lamp"}, "on (stale)\n");
+  ExpectAsks({"--board", "shed", "set", "5.0", "on"}, "PUT /api/boards/shed/channels/5.0",
+             R"({"value":true})");
+  ExpectAsks({"text", "E", "0", "0", "Hi", "--board", "shed"},
+             "POST /api/boards/shed/cards/E/text", R"({"row":0,"column":0,"text":"Hi"})");
+  ExpectAsks({"ir", "9", "434F", "--board", "shed"}, "POST /api/boards/shed/cards/9/infrared",
+             R"({"bytes":"434F"})");
+  EXPECT_FALSE(hub.Got("GET /api/cards"));
+}
+
+TEST_F(Commands, WhatIsForTheOwnBoardSaysSo) {
+  ExpectFails({"--board", "shed", "reboot", "5"}, 2,
+              "reboot is for the hub's own board; --board goes with cards, watch, get, set, text, "
+              "light and ir");
+}
+
 TEST_F(Commands, ColoursGoToATerminalOnly) {
   hub.Answer("GET /api/channels/5.0", kLamp);
   const std::vector<std::string> command{"--socket", hub.SocketPath(), "get", "5.0"};

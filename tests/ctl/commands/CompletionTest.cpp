@@ -36,6 +36,14 @@ TEST_F(Completion, OffersChannelsAndNames) {
   EXPECT_EQ(Offered({"get", "Lamp", ""}), "");
 }
 
+TEST_F(Completion, OffersBoardsAndWhatIsOnThem) {
+  hub.Answer("GET /api/boards", R"({"boards":[{"board":"attic"},{"board":"shed"}]})");
+  hub.Answer("GET /api/boards/shed/cards",
+             R"({"cards":[{"address":"6","name":null,"channels":[{"id":"6.0","name":"Pump"}]}]})");
+  EXPECT_EQ(Offered({"--board", ""}), "attic\nshed\n");
+  EXPECT_EQ(Offered({"--board", "shed", "get", ""}), "6.0\nPump\n");
+}
+
 TEST_F(Completion, OffersCards) { EXPECT_EQ(Offered({"reboot", ""}), "5\nRelays\n"); }
 
 TEST_F(Completion, OffersValuesAndRoles) {

@@ -98,6 +98,23 @@ TEST_F(Watch, AHubThatComesBackIsAskedForWhatWasMissed) {
   EXPECT_EQ(outcome.status, 1);
 }
 
+TEST_F(Watch, OfAnotherBoardOnlyWhatItSays) {
+  hub.Answer("GET /api/boards/shed/cards",
+             R"({"cards":[{"address":"6","kind":"servo","state":"present","channels":[]}]})");
+  hub.Feed({kState,
+            R"({"jsonrpc":"2.0","method":"changes","params":{"after":10,"seq":11,"bus":null,)"
+            R"("cards":[],"channels":[{"id":"5.0","value":true}],"events":[],"lost":0,"boards":[)"
+            R"({"board":"attic","row":null,"cards":[],"channels":[{"id":"1.0","value":1}]},)"
+            R"({"board":"shed","row":{"board":"shed","state":"stale"},"cards":[],"channels":[)"
+            R"({"id":"6.0","name":"Pump","value":7,"since":"2026-11-21T12:00:02.000Z"}]}]}})"});
+  const std::string out = Run({"--board", "shed", "watch"}).out;
+  EXPECT_NE(out.find("  6  servo  present\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("  board shed is stale\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("12:00:02.000  6.0  Pump  7\n"), std::string::npos) << out;
+  EXPECT_EQ(out.find("5.0"), std::string::npos) << out;
+  EXPECT_EQ(out.find("1.0"), std::string::npos) << out;
+}
+
 TEST_F(Watch, ARefusedSubscriptionIsStatusOne) {
   hub.Feed({kRefused});
   const Outcome outcome = Run({"watch"});
