@@ -141,6 +141,7 @@ TEST_F(StatesTest, TheBusSaysWhatItIs) {
   model::Settings settings;
   settings.bus_name = "bench";
   settings.cards[5].name = "Relays";
+  settings.channels[{5, 7}].name = "Lamp";
   bus.Apply(settings);
   bus.SetPace(50);
   EXPECT_EQ(Take().at("qelm/bench/bus"),
@@ -148,7 +149,8 @@ TEST_F(StatesTest, TheBusSaysWhatItIs) {
             R"("daemon":{"state":"up","version":"1.20","since":null,"waiting_for":null},)"
             R"("adapter":{"state":"unknown","device":null,"version":null},)"
             R"("pace":50,"polling":null,"virtual":false,"cards":)"
-            R"([{"address":"5","kind":"digital-output","name":"Relays","state":"present"}]})");
+            R"([{"address":"5","kind":"digital-output","name":"Relays","state":"present",)"
+            R"("channels":{"7":{"name":"Lamp","unit":null,"min":null,"max":null}}}]})");
 }
 
 TEST_F(StatesTest, HowTheBrokerStandsIsNotToldToIt) {
