@@ -94,6 +94,23 @@ export interface KeyEvent {
   code: number | null;
 }
 
+// Another hub on the broker.
+export interface BoardRow {
+  board: string; // its name there
+  state: 'online' | 'stale' | 'gone';
+  since: string;
+  name: string | null;
+  ignored: number; // messages of it that say nothing
+  ignored_why: string | null;
+}
+
+export interface BoardChange {
+  board: string;
+  row: BoardRow | null; // null: as it was
+  cards: Card[];
+  channels: Channel[];
+}
+
 export interface Snapshot {
   seq: number;
   bus: Bus;
@@ -101,6 +118,7 @@ export interface Snapshot {
   page: Arrangement;
   events: KeyEvent[];
   lost: number;
+  boards?: BoardRow[]; // a hub that listens to no others has none
 }
 
 export interface Changes {
@@ -112,6 +130,7 @@ export interface Changes {
   page: Arrangement | null; // null: as it was
   events: KeyEvent[];
   lost: number;
+  boards?: BoardChange[];
 }
 
 export interface Arrangement {

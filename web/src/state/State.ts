@@ -10,6 +10,7 @@ import type {
   VirtualBus,
   Who,
 } from '../api/Shapes.js';
+import { type BoardRows } from './boards.js';
 import { type ConsoleLog, emptyConsole } from './console.js';
 import { emptyJournal, type JournalLog } from './journal.js';
 import { noPlots, type Plots } from './plots.js';
@@ -43,6 +44,7 @@ export interface State {
   who: Who | null; // null: not asked yet
   bus: Bus | null;
   cards: Readonly<Record<string, Card>>; // by address
+  boards: BoardRows; // the others on the broker
   missed: number; // events that this page has lost
   keys: Readonly<Record<string, readonly KeyEvent[]>>; // the last of each card, newest first
   turns: Readonly<Record<string, number>>; // steps of a card's encoder, right is more
@@ -66,6 +68,7 @@ export const beginning: State = {
   who: null,
   bus: null,
   cards: {},
+  boards: {},
   missed: 0,
   keys: {},
   turns: {},

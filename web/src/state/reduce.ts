@@ -1,6 +1,7 @@
 // The next state after an action. Pure.
 import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
 import type { Action } from './Actions.js';
+import { boardsAfter, boardsOf } from './boards.js';
 import { addKeys, addTurns, codesAfter, trailsAfter } from './memory.js';
 import { plotsAfter } from './plots.js';
 import type { State } from './State.js';
@@ -58,6 +59,7 @@ function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
     ...next,
     bus: snapshot.bus,
     arrangement: snapshot.page,
+    boards: boardsOf(snapshot.boards),
     keys: addKeys(next.keys, snapshot.events),
     turns: addTurns(next.turns, snapshot.events),
     missed: next.missed + snapshot.lost,
@@ -71,6 +73,7 @@ function takeChanges(state: State, changes: Changes, now: number): State {
     ...next,
     bus: changes.bus ?? next.bus,
     arrangement: changes.page ?? next.arrangement,
+    boards: boardsAfter(next.boards, changes.boards),
     keys: addKeys(next.keys, changes.events),
     turns: addTurns(next.turns, changes.events),
     missed: next.missed + changes.lost,

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
-import type { Changes, KeyEvent } from '../../src/api/Shapes.js';
+import type { BoardRow, Changes, KeyEvent } from '../../src/api/Shapes.js';
 import type { Action } from '../../src/state/Actions.js';
 import { reduce } from '../../src/state/reduce.js';
 import { beginning, type State } from '../../src/state/State.js';
@@ -131,4 +131,25 @@ test('an arrangement comes with what has changed, and stays where nothing came',
   assert.deepEqual(state.arrangement.order, ['5', '3']);
   state = reduce(state, { type: 'changes', changes: none, now: 2 });
   assert.deepEqual(state.arrangement.order, ['5', '3']);
+});
+
+const shed: BoardRow = {
+  board: 'shed',
+  state: 'online',
+  since: '2026-11-21T12:00:00.000Z',
+  name: 'Shed',
+  ignored: 0,
+  ignored_why: null,
+};
+
+test('the rows of other boards come with the state, change, and go', () => {
+  const told: Action = { type: 'snapshot', snapshot: snapshot([], { boards: [shed] }), now: 0 };
+  const change = (row: BoardRow | null) =>
+    take({ boards: [{ board: 'shed', row, cards: [], channels: [] }] });
+  assert.equal(after(told).boards['shed'], shed);
+  assert.equal(after(told, change(null)).boards['shed'], shed);
+  const stale = { ...shed, state: 'stale' as const };
+  assert.equal(after(told, change(stale)).boards['shed'], stale);
+  assert.deepEqual(after(told, change({ ...shed, state: 'gone' })).boards, {});
+  assert.deepEqual(after(told, subscribed).boards, {});
 });

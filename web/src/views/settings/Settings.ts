@@ -13,6 +13,7 @@ import './About.js';
 import './Accounts.js';
 import './Appearance.js';
 import './Backup.js';
+import './Boards.js';
 import './Cards.js';
 import { settingsStyle } from './settingsStyle.js';
 import './Tokens.js';
@@ -40,6 +41,11 @@ const sections: readonly Section[] = [
     title: settings.backup,
     role: 'admin',
     render: () => html`<qelm-set-backup></qelm-set-backup>`,
+  },
+  {
+    title: settings.boards.title,
+    role: 'view',
+    render: () => html`<qelm-set-boards></qelm-set-boards>`,
   },
   {
     title: settings.appearance,
