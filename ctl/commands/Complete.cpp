@@ -18,8 +18,9 @@ constexpr std::chrono::seconds kPatience{1};  // a person waits for it
 
 const std::vector<Option>& CommonOptions() {
   static const std::vector<Option>& options = *new std::vector<Option>{
-      {"--socket", "PATH", ""}, {"--url", "URL", ""}, {"--token-file", "FILE", ""},
-      {"--ca", "FILE", ""},     {"--board", "NAME", ""}, {"--json", "", ""}, {"--help", "", ""}};
+      {"--socket", "PATH", ""}, {"--url", "URL", ""},    {"--token-file", "FILE", ""},
+      {"--ca", "FILE", ""},     {"--board", "NAME", ""}, {"--json", "", ""},
+      {"--help", "", ""}};
   return options;
 }
 

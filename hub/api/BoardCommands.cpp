@@ -46,12 +46,12 @@ void RequireOnline(const House& house, const boards::Board& board) {
   if (board.IsOnline()) return;
   const auto& broker = house.bus.BrokerNow();
   const bool is_broker_there = broker && broker->state == model::BrokerState::kUp;
-  throw RetryLater(503,
-                   fmt::format("{} since {}; nothing was sent",
-                               is_broker_there ? board.name + " is offline"
-                                               : std::string("the broker is gone"),
-                               TimeText(board.since)),
-                   kRetryBoardSeconds);
+  throw RetryLater(
+      503,
+      fmt::format("{} since {}; nothing was sent",
+                  is_broker_there ? board.name + " is offline" : std::string("the broker is gone"),
+                  TimeText(board.since)),
+      kRetryBoardSeconds);
 }
 
 void RequireDone(const Order& order, bool may_be_silent) {
@@ -61,10 +61,9 @@ void RequireDone(const Order& order, bool may_be_silent) {
     case Order::Outcome::kRefused:
       throw ProblemOf(order.complaint.status, order.complaint.detail, order.complaint.where);
     case Order::Outcome::kLost:
-      throw RetryLater(503,
-                       fmt::format("{} went away before it had answered; it may have done it",
-                                   order.board),
-                       kRetryBoardSeconds);
+      throw RetryLater(
+          503, fmt::format("{} went away before it had answered; it may have done it", order.board),
+          kRetryBoardSeconds);
     case Order::Outcome::kUnderWay:
       if (!may_be_silent)
         throw ProblemOf(504, fmt::format("{} has not answered within {} s; it may still do it",
@@ -97,11 +96,11 @@ asio::awaitable<void> Run(House& house, Errand errand) {
 BoardCardAt RequireBoardKind(const House& house, const Request& request, model::Kind kind) {
   const BoardCardAt at = RequireBoardCard(house, request);
   if (at.card.kind->kind != kind)
-    throw ProblemOf(409,
-                    fmt::format("card {} of {} is of the kind {}; this is for {}",
-                                AddressText(at.address), at.board.name, at.card.kind->word,
-                                RowOf(kind).word),
-                    "address");
+    throw ProblemOf(
+        409,
+        fmt::format("card {} of {} is of the kind {}; this is for {}", AddressText(at.address),
+                    at.board.name, at.card.kind->word, RowOf(kind).word),
+        "address");
   return at;
 }
 
@@ -112,8 +111,7 @@ bool Shows(const boards::Channel& channel, const json::value& wanted, const mode
   if (number == nullptr) return false;
   const model::Range range = channel.settled.range.value_or(model::Range{0, 255});
   const double half_a_step = std::abs(range.max - range.min) / 255 / 2;
-  return channel.value != before ||
-         std::abs(*number - wanted.to_number<double>()) <= half_a_step;
+  return channel.value != before || std::abs(*number - wanted.to_number<double>()) <= half_a_step;
 }
 
 void RequireOutput(const BoardChannelAt& at, const json::value& value) {
@@ -141,8 +139,8 @@ std::string SetPayload(const Request& request) {
 std::string RowWith(const boards::Glass& glass, size_t row, size_t column,
                     const std::string& text) {
   if (row >= glass.rows.size())
-    throw DoesNotFit("row", fmt::format("row {}; the glass has rows 0 to {}", row,
-                                        glass.rows.size() - 1));
+    throw DoesNotFit("row",
+                     fmt::format("row {}; the glass has rows 0 to {}", row, glass.rows.size() - 1));
   std::string whole = glass.rows[row];
   if (column >= whole.size())
     throw DoesNotFit("column", fmt::format("column {}; the glass has columns 0 to {}", column,
@@ -172,8 +170,7 @@ Answer SetBoardChannel(House& house, Request request) {
   const json::value wanted = request.parameters.at("value");
   RequireOutput(at, wanted);
   const model::ChannelId id = at.id;
-  Errand errand{at.board.name,
-                fmt::format("{}/{}/set", AddressText(id.address), id.number),
+  Errand errand{at.board.name, fmt::format("{}/{}/set", AddressText(id.address), id.number),
                 SetPayload(request)};
   const model::Value before = at.card.channels[id.number].value;
   errand.is_shown = [id, wanted, before](const boards::Board& board) {

@@ -24,17 +24,19 @@ json::value GlassJson(const std::optional<boards::Glass>& glass) {
   if (!glass) return nullptr;
   json::array rows;
   for (const std::string& row : glass->rows) rows.emplace_back(row);
-  return {{"rows", std::move(rows)},         {"known", true},
-          {"at", nullptr},                   {"light", OrNull(glass->light)},
-          {"cursor", OrNull(glass->cursor)}, {"blink", OrNull(glass->blink)}};
+  return {{"rows", std::move(rows)},
+          {"known", true},
+          {"at", nullptr},
+          {"light", OrNull(glass->light)},
+          {"cursor", OrNull(glass->cursor)},
+          {"blink", OrNull(glass->blink)}};
 }
 
 bool IsThere(const boards::Card& card) { return card.kind != nullptr; }
 
 // Lines have no range; numbers without one of their own are bytes.
 std::optional<model::Range> RangeOf(const boards::Card& card, const boards::Channel& channel) {
-  if (model::HasLines(*card.kind) || card.kind->kind == model::Kind::kInfrared)
-    return std::nullopt;
+  if (model::HasLines(*card.kind) || card.kind->kind == model::Kind::kInfrared) return std::nullopt;
   return channel.settled.range.value_or(model::Range{0, 255});
 }
 
@@ -71,21 +73,21 @@ json::object EntryOf(const boards::Board& board, std::span<const model::BoardPla
 
 json::object BoardJson(const boards::Board& board) {
   const boards::Identity& identity = board.identity;
-  return {{"board", board.name},
-          {"state", StateOf(board)},
-          {"since", TimeText(board.since)},
-          {"id", OrNull(identity.id)},
-          {"name", OrNull(identity.name)},
-          {"version", OrNull(identity.version)},
-          {"daemon",
-           {{"state", identity.daemon_state}, {"version", OrNull(identity.daemon_version)}}},
-          {"adapter",
-           {{"state", identity.adapter_state},
-            {"device", OrNull(identity.adapter_device)},
-            {"version", OrNull(identity.adapter_version)}}},
-          {"virtual", identity.is_virtual},
-          {"ignored", board.ignored},
-          {"ignored_why", OrNull(board.ignored_why)}};
+  return {
+      {"board", board.name},
+      {"state", StateOf(board)},
+      {"since", TimeText(board.since)},
+      {"id", OrNull(identity.id)},
+      {"name", OrNull(identity.name)},
+      {"version", OrNull(identity.version)},
+      {"daemon", {{"state", identity.daemon_state}, {"version", OrNull(identity.daemon_version)}}},
+      {"adapter",
+       {{"state", identity.adapter_state},
+        {"device", OrNull(identity.adapter_device)},
+        {"version", OrNull(identity.adapter_version)}}},
+      {"virtual", identity.is_virtual},
+      {"ignored", board.ignored},
+      {"ignored_why", OrNull(board.ignored_why)}};
 }
 
 json::object BoardChannelJson(const boards::Board& board, model::ChannelId id) {
@@ -110,11 +112,16 @@ json::object BoardChannelJson(const boards::Board& board, model::ChannelId id) {
 json::object BoardCardJson(const boards::Board& board, unsigned address) {
   const boards::Card& card = board.cards.at(address);
   if (!IsThere(card))
-    return {{"address", AddressText(address)}, {"kind", "unknown"},
-            {"name", nullptr},                 {"state", "absent"},
-            {"keep", nullptr},                 {"polling", nullptr},
-            {"channels", json::array()},       {"glass", nullptr},
-            {"codes", nullptr},                {"stale_since", StaleJson(board)}};
+    return {{"address", AddressText(address)},
+            {"kind", "unknown"},
+            {"name", nullptr},
+            {"state", "absent"},
+            {"keep", nullptr},
+            {"polling", nullptr},
+            {"channels", json::array()},
+            {"glass", nullptr},
+            {"codes", nullptr},
+            {"stale_since", StaleJson(board)}};
   json::array channels;
   for (unsigned number = 0; number < card.channels.size(); ++number)
     channels.push_back(BoardChannelJson(board, {address, number}));

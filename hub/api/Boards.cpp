@@ -12,8 +12,9 @@ namespace {
 
 const boards::Boards& RequireBoards(const House& house) {
   if (!house.boards.IsOn())
-    throw ProblemOf(404, "this hub does not listen to other boards: boards = true in the section "
-                         "broker of its settings makes it do so");
+    throw ProblemOf(404,
+                    "this hub does not listen to other boards: boards = true in the section "
+                    "broker of its settings makes it do so");
   return house.boards;
 }
 
@@ -48,11 +49,11 @@ BoardChannelAt RequireBoardChannel(const House& house, const Request& request) {
     throw ProblemOf(404, fmt::format("{} has no card at {}", board.name, AddressText(id->address)),
                     "id");
   if (id->number >= card.channels.size())
-    throw ProblemOf(404,
-                    fmt::format("card {} of {} is of the kind {}, which has {} channels",
-                                AddressText(id->address), board.name, card.kind->word,
-                                card.channels.size()),
-                    "id");
+    throw ProblemOf(
+        404,
+        fmt::format("card {} of {} is of the kind {}, which has {} channels",
+                    AddressText(id->address), board.name, card.kind->word, card.channels.size()),
+        "id");
   return {board, card, *id};
 }
 

@@ -1,4 +1,5 @@
-// Another hub on the broker, as it tells of itself: what was last heard, and since when. Plain data.
+// Another hub on the broker, as it tells of itself: what was last heard, and since when. Plain
+// data.
 #pragma once
 
 #include <array>
@@ -43,9 +44,9 @@ struct Card {
 
   const model::KindRow* kind = nullptr;  // null: the board has not said that there is one
   std::string name;
-  bool is_present = false;          // by its bus; else it was silent
-  std::optional<bool> answers;      // by its own status
-  std::vector<Channel> channels;    // as many as the kind has; while there is none, those heard of
+  bool is_present = false;        // by its bus; else it was silent
+  std::optional<bool> answers;    // by its own status
+  std::vector<Channel> channels;  // as many as the kind has; while there is none, those heard of
   std::optional<Glass> glass;
 };
 

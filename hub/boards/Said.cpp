@@ -209,8 +209,7 @@ std::variant<Place, std::string> ReadTopic(std::string_view topic) {
   Place place{*board, What::kStatus};
   const bool is_of_card = !rest.empty();
   if (is_of_card) {
-    const auto address =
-        word.size() == 1 ? protocol::ParseHexDigit(word.front()) : std::nullopt;
+    const auto address = word.size() == 1 ? protocol::ParseHexDigit(word.front()) : std::nullopt;
     if (!address) return "a topic of no card";
     place.address = *address;
     word = rest;
@@ -262,7 +261,8 @@ std::optional<Glass> ReadGlass(std::string_view payload) {
       std::string text(row.get_string());
       Require(text.size() <= Glass::kMostColumns);
       Require(glass.rows.empty() || text.size() == glass.rows.front().size());
-      Require(std::ranges::all_of(text, [](char letter) { return letter >= ' ' && letter <= '~'; }));
+      Require(
+          std::ranges::all_of(text, [](char letter) { return letter >= ' ' && letter <= '~'; }));
       glass.rows.push_back(std::move(text));
     }
     glass.light = FlagAt(object, "light");

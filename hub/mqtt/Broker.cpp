@@ -144,9 +144,9 @@ asio::awaitable<Broker::Outcome> Broker::Attempt() {
 }
 
 // Without a will: it would be told in the name of the hub that has it. And with an id of its own: a
-// broker can read this greeting before the good-bye of the connection before it, and would take that
-// one for lost. The last of the answers to
-// several subscriptions comes behind all that is kept.
+// broker can read this greeting before the good-bye of the connection before it, and would take
+// that one for lost. The last of the answers to several subscriptions comes behind all that is
+// kept.
 asio::awaitable<std::optional<Ended>> Broker::FindName(bool is_version_5) {
   const std::string id = "qelm-" + house_.bus.Id() + "-look";
   Client client(house_.context, options_.server, {id, std::nullopt, is_version_5});

@@ -39,7 +39,8 @@ class Neighbours {
   api::House& house_;
   boost::asio::steady_timer told_;
   bool is_telling_ = false;
-  // What the journal was told in this minute: one that comes and goes without end is not to fill it.
+  // What the journal was told in this minute: one that comes and goes without end is not to fill
+  // it.
   model::SteadyTime minute_;
   std::map<std::string, int> told_of_;  // by board
 };

@@ -339,8 +339,8 @@ TEST_F(Commands, AnotherBoardIsAskedForByItsName) {
   Expect({"--board", "shed", "get", "lamp"}, "on (stale)\n");
   ExpectAsks({"--board", "shed", "set", "5.0", "on"}, "PUT /api/boards/shed/channels/5.0",
              R"({"value":true})");
-  ExpectAsks({"text", "E", "0", "0", "Hi", "--board", "shed"},
-             "POST /api/boards/shed/cards/E/text", R"({"row":0,"column":0,"text":"Hi"})");
+  ExpectAsks({"text", "E", "0", "0", "Hi", "--board", "shed"}, "POST /api/boards/shed/cards/E/text",
+             R"({"row":0,"column":0,"text":"Hi"})");
   ExpectAsks({"ir", "9", "434F", "--board", "shed"}, "POST /api/boards/shed/cards/9/infrared",
              R"({"bytes":"434F"})");
   EXPECT_FALSE(hub.Got("GET /api/cards"));

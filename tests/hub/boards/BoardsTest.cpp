@@ -108,7 +108,8 @@ TEST_F(BoardsTest, OneThatMovesIsForgotten) {
   Begin();
   EXPECT_EQ(Say("shed/status", ""), Boards::Turn::kWent);
   EXPECT_EQ(boards.Find("shed"), nullptr);
-  for (const char* topic : {"shed/bus", "shed/5/0", "shed/5/status", "shed/E/glass"}) Say(topic, "");
+  for (const char* topic : {"shed/bus", "shed/5/0", "shed/5/status", "shed/E/glass"})
+    Say(topic, "");
   EXPECT_TRUE(boards.All().empty());
   ASSERT_TRUE(boards.HasChanges());
   EXPECT_TRUE(boards.At(boards.TakeChanges().back().board)->is_gone);

@@ -142,8 +142,9 @@ TEST(ReadComplaint, SaysWhatIsWrong) {
   EXPECT_EQ(complaint->status, 422);
   EXPECT_EQ(complaint->detail, "no");
   EXPECT_EQ(complaint->where, "value");
-  for (const char* odd : {"", "{}", R"({"topic":"x","status":200})", R"({"topic":"x","status":600})",
-                          R"({"topic":7,"status":422})", R"({"status":"422"})"})
+  for (const char* odd :
+       {"", "{}", R"({"topic":"x","status":200})", R"({"topic":"x","status":600})",
+        R"({"topic":7,"status":422})", R"({"status":"422"})"})
     EXPECT_FALSE(ReadComplaint(odd)) << odd;
 }
 

@@ -10,7 +10,13 @@ using model::ChannelId;
 
 TEST(LedgerTest, WhoHasHeardTheLastChangeHasNothingToHear) {
   Ledger ledger;
-  ledger.Note({.after = 0, .sequence = 3, .bus = true, .cards = {5}, .channels = {}, .events = {}});
+  ledger.Note({.after = 0,
+               .sequence = 3,
+               .bus = true,
+               .cards = {5},
+               .channels = {},
+               .events = {},
+               .boards = {}});
   const Change change = ledger.After(3);
   EXPECT_FALSE(change.bus);
   EXPECT_TRUE(change.cards.empty());
@@ -19,9 +25,20 @@ TEST(LedgerTest, WhoHasHeardTheLastChangeHasNothingToHear) {
 
 TEST(LedgerTest, WhoFellBehindHearsEachLevelOnce) {
   Ledger ledger;
-  ledger.Note({.after = 0, .sequence = 1, .bus = true, .cards = {}, .channels = {}, .events = {}});
-  ledger.Note(
-      {.after = 1, .sequence = 2, .bus = false, .cards = {}, .channels = {{3, 6}}, .events = {}});
+  ledger.Note({.after = 0,
+               .sequence = 1,
+               .bus = true,
+               .cards = {},
+               .channels = {},
+               .events = {},
+               .boards = {}});
+  ledger.Note({.after = 1,
+               .sequence = 2,
+               .bus = false,
+               .cards = {},
+               .channels = {{3, 6}},
+               .events = {},
+               .boards = {}});
   ledger.Note({.after = 2,
                .sequence = 4,
                .bus = false,
@@ -37,26 +54,60 @@ TEST(LedgerTest, WhoFellBehindHearsEachLevelOnce) {
 
 TEST(LedgerTest, ACardThatChangedAsAWholeBringsItsChannels) {
   Ledger ledger;
-  ledger.Note(
-      {.after = 0, .sequence = 1, .bus = false, .cards = {}, .channels = {{5, 0}}, .events = {}});
-  ledger.Note(
-      {.after = 1, .sequence = 2, .bus = false, .cards = {5}, .channels = {}, .events = {}});
+  ledger.Note({.after = 0,
+               .sequence = 1,
+               .bus = false,
+               .cards = {},
+               .channels = {{5, 0}},
+               .events = {},
+               .boards = {}});
+  ledger.Note({.after = 1,
+               .sequence = 2,
+               .bus = false,
+               .cards = {5},
+               .channels = {},
+               .events = {},
+               .boards = {}});
   EXPECT_EQ(ledger.After(0).cards, (std::vector<unsigned>{5}));
   EXPECT_TRUE(ledger.After(0).channels.empty());
 }
 
 TEST(LedgerTest, WhatThePageKeepsIsHeardOnce) {
   Ledger ledger;
-  ledger.Note({.after = 0, .sequence = 1, .page = true, .cards = {}, .channels = {}, .events = {}});
-  ledger.Note({.after = 1, .sequence = 2, .bus = true, .cards = {}, .channels = {}, .events = {}});
+  ledger.Note({.after = 0,
+               .sequence = 1,
+               .page = true,
+               .cards = {},
+               .channels = {},
+               .events = {},
+               .boards = {}});
+  ledger.Note({.after = 1,
+               .sequence = 2,
+               .bus = true,
+               .cards = {},
+               .channels = {},
+               .events = {},
+               .boards = {}});
   EXPECT_TRUE(ledger.After(0).page);
   EXPECT_FALSE(ledger.After(1).page);
 }
 
 TEST(LedgerTest, OnlyTheLastChangeIsNextForItsReader) {
   Ledger ledger;
-  ledger.Note({.after = 0, .sequence = 2, .bus = true, .cards = {}, .channels = {}, .events = {}});
-  ledger.Note({.after = 2, .sequence = 5, .bus = true, .cards = {}, .channels = {}, .events = {}});
+  ledger.Note({.after = 0,
+               .sequence = 2,
+               .bus = true,
+               .cards = {},
+               .channels = {},
+               .events = {},
+               .boards = {}});
+  ledger.Note({.after = 2,
+               .sequence = 5,
+               .bus = true,
+               .cards = {},
+               .channels = {},
+               .events = {},
+               .boards = {}});
   EXPECT_TRUE(ledger.IsNext(2));
   EXPECT_FALSE(ledger.IsNext(1));
 }
