@@ -44,7 +44,8 @@ TEST(LedgerTest, WhoFellBehindHearsEachLevelOnce) {
                .bus = false,
                .cards = {},
                .channels = {{3, 6}, {15, 0}},
-               .events = {}});
+               .events = {},
+               .boards = {}});
   const Change change = ledger.After(1);
   EXPECT_EQ(change.after, 1U);
   EXPECT_EQ(change.sequence, 4U);
