@@ -53,7 +53,7 @@ TEST_F(OpenApiTest, EachRowIsInIt) {
   std::set<std::string> expected;
   for (const Method& method : Methods()) expected.insert(std::string(method.name));
   EXPECT_EQ(found, expected);
-  EXPECT_EQ(found.size(), 44U);
+  EXPECT_EQ(found.size(), 53U);
 }
 
 TEST_F(OpenApiTest, OneOperationInFull) {
@@ -83,9 +83,9 @@ TEST_F(OpenApiTest, EachParameterOfAPathIsDeclaredAndNoOther) {
       for (const json::value& parameter : parameters->get_array())
         if (parameter.at("in") == "path")
           named += '{' + std::string(parameter.at("name").get_string()) + '}';
-    const size_t begin = path.find('{');
-    const std::string wanted =
-        begin == std::string::npos ? "" : path.substr(begin, path.find('}') - begin + 1);
+    std::string wanted;
+    for (size_t at = path.find('{'); at != std::string::npos; at = path.find('{', at + 1))
+      wanted += path.substr(at, path.find('}', at) - at + 1);
     EXPECT_EQ(named, wanted) << path;
   });
 }
@@ -125,6 +125,7 @@ TEST_F(OpenApiTest, EachRequestOfAnExampleIsTaken) {
   const std::map<std::string_view, std::string> addresses{
       {"lcd", "E"}, {"ir", "9"}, {"card", "3"}, {"cards", "5"}};
   for (const Method& method : Methods()) {
+    if (method.name.starts_with("boards.")) continue;  // there is no other board to answer
     json::object parameters;
     for (const auto& [place, given] : paths)
       if (method.route.find(place) != std::string_view::npos)

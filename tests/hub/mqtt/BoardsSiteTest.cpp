@@ -24,8 +24,11 @@ class BoardsSite : public BrokerSite {
     const std::string file = folder.Write(
         "desk.toml",
         "[daemon]\ncae = 1\nio = 2\nmon = 3\n[http]\nlisten = []\n[text]\nlisten = \"\"\n"
-        "[store]\nfolder = \"" + folder.Path("desk") + "\"\n"
-        "[broker]\nhost = \"127.0.0.1\"\nname = \"desk\"\nboards = true\ndiscovery = \"off\"\n");
+        "[store]\nfolder = \"" +
+            folder.Path("desk") +
+            "\"\n"
+            "[broker]\nhost = \"127.0.0.1\"\nname = \"desk\"\nboards = true\ndiscovery = "
+            "\"off\"\n");
     neighbour = std::make_unique<virtualbus::Program>(
         folder, QELM_HUB_BINARY,
         std::vector<std::string>{"--config", file, "--socket", folder.Path("desk.sock")});
@@ -44,7 +47,9 @@ class BoardsSite : public BrokerSite {
     EXPECT_TRUE(WaitUntil([&] {
       out = Ctl(words);
       return out.find(part) != std::string::npos;
-    })) << part << "\n" << out;
+    })) << part
+        << "\n"
+        << out;
   }
 
   TempDir folder;

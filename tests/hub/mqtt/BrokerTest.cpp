@@ -9,10 +9,15 @@
 
 class BrokerTest : public BrokerSite {
  protected:
+  // A key is down: only from then on the hub knows what a further byte of the card means.
   void Ready() {
     StartBroker();
     StartAllWith();
     ExpectBroker(R"("state":"up")");
+    Bus("press 8 01");
+    EXPECT_TRUE(WaitUntil([] {
+      return AskLocally("GET", "/api/channels/8.0").find(R"("known":true)") != std::string::npos;
+    }));
     Listen();
     ExpectLevel("qelm/bench/5/status online");
   }
@@ -63,13 +68,7 @@ TEST_F(BrokerTest, AllIsRightAgainWhenItWasAway) {
   StopBroker();
   ExpectBroker(R"("state":"connecting")");
   Bus("press 3 06");
-  for (const char* byte : {"5", "0"}) {
-    Bus(std::string(byte) == "5" ? "press 8 05" : "release 8 05");
-    EXPECT_TRUE(WaitUntil([&] {
-      return AskLocally("GET", "/api/channels/8.0").find("\"value\":" + std::string(byte)) !=
-             std::string::npos;
-    }));
-  }
+  Bus("press 8 05");  // the key that was down is let go, too
   EXPECT_EQ(StatusOf(Ask("PUT", "/api/channels/5.7", R"({"value":true})")), 200);
   EXPECT_TRUE(WaitUntil([] { return Metric("qelm_broker_dropped_total") >= 2; }));
   StartBroker();
@@ -77,7 +76,7 @@ TEST_F(BrokerTest, AllIsRightAgainWhenItWasAway) {
   Listen();
   ExpectLevel("qelm/bench/3/6 ON");
   ExpectLevel("qelm/bench/5/7 ON");
-  ExpectLevel("qelm/bench/8/0 0");
+  ExpectLevel("qelm/bench/8/0 5");
   ExpectLevel("qelm/bench/status online");
   EXPECT_FALSE(HasHeard("/event"));  // what was then is not told now
   const std::string journal = AskLocally("GET", "/api/journal");

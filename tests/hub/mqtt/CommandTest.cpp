@@ -75,7 +75,8 @@ TEST_F(BrokerCommands, WhatIsNotRightIsAnsweredAndDoesNothing) {
   Tell("qelm/bench/5/7/set", "ON");  // the first that is right
   ExpectHeld("5", "Lines 7F FF");
   EXPECT_EQ(WritesTo("5"), std::vector<std::string>{"7F FF"});
-  EXPECT_EQ(Metric(R"(qelm_commands_total{door="broker",outcome="done"})"), 1);
+  EXPECT_TRUE(WaitUntil(
+      [] { return Metric(R"(qelm_commands_total{door="broker",outcome="done"})") == 1; }));
   EXPECT_EQ(Metric(R"(qelm_commands_total{door="broker",outcome="refused"})"), 12);
 }
 

@@ -55,6 +55,15 @@ constexpr Route kRoutes[] = {
     {"GET", "/api/tokens"},
     {"POST", "/api/tokens"},
     {"DELETE", "/api/tokens/script"},
+    {"GET", "/api/boards"},
+    {"GET", "/api/boards/barn"},
+    {"GET", "/api/boards/barn/cards"},
+    {"GET", "/api/boards/barn/cards/5"},
+    {"GET", "/api/boards/barn/channels/5.0"},
+    {"PUT", "/api/boards/barn/channels/5.0"},
+    {"POST", "/api/boards/barn/cards/E/text"},
+    {"POST", "/api/boards/barn/cards/E/control"},
+    {"POST", "/api/boards/barn/cards/9/infrared"},
 };
 constexpr size_t kRoutesElsewhere = 4;  // the login's, and the WebSocket
 
