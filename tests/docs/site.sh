@@ -33,7 +33,7 @@ start_site() {
   order_bus 'wait frame 20'
 }
 
-# The hub has the daemon's three ports from now on. $1: more settings
+# The hub has the daemon's three ports from now on. $1: more settings, or none
 start_hub() {
   mkdir /run/qelm-hub
   cat >/etc/qelm/qelm-hub.toml <<TOML
@@ -45,7 +45,7 @@ folder = "$PWD/store"
 bus = "bench"
 [virtual-bus]
 control = "$PWD/bus"
-${1:-}
+$1
 TOML
   "$build/qelm-hub" 2>hub.log &
   hub=$!

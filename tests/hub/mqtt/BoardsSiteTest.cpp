@@ -76,6 +76,7 @@ TEST_F(BoardsSite, WhatItRefusesComesBackInItsWords) {
   Ready();
   ExpectCtl({"--board", "bench", "cards"}, "5  digital-output");
   daemon.Kill(SIGKILL);
+  daemon.WaitForEnd();
   ExpectCtl({"--board", "bench", "set", "5.0", "on"}, "the daemon is not there");
 }
 
