@@ -62,10 +62,10 @@ TEST_F(BoardsSite, ItsCardsAreSeenAndItsLampsSwitched) {
   Bus("press 3 06");
   ExpectCtl({"--board", "bench", "get", "3.6"}, "on\n");
   ExpectCtl({"--board", "bench", "set", "5.0", "on"}, "5.0");
-  ExpectHeld("5", "Lines FF FE");
+  ExpectHeld("5", "Lines FE FF");
   ExpectCtl({"--board", "bench", "get", "5.0"}, "on\n");
   ExpectCtl({"--board", "bench", "text", "E", "1", "3", "Tail"}, "|   Tail");
-  ExpectHeld("E", "Row1 \"   Tail");
+  ExpectHeld("E", "Row1 \"   Tail             \"");
   ExpectCtl({"--board", "bench", "light", "E", "on"}, "E");
   EXPECT_NE(Ctl({"--board", "bench", "set", "3.6", "on"}).find("it has no outputs"),
             std::string::npos);
