@@ -23,6 +23,7 @@ struct BoardPlace {
   uint32_t board = 0;   // its place among all of them
   int8_t address = -1;  // -1: the row
   int8_t number = -1;   // -1: the card
+  // NOLINTNEXTLINE(modernize-use-nullptr): the 0 that an ordering is compared with
   auto operator<=>(const BoardPlace&) const = default;
 };
 
