@@ -56,6 +56,21 @@ class BoardsSite : public BrokerSite {
   std::unique_ptr<virtualbus::Program> neighbour;
 };
 
+TEST_F(BoardsSite, ItsCardsAreSeenAndItsLampsSwitched) {
+  Ready();
+  ExpectCtl({"--board", "bench", "cards"}, "5  digital-output");
+  Bus("press 3 06");
+  ExpectCtl({"--board", "bench", "get", "3.6"}, "on\n");
+  ExpectCtl({"--board", "bench", "set", "5.0", "on"}, "5.0");
+  ExpectHeld("5", "Lines FE FF");
+  ExpectCtl({"--board", "bench", "get", "5.0"}, "on\n");
+  ExpectCtl({"--board", "bench", "text", "E", "1", "3", "Tail"}, "|   Tail");
+  ExpectHeld("E", "Row1 \"   Tail             \"");
+  ExpectCtl({"--board", "bench", "light", "E", "on"}, "|   Tail");
+  EXPECT_NE(Ctl({"--board", "bench", "set", "3.6", "on"}).find("it has no outputs"),
+            std::string::npos);
+}
+
 // Its daemon is gone: it says so itself, on its topic for errors.
 TEST_F(BoardsSite, WhatItRefusesComesBackInItsWords) {
   Ready();
