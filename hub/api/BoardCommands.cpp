@@ -18,6 +18,7 @@
 #include "api/BoardShapes.h"
 #include "api/Handlers.h"
 #include "api/Json.h"
+#include "api/Targets.h"
 #include "api/Times.h"
 
 namespace hub::api {
@@ -39,6 +40,7 @@ struct Errand {
   std::string board;
   std::string topic;  // behind the board's name: "5/0/set"
   std::string payload;
+  std::string note = {};                                          // for the journal, once done
   std::function<bool(const boards::Board& board)> is_shown = {};  // empty: cannot be
 };
 
@@ -71,7 +73,7 @@ void RequireDone(const Order& order, bool may_be_silent) {
   }
 }
 
-asio::awaitable<void> Run(House& house, Errand errand) {
+asio::awaitable<void> Run(House& house, const Request& request, Errand errand) {
   const boards::Board& board = *house.boards.Find(errand.board);
   RequireOnline(house, board);
   const bool may_be_silent = !errand.is_shown || errand.is_shown(board);
@@ -91,6 +93,7 @@ asio::awaitable<void> Run(House& house, Errand errand) {
   if (order.outcome == Order::Outcome::kUnderWay) co_await answer.async_wait(token);
   house.boards.Leave(order);
   RequireDone(order, may_be_silent);
+  Note(house, request, "command", std::move(errand.note));
 }
 
 BoardCardAt RequireBoardKind(const House& house, const Request& request, model::Kind kind) {
@@ -138,24 +141,13 @@ std::string SetPayload(const Request& request) {
 // The row as it will be, with the text in it.
 std::string RowWith(const boards::Glass& glass, size_t row, size_t column,
                     const std::string& text) {
-  if (row >= glass.rows.size())
-    throw DoesNotFit("row",
-                     fmt::format("row {}; the glass has rows 0 to {}", row, glass.rows.size() - 1));
-  std::string whole = glass.rows[row];
-  if (column >= whole.size())
-    throw DoesNotFit("column", fmt::format("column {}; the glass has columns 0 to {}", column,
-                                           whole.size() - 1));
-  if (!std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; }))
-    throw DoesNotFit("text", "the glass shows printable ASCII only");
-  if (text.size() > whole.size() - column)
-    throw DoesNotFit("text", fmt::format("a text of {} characters; row {} from column {} has "
-                                         "room for {}",
-                                         text.size(), row, column, whole.size() - column));
-  return whole.replace(column, text.size(), text);
+  const size_t columns = row < glass.rows.size() ? glass.rows[row].size() : 0;
+  RequireRoom({glass.rows.size(), columns}, row, column, text);
+  return std::string(glass.rows[row]).replace(column, text.size(), text);
 }
 
 const boards::Glass& RequireGlass(const BoardCardAt& at) {
-  if (!at.card.glass)
+  if (!at.card.glass || at.card.glass->rows.empty())
     throw RetryLater(503, at.board.name + " has not said yet what its glass shows",
                      kRetryBoardSeconds);
   return *at.card.glass;
@@ -170,17 +162,17 @@ Answer SetBoardChannel(House& house, Request request) {
   const json::value wanted = request.parameters.at("value");
   RequireOutput(at, wanted);
   const model::ChannelId id = at.id;
-  Errand errand{at.board.name, fmt::format("{}/{}/set", AddressText(id.address), id.number),
-                SetPayload(request)};
+  Errand errand{.board = at.board.name,
+                .topic = fmt::format("{}/{}/set", AddressText(id.address), id.number),
+                .payload = SetPayload(request)};
   const model::Value before = at.card.channels[id.number].value;
   errand.is_shown = [id, wanted, before](const boards::Board& board) {
     const std::vector<boards::Channel>& channels = board.cards.at(id.address).channels;
     return id.number < channels.size() && Shows(channels[id.number], wanted, before);
   };
-  std::string note = fmt::format("{} of {}: {}", ChannelText(id), errand.board, errand.payload);
-  auto running = Run(house, std::move(errand));
+  errand.note = fmt::format("{} of {}: {}", ChannelText(id), errand.board, errand.payload);
+  auto running = Run(house, request, std::move(errand));
   co_await std::move(running);
-  Note(house, request, "command", std::move(note));
   const BoardChannelAt now = RequireBoardChannel(house, request);
   co_return Done(BoardChannelJson(now.board, now.id));
 }
@@ -192,16 +184,17 @@ Answer WriteBoardDisplay(House& house, Request request) {
   const std::string text = TextAt(request, "text");
   const std::string whole = RowWith(RequireGlass(at), row, column, text);
   const unsigned address = at.address;
-  Errand errand{at.board.name, fmt::format("{}/row/{}/set", AddressOf(at), row), whole};
+  Errand errand{.board = at.board.name,
+                .topic = fmt::format("{}/row/{}/set", AddressOf(at), row),
+                .payload = whole};
   errand.is_shown = [address, row, whole](const boards::Board& board) {
     const auto& glass = board.cards.at(address).glass;
     return glass && row < glass->rows.size() && glass->rows[row] == whole;
   };
-  std::string note = fmt::format("{} of {}: text at row {}, column {}: {}", AddressOf(at),
-                                 errand.board, row, column, text);
-  auto running = Run(house, std::move(errand));
+  errand.note = fmt::format("{} of {}: text at row {}, column {}: {}", AddressOf(at), errand.board,
+                            row, column, text);
+  auto running = Run(house, request, std::move(errand));
   co_await std::move(running);
-  Note(house, request, "command", std::move(note));
   const BoardCardAt now = RequireBoardCard(house, request);
   co_return Done(BoardCardJson(now.board, now.address));
 }
@@ -211,15 +204,16 @@ Answer ControlBoardDisplay(House& house, Request request) {
   const std::string word = TextAt(request, "do");
   const bool is_on = word == "light-on";
   const unsigned address = at.address;
-  Errand errand{at.board.name, AddressOf(at) + "/light/set", is_on ? "ON" : "OFF"};
+  Errand errand{.board = at.board.name,
+                .topic = AddressOf(at) + "/light/set",
+                .payload = is_on ? "ON" : "OFF"};
   errand.is_shown = [address, is_on](const boards::Board& board) {
     const auto& glass = board.cards.at(address).glass;
     return glass && glass->light == is_on;
   };
-  std::string note = fmt::format("{} of {}: {}", AddressOf(at), errand.board, word);
-  auto running = Run(house, std::move(errand));
+  errand.note = fmt::format("{} of {}: {}", AddressOf(at), errand.board, word);
+  auto running = Run(house, request, std::move(errand));
   co_await std::move(running);
-  Note(house, request, "command", std::move(note));
   const BoardCardAt now = RequireBoardCard(house, request);
   co_return Done(BoardCardJson(now.board, now.address));
 }
@@ -227,11 +221,12 @@ Answer ControlBoardDisplay(House& house, Request request) {
 Answer SendBoardCode(House& house, Request request) {
   const BoardCardAt at = RequireBoardKind(house, request, model::Kind::kInfrared);
   const model::ChannelId id{at.address, 0};
-  Errand errand{at.board.name, AddressOf(at) + "/infrared/set", TextAt(request, "bytes")};
-  std::string note = fmt::format("{} of {}: code {}", AddressOf(at), errand.board, errand.payload);
-  auto running = Run(house, std::move(errand));
+  Errand errand{.board = at.board.name,
+                .topic = AddressOf(at) + "/infrared/set",
+                .payload = TextAt(request, "bytes")};
+  errand.note = fmt::format("{} of {}: code {}", AddressOf(at), errand.board, errand.payload);
+  auto running = Run(house, request, std::move(errand));
   co_await std::move(running);
-  Note(house, request, "command", std::move(note));
   const BoardCardAt now = RequireBoardKind(house, request, model::Kind::kInfrared);
   co_return Done(BoardChannelJson(now.board, id));
 }

@@ -1,10 +1,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "api/Handlers.h"
+#include "api/Targets.h"
 #include "api/Words.h"
 
 namespace hub::api {
@@ -20,24 +20,6 @@ Answer Send(House& house, Request request, protocol::IoCommand command, std::str
   co_return Done(CardJson(house.bus, RequireCard(house, request)));
 }
 
-// Rows and columns count from 0, as the daemon's do.
-void RequireRoom(const model::Glass& glass, unsigned row, unsigned column,
-                 const std::string& text) {
-  if (row >= glass.RowCount())
-    throw DoesNotFit("row",
-                     fmt::format("row {}; the glass has rows 0 to {}", row, glass.RowCount() - 1));
-  if (column >= glass.ColumnCount())
-    throw DoesNotFit("column", fmt::format("column {}; the glass has columns 0 to {}", column,
-                                           glass.ColumnCount() - 1));
-  if (!std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; }))
-    throw DoesNotFit("text", "the glass shows printable ASCII only");
-  const unsigned room = glass.Room(column, row);
-  if (text.size() > room)
-    throw DoesNotFit("text", fmt::format("a text of {} characters; row {} from column {} has "
-                                         "room for {}",
-                                         text.size(), row, column, room));
-}
-
 }  // namespace
 
 Answer WriteDisplay(House& house, Request request) {
@@ -45,7 +27,7 @@ Answer WriteDisplay(House& house, Request request) {
   const auto row = static_cast<unsigned>(IntegerAt(request, "row"));
   const auto column = static_cast<unsigned>(IntegerAt(request, "column"));
   std::string text = TextAt(request, "text");
-  RequireRoom(*card.glass, row, column, text);
+  RequireRoom({card.glass->RowCount(), card.glass->ColumnCount()}, row, column, text);
   std::string note = fmt::format("{}: text at row {}, column {}: {}", AddressText(card.address),
                                  row, column, text);
   protocol::IoCommand command =

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 
 #include "api/Problem.h"
@@ -76,6 +77,21 @@ std::vector<link::Target> TargetsOf(const model::Bus& bus, const model::Card& ca
     targets.push_back(TargetOf(bus, card, id->number, member.value(), key));
   }
   return targets;
+}
+
+void RequireRoom(GlassSize glass, size_t row, size_t column, std::string_view text) {
+  if (row >= glass.rows)
+    throw DoesNotFit("row", fmt::format("row {}; the glass has rows 0 to {}", row, glass.rows - 1));
+  if (column >= glass.columns)
+    throw DoesNotFit("column", fmt::format("column {}; the glass has columns 0 to {}", column,
+                                           glass.columns - 1));
+  if (!std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; }))
+    throw DoesNotFit("text", "the glass shows printable ASCII only");
+  const size_t room = glass.columns - column;
+  if (text.size() > room)
+    throw DoesNotFit("text",
+                     fmt::format("a text of {} characters; row {} from column {} has room for {}",
+                                 text.size(), row, column, room));
 }
 
 std::string TargetsText(const model::Bus& bus, const model::Card& card,

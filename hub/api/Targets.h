@@ -24,6 +24,13 @@ link::Target TargetOf(const model::Bus& bus, const model::Card& card, unsigned n
 std::vector<link::Target> TargetsOf(const model::Bus& bus, const model::Card& card,
                                     const boost::json::object& values);
 
+// The text fits its row of a glass, from that column on. Both count from 0, as the daemon's do.
+struct GlassSize {
+  size_t rows;
+  size_t columns;
+};
+void RequireRoom(GlassSize glass, size_t row, size_t column, std::string_view text);
+
 // For people: "5.0 (Lamp): on, 5.7: off".
 std::string TargetsText(const model::Bus& bus, const model::Card& card,
                         const std::vector<link::Target>& targets);
