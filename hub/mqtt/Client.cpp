@@ -106,7 +106,7 @@ void Client::Session::Watch(Descriptor::wait_type what, bool& is_watching) {
     is_watching = false;
     if (error || !self->socket_.is_open()) return;
     self->Do([what](Library& library) {
-      what == Descriptor::wait_read ? library.Read() : library.Write();
+      what == Descriptor::wait_read ? library.Read(kMostNews) : library.Write();
     });
   });
 }

@@ -167,7 +167,13 @@ int Library::Socket() const { return mosquitto_socket(handle_); }
 
 bool Library::WantsToWrite() const { return mosquitto_want_write(handle_); }
 
-void Library::Read() { Note(mosquitto_loop_read(handle_, 1)); }
+// The library takes a packet a call, and errno says where there was none left.
+void Library::Read(size_t most) {
+  do {
+    errno = 0;
+    Note(mosquitto_loop_read(handle_, 1));
+  } while (errno != EAGAIN && !has_ended_ && news.size() < most);
+}
 
 void Library::Write() { Note(mosquitto_loop_write(handle_, 1)); }
 

@@ -27,7 +27,7 @@ class Library {
 
   int Socket() const;  // -1: none
   bool WantsToWrite() const;
-  void Read();
+  void Read(size_t most);  // what has come, until there are so many news
   void Write();
   void LookAfter();  // every few seconds: asks a silent broker whether it is there
 
