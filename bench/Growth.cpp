@@ -13,7 +13,7 @@ constexpr int kSamples = 300;
 constexpr int kRepeats = 5;
 
 double Percentile(std::vector<double> values, double percent) {
-  Results results;
+  Results results("");
   results.Add("", "", "", std::move(values));
   return results.Percentile("", "", percent);
 }

@@ -125,7 +125,7 @@ void MeasureAll(Results& results, bool wired) {
 }  // namespace
 
 Results MeasurePace() {
-  Results results;
+  Results results("floor");
   MeasureStart(results);
   for (const bool wired : {false, true}) MeasureAll(results, wired);
   return results;

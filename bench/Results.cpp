@@ -8,7 +8,6 @@
 namespace {
 
 constexpr char kOurs[] = "qelm";
-constexpr char kFloor[] = "floor";
 constexpr std::size_t kManyValues = 20;  // fewer have no 95th percentile
 
 double PercentileOf(std::vector<double> values, double percent) {
@@ -76,7 +75,7 @@ void Results::PrintTable() const {
   for (const Measure& m : measures_) {
     std::printf("\n%-42s %9s %9s %9s", (m.name + " [" + m.unit + "]").c_str(), "median", "p95",
                 "p99");
-    if (IsCompared(m)) std::printf(" %9s %9s", "to floor", "qelm to");
+    if (IsCompared(m)) std::printf(" %9s %9s", ("to " + base_).c_str(), "qelm to");
     for (const auto& [system, rounds] : m.systems) {
       std::printf("\n  %-40s %9s", system.c_str(), Text(Percentile(m.name, system, 50)).c_str());
       if (Together(rounds).size() >= kManyValues)
@@ -85,7 +84,7 @@ void Results::PrintTable() const {
       else
         std::printf(" %9s %9s", "", "");
       if (IsCompared(m))
-        std::printf(" %9s %9s", Number(Ratio(m.name, system, kFloor), "%.2f", "").c_str(),
+        std::printf(" %9s %9s", Number(Ratio(m.name, system, base_), "%.2f", "").c_str(),
                     Number(Ratio(m.name, kOurs, system), "%.2f", "").c_str());
     }
     std::printf("\n");
@@ -102,7 +101,7 @@ void Results::WriteJson(const std::string& path, const std::vector<Bar>& bars) c
            << "\", \"system\": \"" << system << '"';
       for (const int percent : {50, 95, 99})
         file << ", \"p" << percent << "\": " << Json(Percentile(m.name, system, percent));
-      file << ", \"to_floor\": " << Json(Ratio(m.name, system, kFloor))
+      file << ", \"to_" << base_ << "\": " << Json(Ratio(m.name, system, base_))
            << ", \"qelm_to\": " << Json(Ratio(m.name, kOurs, system)) << '}';
       comma = ",\n";
     }

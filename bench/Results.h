@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 using Rounds = std::vector<std::vector<double>>;
@@ -25,6 +26,9 @@ struct Bar {
 
 class Results {
  public:
+  // The system beside which the others are seen.
+  explicit Results(std::string base) : base_(std::move(base)) {}
+
   void Add(const std::string& measure, const std::string& unit, const std::string& system,
            std::vector<double> round);
 
@@ -40,6 +44,7 @@ class Results {
  private:
   const Rounds* Find(const std::string& measure, const std::string& system) const;
 
+  std::string base_;
   std::vector<Measure> measures_;  // in the order in which they came
 };
 

@@ -1,9 +1,12 @@
 // What the bench runs inside its sandbox, as the first process of a namespace: whatever
 // it has started ends with it.
 //   bench-pace pace FILE       measures the daemon beside the others; FILE gets it as JSON
+//   bench-pace hub FILE        measures the hub beside the daemon's own ports
 //   bench-pace growth FOLDER   measures how cost grows; FOLDER gets the curves
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -11,6 +14,7 @@
 #include <string_view>
 
 #include "Growth.h"
+#include "HubPace.h"
 #include "Pace.h"
 #include "Process.h"
 #include "Results.h"
@@ -31,8 +35,9 @@ int Run(std::string_view mode, const std::string& place) {
     MeasureGrowth(place);
     return 0;
   }
-  const Results results = MeasurePace();
-  const std::vector<Bar> bars = PaceBars(results);
+  const bool is_hub = mode == "hub";
+  const Results results = is_hub ? MeasureHub() : MeasurePace();
+  const std::vector<Bar> bars = is_hub ? HubBars(results) : PaceBars(results);
   results.PrintTable();
   PrintBars(bars);
   results.WriteJson(place, bars);
@@ -42,8 +47,9 @@ int Run(std::string_view mode, const std::string& place) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3 || (std::string_view(argv[1]) != "pace" && std::string_view(argv[1]) != "growth")) {
-    std::fprintf(stderr, "usage: bench-pace pace FILE | growth FOLDER\n");
+  constexpr std::array<std::string_view, 3> kModes{"pace", "hub", "growth"};
+  if (argc != 3 || std::ranges::find(kModes, std::string_view(argv[1])) == kModes.end()) {
+    std::fprintf(stderr, "usage: bench-pace pace FILE | hub FILE | growth FOLDER\n");
     return 2;
   }
   for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, [](int) { _exit(1); });
