@@ -25,9 +25,10 @@ constexpr char kBrokerSettings[] = "/run/bench/mosquitto.conf";
 constexpr char kStore[] = "/run/bench/store";
 
 void WriteSettings() {
-  std::ofstream(kSettings) << "[http]\nmax-connections = 1200\n[daemon]\nlog = \"/run/qelm/qelm.log\"\n"
-                           << "[store]\nfolder = \"" << kStore << "\"\n"
-                           << "[broker]\nhost = \"127.0.0.1\"\nname = \"bench\"\n";
+  std::ofstream(kSettings)
+      << "[http]\nmax-connections = 1200\n[daemon]\nlog = \"/run/qelm/qelm.log\"\n"
+      << "[store]\nfolder = \"" << kStore << "\"\n"
+      << "[broker]\nhost = \"127.0.0.1\"\nname = \"bench\"\n";
   std::ofstream(kBrokerSettings) << "user root\npersistence false\nlistener " << kBrokerPort
                                  << " 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\n";
   std::filesystem::remove_all(kStore);
@@ -54,9 +55,10 @@ class Hub {
   void Start() {
     process = {};
     const Time began = Clock::now();
-    process = Process({BUILD_FOLDER "/qelm-hub", "--config", kSettings, "--socket",
-                       "/run/bench/hub.sock"});
-    Await("the hub", [] { return IsListening(kHubPort); }, microseconds(100));
+    process = Process(
+        {BUILD_FOLDER "/qelm-hub", "--config", kSettings, "--socket", "/run/bench/hub.sock"});
+    Await(
+        "the hub", [] { return IsListening(kHubPort); }, microseconds(100));
     Says("/api/bus", "");
     start_time = Clock::now() - began;
   }
@@ -275,8 +277,8 @@ std::vector<Bar> HubBars(const Results& results) {
     const double value = row.is_ratio ? results.Ratio(row.measure, row.system, "direct")
                                       : results.Percentile(row.measure, row.system, 50);
     const char* const other = row.is_ratio ? ", to direct" : "";
-    bars.push_back({std::string(row.measure) + ", " + row.system + other, value, row.limit,
-                    row.at_least});
+    bars.push_back(
+        {std::string(row.measure) + ", " + row.system + other, value, row.limit, row.at_least});
   }
   const double crowd = results.Percentile("input latency", "the last of 100 WebSockets", 50) -
                        results.Percentile("input latency", "direct", 50);

@@ -1,6 +1,7 @@
 #include "boards/Boards.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace hub::boards {
 
@@ -56,21 +57,24 @@ std::vector<const Board*> Boards::All() const {
   return all;
 }
 
-// A new place; else that of the board which is stale for longest.
+// A new place; else that of the board which has said least: one that has never told its bus, or
+// that is stale for longest. One that is there and has told it keeps its place.
 Board* Boards::FreePlace() {
   if (places_.size() < kMostBoards) {
     places_.push_back(std::make_unique<Board>());
     places_.back()->place = static_cast<uint32_t>(places_.size() - 1);
     return places_.back().get();
   }
-  Board* oldest = nullptr;
-  for (const auto& board : places_) {
-    if (board->is_gone) return board.get();
-    const bool is_older = oldest == nullptr || board->since < oldest->since;
-    if (!board->IsOnline() && is_older) oldest = board.get();
-  }
-  if (oldest != nullptr) Forget(oldest->name);
-  return oldest;
+  const auto worth = [](const Board& board) {
+    return std::tuple(!board.is_gone, !board.identity.id.empty(), board.IsOnline(), board.since);
+  };
+  const auto least = std::ranges::min_element(
+      places_, {}, [&worth](const std::unique_ptr<Board>& board) { return worth(*board); });
+  Board* const board = least->get();
+  if (board->is_gone) return board;
+  if (board->IsOnline() && !board->identity.id.empty()) return nullptr;
+  Forget(std::string(board->name));
+  return board;
 }
 
 Board* Boards::FindOrAdd(const Place& place, std::string_view payload, model::Time now) {

@@ -108,15 +108,20 @@ std::optional<bool> FlagAt(const json::object& object, std::string_view key) {
   return value.get_bool();
 }
 
+// Where there is none, the first of these.
 std::string WordAt(const json::object& object, std::string_view key,
                    std::initializer_list<std::string_view> words) {
   std::string word = TextAt(object, key);
+  if (word.empty()) return std::string(*words.begin());
   Require(std::ranges::find(words, word) != words.end());
   return word;
 }
 
+// Null, or nothing at all, is an empty one.
 const json::object& ObjectAt(const json::object& object, std::string_view key) {
+  static const json::object kEmpty;
   const json::value& value = At(object, key);
+  if (value.is_null()) return kEmpty;
   Require(value.is_object());
   return value.get_object();
 }
@@ -150,10 +155,11 @@ void ReadCard(const json::value& value, BusSaid& said) {
   CardEntry& entry = said.cards[*place];
   entry.kind = &model::FindWord(TextAt(object, "kind"));
   entry.name = TextAt(object, "name");
-  entry.is_present = WordAt(object, "state", {"present", "silent"}) == "present";
+  const std::string state = WordAt(object, "state", {"present", "silent", "absent"});
+  if (state == "absent") return void(entry = {});
+  entry.is_present = state == "present";
   const json::value& channels = At(object, "channels");
-  if (channels.is_null()) return;
-  Require(channels.is_object());
+  if (!channels.is_object()) return;
   for (const auto& member : channels.get_object()) {
     const auto number = NumberOf(std::string_view(member.key()));
     Require(number.has_value());

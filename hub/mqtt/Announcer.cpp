@@ -97,7 +97,9 @@ std::optional<Announcer::Deed> Announcer::Tell(const Announcement& announcement,
   std::string payload = ToPayload(announcement, removed);
   const bool is_same = topic.told == payload;
   if (is_same && !topic.again) return std::nullopt;
-  if (topic.told && now < topic.told_at + kRest) {
+  // A greeting is answered at once: what is told then is nothing new.
+  const bool is_answer = is_same && is_greeted_;
+  if (topic.told && !is_answer && now < topic.told_at + kRest) {
     ActAt(topic.told_at + kRest);
     return std::nullopt;
   }

@@ -19,7 +19,10 @@ namespace asio = boost::asio;
 using boost::system::error_code;
 using model::BrokerState;
 
-constexpr std::chrono::seconds kLongestPause{5};
+constexpr std::chrono::seconds kLongestPause{5};  // where it refuses
+// Where it is not there: all is to be told again within a second of its return.
+constexpr std::chrono::milliseconds kShortestPause{250};
+constexpr std::chrono::milliseconds kLongestAwayPause{600};
 constexpr std::chrono::seconds kSteady{10};  // a connection that has held so long was a good one
 constexpr std::chrono::seconds kGoodBye{1};
 constexpr std::chrono::seconds kRatesEvery{30};
@@ -36,12 +39,17 @@ Broker::Broker(api::House& house, std::string version)
             publisher_.Tell({Names().Error(), ErrorPayload(topic, problem)}, house_.clock.Steady());
             Flush();
           }),
-      neighbours_(house,
-                  [this](Message command) {
-                    publisher_.Tell(std::move(command), house_.clock.Steady());
-                    Flush();
-                  }),
-      backoff_(std::random_device{}(), kLongestPause),
+      neighbours_(
+          house,
+          {.send =
+               [this](Message command) {
+                 publisher_.Tell(std::move(command), house_.clock.Steady());
+                 Flush();
+               },
+           .subscribe = [this](const std::string& filter) { return client_->Subscribe(filter); },
+           .unsubscribe = [this](const std::string& filter) { client_->Unsubscribe(filter); }}),
+      refused_(std::random_device{}(), kLongestPause),
+      away_(std::random_device{}(), kLongestAwayPause, kShortestPause),
       pause_(house.context),
       deadline_(house.context),
       rates_(house.context) {}
@@ -80,7 +88,8 @@ std::string Broker::WantedName() const {
 // back where the hub moves to another one on the same broker.
 void Broker::Leave(bool moves) {
   is_leaving_ = true;
-  backoff_.Reset();
+  refused_.Reset();
+  away_.Reset();
   pause_.cancel();
   if (client_ == nullptr) return;
   if (!is_up_) return client_->Close();
@@ -110,8 +119,9 @@ asio::awaitable<void> Broker::Run() {
     const Outcome outcome = co_await std::move(attempting);
     if (is_leaving_) continue;
     Say(outcome.end.is_refusal ? BrokerState::kRefused : BrokerState::kConnecting, outcome.end.why);
-    if (outcome.was_up && std::chrono::steady_clock::now() - begin > kSteady) backoff_.Reset();
-    auto waiting = Pause(backoff_.Next());
+    link::Backoff& backoff = outcome.end.is_refusal ? refused_ : away_;
+    if (outcome.was_up && std::chrono::steady_clock::now() - begin > kSteady) backoff.Reset();
+    auto waiting = Pause(backoff.Next());
     co_await std::move(waiting);
   }
 }
@@ -125,8 +135,9 @@ asio::awaitable<void> Broker::Pause(std::chrono::milliseconds time) {
 
 // A broker that does not know version 5 may say so, or just hang up.
 asio::awaitable<Broker::Outcome> Broker::Attempt() {
+  // The first thing that is told below the name: whoever looks at it then finds it taken.
+  publisher_.Keep(Topics(WantedName()).Status(), std::string(kOnline));
   states_.MoveTo(WantedName());
-  publisher_.Keep(Names().Status(), std::string(kOnline));
   if (!house_.bus.BrokerNow() || house_.bus.BrokerNow()->host != options_.server.host)
     Say(BrokerState::kConnecting, "");
   bool is_version_5 = true;
@@ -200,6 +211,7 @@ asio::awaitable<Ended> Broker::Serve(bool is_version_5) {
       Flush();
     } else if (const auto* subscribed = std::get_if<Subscribed>(&news)) {
       if (!subscribed->is_granted) Say(BrokerState::kUp, "commands may not be heard");
+      neighbours_.Subscribed(subscribed->id);
     } else if (const auto* ended = std::get_if<Ended>(&news)) {
       end = *ended;
     }
@@ -215,23 +227,35 @@ asio::awaitable<Ended> Broker::Serve(bool is_version_5) {
   co_return *end;
 }
 
-// What an earlier hub or an earlier start has left below the name, and nobody tells any more, goes.
 void Broker::Open(Client& client) {
   for (const std::string& filter : CommandFilters(Names()))
-    client.Subscribe(filter, Hearing::kTellsRetained);
+    client.Subscribe(filter, Hearing::kCommands);
   for (const std::string& topic : {Names().Bus(), Names().Status()}) client.Subscribe(topic);
   for (const auto& [filter, sink] : sinks_) client.Subscribe(filter);
-  if (options_.boards)
-    for (const char* filter : Neighbours::kFilters) client.Subscribe(filter, Hearing::kOthersOnly);
-  for (const std::string& topic : leftovers_)
-    if (!publisher_.Keeps(topic)) publisher_.TakeBack(topic);
-  leftovers_.clear();
+  neighbours_.Begin();
   guest_.emplace(house_.traffic, access::Door::kBroker);
   publisher_.Open();
   is_up_ = true;
+  SettleLeftovers();
   for (const auto& told : up_) told();
   Flush();
   TellRates();
+}
+
+// What an earlier hub or an earlier start has left below the name, and nobody tells any more, goes:
+// as soon as it is known which cards there are. Until then those cards do not answer.
+void Broker::SettleLeftovers() {
+  bool are_cards_known = false;
+  for (unsigned address = 0; address < protocol::kCardCount; ++address)
+    are_cards_known = are_cards_known || house_.bus.At(address) != nullptr;
+  for (const std::string& topic : leftovers_) {
+    if (publisher_.Keeps(topic)) continue;
+    if (are_cards_known)
+      publisher_.TakeBack(topic);
+    else if (topic.ends_with("/status"))
+      publisher_.Tell({topic, std::string(kOffline), true}, house_.clock.Steady());
+  }
+  if (are_cards_known) leftovers_.clear();
 }
 
 void Broker::Flush() {
@@ -244,6 +268,7 @@ void Broker::Take(const model::Change& change) {
   if (is_leaving_ || options_.server.host.empty()) return;
   if (change.bus && Topics(WantedName()).Root() != Names().Root()) return Leave(true);
   states_.Take(change, house_.clock.Steady());
+  if (is_up_ && !change.cards.empty() && !leftovers_.empty()) SettleLeftovers();
   Flush();
 }
 
@@ -274,6 +299,8 @@ void Broker::CheckRival(const Arrived& arrived) {
     return Flush();
   }
   publisher_.Disown(Names().Root());
+  // Where the other one is no more than a message that somebody has left, nobody else says so.
+  client_->Publish({Names().Status(), std::string(kOffline), true});
   client_->Disconnect();
 }
 

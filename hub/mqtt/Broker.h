@@ -73,6 +73,7 @@ class Broker {
   void Dispatch(const Arrived& arrived);
   void CheckRival(const Arrived& arrived);
   void Open(Client& client);
+  void SettleLeftovers();
   void Leave(bool moves);
   void TellRates();
   std::string WantedName() const;
@@ -87,7 +88,8 @@ class Broker {
   BrokerOptions options_;
   std::map<std::string, Sink> sinks_;  // by filter
   std::vector<std::function<void()>> up_;
-  link::Backoff backoff_;
+  link::Backoff refused_;
+  link::Backoff away_;
   boost::asio::steady_timer pause_;
   boost::asio::steady_timer deadline_;  // for a good-bye
   boost::asio::steady_timer rates_;

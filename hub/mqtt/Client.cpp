@@ -87,7 +87,11 @@ void Client::Session::Connect(const Server& server) {
 void Client::Session::Begin() {
   if (early_end_) return;
   is_ready_ = true;
-  if (const int descriptor = library_->Socket(); descriptor >= 0) socket_.assign(dup(descriptor));
+  if (const int descriptor = library_->Socket(); descriptor >= 0) {
+    const int twin = dup(descriptor);
+    if (twin < 0) return Close();
+    socket_.assign(twin);
+  }
   Settle();
 }
 
@@ -162,6 +166,10 @@ int Client::Subscribe(const std::string& filter, Hearing hearing) {
   int id = 0;
   session_->Do([&](Library& library) { id = library.Subscribe(filter, hearing); });
   return id;
+}
+
+void Client::Unsubscribe(const std::string& filter) {
+  session_->Do([&filter](Library& library) { library.Unsubscribe(filter); });
 }
 
 void Client::Publish(const Message& message) {

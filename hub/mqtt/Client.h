@@ -27,7 +27,8 @@ class Client {
   boost::asio::awaitable<News> Next();
 
   // It will be Subscribed with this id.
-  int Subscribe(const std::string& filter, Hearing hearing = Hearing::kPlain);
+  int Subscribe(const std::string& filter, Hearing hearing = Hearing::kStates);
+  void Unsubscribe(const std::string& filter);
   void Publish(const Message& message);  // it will be Taken
   void Disconnect();                     // says good-bye: there is no will
   void Close();                          // at once

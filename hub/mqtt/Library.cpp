@@ -2,6 +2,9 @@
 
 #include <mosquitto.h>
 #include <mqtt_protocol.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,6 +21,9 @@ namespace {
 
 constexpr int kKeepAliveSeconds = 20;
 constexpr int kQos = 1;
+// The broker keeps longer ones to itself, so that none has to be taken in whole to be refused: room
+// for a payload that is just too long, so that whoever sent it hears of it.
+constexpr uint32_t kLargestPacket = 128 * 1024;
 constexpr int kRefused = 0x80;  // from here on the answers of version 5 are refusals
 
 struct Words {
@@ -123,8 +129,12 @@ Library::~Library() { mosquitto_destroy(handle_); }
 
 void Library::Connect(const Server& server) {
   if (auto trouble = SetUp(server)) return End({.why = std::move(*trouble), .is_refusal = true});
-  const int result =
-      mosquitto_connect_async(handle_, server.host.c_str(), server.port, kKeepAliveSeconds);
+  mosquitto_property* properties = nullptr;
+  if (greeting_.is_version_5)
+    mosquitto_property_add_int32(&properties, MQTT_PROP_MAXIMUM_PACKET_SIZE, kLargestPacket);
+  const int result = mosquitto_connect_bind_v5(handle_, server.host.c_str(), server.port,
+                                               kKeepAliveSeconds, nullptr, properties);
+  mosquitto_property_free_all(&properties);
   if (result != MOSQ_ERR_SUCCESS) End(EndFor(result));
 }
 
@@ -138,6 +148,7 @@ std::optional<std::string> Library::SetUp(const Server& server) {
       std::ifstream file(server.password_file);
       if (!file) return FileTrouble(server.password_file);
       std::getline(file, password);
+      if (password.ends_with('\r')) password.pop_back();
     }
     mosquitto_username_pw_set(handle_, server.user.c_str(),
                               server.password_file.empty() ? nullptr : password.c_str());
@@ -167,12 +178,15 @@ int Library::Socket() const { return mosquitto_socket(handle_); }
 
 bool Library::WantsToWrite() const { return mosquitto_want_write(handle_); }
 
-// The library takes a packet a call, and errno says where there was none left.
+// The library takes a packet a call, and errno says where there was none left. Brokers gather small
+// packets until the ones before are acknowledged, which the kernel puts off by 40 ms.
 void Library::Read(size_t most) {
   do {
     errno = 0;
     Note(mosquitto_loop_read(handle_, 1));
   } while (errno != EAGAIN && !has_ended_ && news.size() < most);
+  const int on = 1;
+  setsockopt(Socket(), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
 }
 
 void Library::Write() { Note(mosquitto_loop_write(handle_, 1)); }
@@ -181,10 +195,15 @@ void Library::LookAfter() { Note(mosquitto_loop_misc(handle_)); }
 
 int Library::Subscribe(const std::string& filter, Hearing hearing) {
   int id = 0;
-  constexpr std::array<int, 3> kOptions{0, MQTT_SUB_OPT_RETAIN_AS_PUBLISHED, MQTT_SUB_OPT_NO_LOCAL};
-  const int options = greeting_.is_version_5 ? kOptions.at(static_cast<size_t>(hearing)) : 0;
-  Note(mosquitto_subscribe_v5(handle_, &id, filter.c_str(), kQos, options, nullptr));
+  const bool is_command = hearing == Hearing::kCommands;
+  const int options = is_command && greeting_.is_version_5 ? MQTT_SUB_OPT_RETAIN_AS_PUBLISHED : 0;
+  Note(mosquitto_subscribe_v5(handle_, &id, filter.c_str(), is_command ? kQos : 0, options,
+                              nullptr));
   return id;
+}
+
+void Library::Unsubscribe(const std::string& filter) {
+  Note(mosquitto_unsubscribe(handle_, nullptr, filter.c_str()));
 }
 
 // What this broker does not take, as it is too long for it, ends nothing.

@@ -32,6 +32,7 @@ class Library {
   void LookAfter();  // every few seconds: asks a silent broker whether it is there
 
   int Subscribe(const std::string& filter, Hearing hearing);
+  void Unsubscribe(const std::string& filter);
   void Publish(const Message& message);
   void Disconnect();
   void End(Ended ended);  // here and now; only the first one counts

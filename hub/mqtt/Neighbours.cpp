@@ -1,7 +1,9 @@
 #include "mqtt/Neighbours.h"
 
+#include <array>
 #include <chrono>
 #include <utility>
+#include <vector>
 
 namespace hub::mqtt {
 
@@ -13,17 +15,58 @@ using boards::Boards;
 constexpr std::chrono::milliseconds kTogether{20};
 constexpr int kMostEntries = 6;  // of a board in the journal, a minute
 
+// Of a board, and of its cards.
+constexpr std::array<std::string_view, 2> kLevels{"/+", "/+/+"};
+
+std::string BelowName(const std::string& board, std::string_view levels) {
+  return "qelm/" + board + std::string(levels);
+}
+
 }  // namespace
 
-Neighbours::Neighbours(api::House& house, Send send) : house_(house), told_(house.context) {
-  house_.boards.SendBy([send = std::move(send)](std::string topic, std::string payload) {
-    send({std::move(topic), std::move(payload)});
+Neighbours::Neighbours(api::House& house, Ways ways)
+    : house_(house), ways_(std::move(ways)), told_(house.context) {
+  house_.boards.SendBy([this](std::string topic, std::string payload) {
+    ways_.send({std::move(topic), std::move(payload)});
   });
 }
 
 void Neighbours::Use(bool is_on) {
   house_.boards.Use(is_on);
   TellSoon();
+}
+
+void Neighbours::Begin() {
+  if (house_.boards.IsOn()) ways_.subscribe("qelm/+/status");
+}
+
+// What makes room for a board that has come lately is not listened to any more.
+void Neighbours::Listen(const std::string& board) {
+  if (house_.boards.Find(board) == nullptr || heard_.contains(board)) return;
+  if (heard_.size() >= Boards::kMostBoards)
+    for (const std::string& name : std::vector(heard_.begin(), heard_.end()))
+      if (house_.boards.Find(name) == nullptr) StopListening(name);
+  heard_.insert(board);
+  next_.push_back(board);
+  if (!asked_) ListenToNext();
+}
+
+void Neighbours::ListenToNext() {
+  asked_.reset();
+  if (next_.empty()) return;
+  for (const std::string_view levels : kLevels)
+    asked_ = ways_.subscribe(BelowName(next_.front(), levels));
+  next_.pop_front();
+}
+
+void Neighbours::StopListening(const std::string& board) {
+  heard_.erase(board);
+  if (std::erase(next_, board) > 0) return;
+  for (const std::string_view levels : kLevels) ways_.unsubscribe(BelowName(board, levels));
+}
+
+void Neighbours::Subscribed(int id) {
+  if (asked_ == id) ListenToNext();
 }
 
 // A hub that has our id is ourselves, under a name that we have left.
@@ -35,12 +78,16 @@ void Neighbours::Hear(const Arrived& arrived) {
       house_.boards.Take(message.topic, message.payload, arrived.size, house_.clock.Now());
   const boards::Board* const now = house_.boards.Find(board);
   if (now != nullptr && now->identity.id == house_.bus.Id()) house_.boards.Forget(board);
+  if (message.topic.ends_with("/status")) Listen(board);
   if (turn == Boards::Turn::kCame) Journal(board, "is there");
   if (turn == Boards::Turn::kWent) Journal(board, "is gone");
   TellSoon();
 }
 
 void Neighbours::LoseAll() {
+  heard_.clear();
+  next_.clear();
+  asked_.reset();
   house_.boards.LoseAll(house_.clock.Now());
   TellSoon();
 }

@@ -28,11 +28,12 @@ struct Greeting {
   bool is_version_5 = true;  // else 3.1.1
 };
 
-// What is asked of a subscription besides, where the connection is of version 5.
 enum class Hearing {
-  kPlain,
-  kTellsRetained,  // of a retained message that comes later: that it is one
-  kOthersOnly,     // not what this hub has published itself
+  // Once at most: a broker lets no more than some hundred messages wait for their receipts, and
+  // drops what else it has kept there.
+  kStates,
+  // Once at least; in version 5 the broker says of each whether it was sent to be kept.
+  kCommands,
 };
 
 struct Connected {};

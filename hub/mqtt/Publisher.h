@@ -22,7 +22,9 @@ namespace hub::mqtt {
 
 class Publisher {
  public:
-  static constexpr size_t kMostUnderWay = 64;  // messages that the broker has not acknowledged
+  // Messages that the broker has not acknowledged: no more than it takes at a time, or the rest
+  // would wait where nothing is merged and nothing is dropped.
+  static constexpr size_t kMostUnderWay = 20;
   static constexpr size_t kMostEvents = 256;   // that wait
   static constexpr size_t kMostTopics = 4096;  // further ones are not told
   // An event that waits longer, or comes while the broker has owed a receipt for so long, is

@@ -160,6 +160,16 @@ TEST_F(BoardsTest, ManyNamesPushNoneOutThatIsThere) {
   EXPECT_EQ(Shed().identity.name, "Shed");
 }
 
+TEST_F(BoardsTest, NamesWithoutABusKeepNoNewcomerOut) {
+  for (int i = 0; i < 1000; ++i) Say("x" + std::to_string(i) + "/status", "online");
+  Begin();
+  EXPECT_EQ(Shed().identity.name, "Shed");
+  for (int i = 0; i < 1000; ++i) Say("y" + std::to_string(i) + "/status", "online");
+  Say("shed/status", "offline");
+  for (int i = 0; i < 1000; ++i) Say("z" + std::to_string(i) + "/status", "online");
+  EXPECT_EQ(Shed().identity.name, "Shed");  // stale, but known
+}
+
 TEST_F(BoardsTest, WhatOnlyAnswersMakesNoBoard) {
   Say("shed/error", "{}");
   Say("shed/rates", "{}");

@@ -110,6 +110,19 @@ TEST(ReadBus, SaysWhoItIsAndWhatItHas) {
   EXPECT_EQ(said->cards[1].kind, nullptr);
 }
 
+// A board of another make may say less.
+TEST(ReadBus, NeedsNoMoreThanAnIdAndCards) {
+  const auto said = ReadBus(R"({"id":"8c01d2ee","cards":[)"
+                            R"({"address":"5","kind":"digital-output","channels":[]},)"
+                            R"({"address":"3","kind":"digital-input","state":"absent"}]})");
+  ASSERT_TRUE(said);
+  EXPECT_EQ(said->identity.daemon_state, "absent");
+  EXPECT_EQ(said->identity.adapter_state, "unknown");
+  EXPECT_EQ(said->cards[5].kind->kind, model::Kind::kDigitalOutput);
+  EXPECT_TRUE(said->cards[5].is_present);
+  EXPECT_EQ(said->cards[3].kind, nullptr);
+}
+
 TEST(ReadBus, BelievesNothingElse) {
   const std::string shed = kShed;
   const auto with = [&shed](std::string_view part, std::string_view other) {
@@ -127,7 +140,10 @@ TEST(ReadBus, BelievesNothingElse) {
   EXPECT_FALSE(ReadBus(with("\"up\"", "\"flying\"")));
   EXPECT_FALSE(ReadBus(with(R"("address":"F")", R"("address":"5")")));
   EXPECT_FALSE(ReadBus(with(R"("address":"F")", R"("address":"G")")));
-  EXPECT_FALSE(ReadBus(with("silent", "absent")));
+  EXPECT_FALSE(ReadBus(with("silent", "gone")));
+  EXPECT_FALSE(
+      ReadBus(with(R"("daemon":{"state":"up","version":"1.20","since":null,"waiting_for":null})",
+                   R"("daemon":"up")")));
   EXPECT_FALSE(ReadBus(with("\"3\"", "\"16\"")));
   EXPECT_FALSE(ReadBus(with("5.5", "1e999")));
   EXPECT_FALSE(ReadBus(with("[1,2]", "[[[[[[[[[[1]]]]]]]]]]")));

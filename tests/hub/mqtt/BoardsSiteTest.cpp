@@ -98,6 +98,45 @@ TEST_F(BoardsSite, WithoutTheBrokerAllAreStale) {
   ExpectCtl({"--board", "bench", "set", "5.0", "off"}, "5.0");
 }
 
+// A broker drops what more than a thousand messages of one subscription are to wait for.
+TEST_F(BoardsSite, AllOfManyIsTakenIn) {
+  Ready();
+  Kept kept;
+  for (int board = 0; board < 5; ++board) {
+    const std::string name = "qelm/b" + std::to_string(board);
+    std::string cards;
+    for (int card = 0; card < 16; ++card) {
+      const std::string address(1, "0123456789ABCDEF"[card]);
+      cards += (card > 0 ? "," : "") + (R"({"address":")" + address) +
+               R"(","kind":"digital-output","state":"present"})";
+      for (int line = 0; line < 16; ++line)
+        kept.emplace_back(name + '/' + address + '/' + std::to_string(line), "ON");
+    }
+    kept.emplace_back(name + "/bus", R"({"id":"0000000)" + std::to_string(board) +
+                                         R"(","cards":[)" + cards + "]}");
+    kept.emplace_back(name + "/status", "online");
+  }
+  TellAll(kept);
+  neighbour.reset();
+  StartDesk();
+  for (const char* board : {"b0", "b1", "b2", "b3", "b4"})
+    ExpectCtl({"--board", board, "get", "F.15"}, "on\n");
+}
+
+// What a hub has told itself comes to it as the others' do.
+TEST_F(BoardsSite, ItsOwnTopicsAreNoCommands) {
+  StartBroker();
+  StartAllWith("boards = true\n");
+  ExpectBroker(R"("state":"up")");
+  Listen();
+  hub->Signal(SIGKILL);
+  StartHub();
+  ExpectBroker(R"("state":"up")");
+  EXPECT_EQ(Ask("PUT", "/api/channels/5.0", R"({"value":true})").substr(9, 3), "200");
+  ExpectHeard("0 qelm/bench/5/0 ON");
+  EXPECT_FALSE(HasHeard("/error"));
+}
+
 TEST_F(BoardsSite, OneThatLiesHurtsItsOwnRowOnly) {
   Ready();
   ExpectCtl({"--board", "bench", "cards"}, "5  digital-output");

@@ -88,6 +88,24 @@ void BrokerSite::Tell(const std::string& topic, const std::string& payload,
   EXPECT_EQ(teller.WaitForExit(), 0) << teller.Errors();
 }
 
+void BrokerSite::TellAll(const Kept& messages) {
+  const auto sized = [](const std::string& text) {
+    return std::string{static_cast<char>(text.size() >> 8), static_cast<char>(text.size())} + text;
+  };
+  const auto packet = [](char type, const std::string& body) {
+    std::string head(1, type);
+    size_t rest = body.size();
+    for (; rest > 127; rest >>= 7) head += static_cast<char>(rest | 0x80);
+    return head + static_cast<char>(rest) + body;
+  };
+  std::string bytes =
+      packet(0x10, sized("MQTT") + std::string("\x04\x02\x00\x00", 4) + sized("teller"));
+  for (const auto& [topic, payload] : messages) bytes += packet(0x31, sized(topic) + payload);
+  Stream client = Stream::ToPort(kBroker);
+  client.Send(bytes + packet('\xC0', ""));  // a ping: its answer comes when all is kept
+  EXPECT_EQ(client.Read(6), std::string("\x20\x02\x00\x00\xD0\x00", 6));
+}
+
 std::string BrokerSite::BrokerState() {
   const std::string answer = AskLocally("GET", "/api/bus");
   const size_t begin = answer.find("\"broker\":");

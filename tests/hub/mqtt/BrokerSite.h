@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "HubSite.h"
@@ -33,6 +34,10 @@ class BrokerSite : public HubSite {
 
   static void Tell(const std::string& topic, const std::string& payload,
                    const std::vector<std::string>& options = {});
+
+  // Many at once, to be kept.
+  using Kept = std::vector<std::pair<std::string, std::string>>;
+  static void TellAll(const Kept& messages);
 
   static std::string BrokerState();  // in the API: {"state":...}
   static void ExpectBroker(const std::string& state);

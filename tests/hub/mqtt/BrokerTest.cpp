@@ -152,6 +152,43 @@ TEST_F(BrokerTest, AnotherHubOfTheNameIsLeftAlone) {
   ExpectHeard("0 qelm/bench/7/0 ");  // what the dead one has left
 }
 
+// Whatever stands before its status: a broker lets some of what it has kept wait.
+TEST_F(BrokerTest, AnotherHubIsFoundBehindManyTopics) {
+  StartBroker();
+  Kept kept{{"qelm/bench/bus", R"({"id":"ffffffff"})"}};
+  for (int i = 0; i < 256; ++i)
+    kept.emplace_back("qelm/bench/" + std::to_string(i % 8) + '/' + std::to_string(i / 8), "ON");
+  kept.emplace_back("qelm/bench/status", "online");
+  TellAll(kept);
+  StartAllWith();
+  ExpectBroker(R"("detail":"another hub (ffffffff) has the name bench")");
+}
+
+TEST_F(BrokerTest, WhatAnEarlierHubHasLeftGoesOnceTheCardsAreKnown) {
+  StartBroker();
+  TellAll({{"qelm/bench/7/status", "online"}, {"qelm/bench/7/0", "ON"}});
+  Listen();
+  WriteSettings(BrokerSection());
+  LaunchHub();
+  ExpectHeard("0 qelm/bench/7/status offline");
+  EXPECT_FALSE(HasHeard("0 qelm/bench/7/0 "));
+  WriteConfig({.percent = "80", .poll = "TRUE"});
+  StartBus();
+  StartDaemon();
+  ExpectHeard("0 qelm/bench/7/0 ");
+  ExpectHeard("0 qelm/bench/7/status ");
+}
+
+// A lower id than any hub has, which nobody stands behind.
+TEST_F(BrokerTest, ALieInItsPlaceIsPutRight) {
+  Ready();
+  Tell("qelm/bench/bus", R"({"id":"00000000"})", {"-r"});
+  ExpectHeard("0 qelm/bench/status offline");
+  Listen("qelm/bench/bus");
+  EXPECT_TRUE(WaitUntil([this] { return HasHeard(R"("daemon":{"state":"up")"); }));
+  ExpectBroker(R"("state":"up")");
+}
+
 TEST_F(BrokerTest, AnotherNameMovesTheTopics) {
   StartBroker();
   StartAll("[names]\nbus = \"bench\"\n[broker]\nhost = \"127.0.0.1\"\n");
@@ -180,6 +217,13 @@ TEST_F(BrokerTest, SettingsThatAreReadAgainTakeAnotherBroker) {
   WriteSettings();
   hub->Signal(SIGHUP);
   ExpectBroker(R"("broker":null)");
+}
+
+// What is longer stays with the broker, or each of them would have to be taken in whole.
+TEST_F(BrokerTest, ItIsToldHowLongAPacketMayBe) {
+  Listener fake(kBroker);
+  StartAllWith();
+  EXPECT_NE(fake.Accept().ReadUntil(std::string("\x27\x00\x02\x00\x00", 5)), "");
 }
 
 TEST_F(BrokerTest, OneThatKnowsTheOlderVersionOnlyIsSpokenToInIt) {
