@@ -18,13 +18,23 @@ void States::MoveTo(const std::string& name) {
 }
 
 void States::Take(const model::Change& change, model::SteadyTime now) {
-  if (change.bus || !change.cards.empty()) TellBus();
+  const bool have_changed = !change.cards.empty() && HaveCardsChanged();
+  if (change.bus || have_changed) TellBus();
   if (change.bus)
     for (unsigned address = 0; address < protocol::kCardCount; ++address) TellCardStatus(address);
   for (const unsigned address : change.cards) TellCard(address);
   for (const model::ChannelId& id : change.channels) TellValue(id);
   for (const model::Event& event : change.events)
     publisher_.Tell({topics_.Event(event.address), EventPayload(event)}, now);
+}
+
+// Kind or state of any: what is on their channels is no part of the bus.
+bool States::HaveCardsChanged() {
+  Cards cards;
+  for (unsigned address = 0; address < cards.size(); ++address)
+    if (const model::Card* const card = bus_.At(address))
+      cards[address] = {card->kind, card->state};
+  return std::exchange(cards_, cards) != cards;
 }
 
 void States::TellBus() { publisher_.Keep(topics_.Bus(), BusPayload(bus_, version_)); }

@@ -2,7 +2,10 @@
 // what is this hub's own; Home Assistant's messages are another class's. Pure; one thread.
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "model/Bus.h"
 #include "mqtt/Publisher.h"
@@ -24,6 +27,10 @@ class States {
  private:
   static constexpr unsigned kMostChannels = 16;  // of a card
 
+  using Cards = std::array<std::optional<std::pair<model::Kind, model::CardState>>,
+                           protocol::kCardCount>;  // by address
+
+  bool HaveCardsChanged();
   void TellBus();
   void TellCard(unsigned address);
   void TellCardStatus(unsigned address);
@@ -33,6 +40,7 @@ class States {
   Publisher& publisher_;
   std::string version_;
   Topics topics_{""};
+  Cards cards_;  // as the bus was told with
 };
 
 }  // namespace hub::mqtt
