@@ -78,6 +78,7 @@ http::ServerOptions ServerOptionsOf(const settings::Settings& settings, const Pl
   for (const settings::Endpoint& endpoint : settings.http.listen)
     if (!is_locked) options.listen.push_back(ToText(endpoint));
   options.socket = places.socket;
+  options.can_be_without_socket = !places.is_socket_given;
   options.socket_descriptor = InheritedSocket();
   options.certificate = settings.http.certificate;
   options.key = settings.http.key;

@@ -27,6 +27,7 @@ namespace hub {
 struct Places {
   std::string settings_file;  // read again on SIGHUP; empty: there was none
   std::string socket = "/run/qelm-hub/hub.sock";
+  bool is_socket_given = false;  // else the hub serves without one that it cannot have
   std::string page = "/usr/share/qelm-hub/page";
 };
 

@@ -68,6 +68,7 @@ int main(int argc, char** argv) {
   CLI11_PARSE(app, argc, argv);
   if (file.empty() && access(kSettingsFile, F_OK) == 0) file = kSettingsFile;
   options.places.settings_file = file;
+  options.places.is_socket_given = app.count("--socket") > 0;
   try {
     return Serve(options);
   } catch (const std::exception& error) {

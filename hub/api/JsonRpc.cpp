@@ -1,8 +1,12 @@
 #include "api/JsonRpc.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "api/Json.h"
+#include "api/Parameters.h"
 
 namespace hub::api {
 
@@ -11,6 +15,7 @@ namespace json = boost::json;
 namespace {
 
 constexpr const char* kVersion = "2.0";
+constexpr std::array<std::string_view, 4> kMembers{"jsonrpc", "id", "method", "params"};
 
 RpcCode CodeOf(const Problem& problem) {
   if (problem.status == 422) return RpcCode::kWrongParameters;
@@ -20,6 +25,10 @@ RpcCode CodeOf(const Problem& problem) {
 
 RpcError NoRequest(json::value id, std::string where, std::string detail) {
   return {std::move(id), RpcCode::kNoRequest, ProblemOf(400, std::move(detail), std::move(where))};
+}
+
+RpcError NoRequest(json::value id, Problem problem) {
+  return NoRequest(std::move(id), std::move(problem.where), std::move(problem.detail));
 }
 
 bool IsId(const json::value& id) { return id.is_string() || id.is_number() || id.is_null(); }
@@ -32,9 +41,8 @@ std::variant<RpcRequest, RpcError> Read(const json::object& message) {
   }
   const json::value id = request.id.value_or(nullptr);
   for (const auto& member : message)
-    if (const std::string_view key = member.key();
-        key != "jsonrpc" && key != "id" && key != "method" && key != "params")
-      return NoRequest(id, "", "a request has jsonrpc, id, method and params, and nothing else");
+    if (std::ranges::find(kMembers, std::string_view(member.key())) == kMembers.end())
+      return NoRequest(id, UnknownField("a request", "", member.key(), kMembers));
   const json::value* const version = message.if_contains("jsonrpc");
   if (version == nullptr || *version != kVersion)
     return NoRequest(id, "jsonrpc", "jsonrpc has to be \"2.0\"");

@@ -130,7 +130,7 @@ constexpr std::array<Method, 53> kMethods{{
      Role::kAdmin, "Replace all of it", lists::kSetup, SetSetup,
      examples::kSetup, examples::kSetup, "Setup"},
     {"setup.merge", Verb::kPatch, "/api/setup",
-     Role::kAdmin, "Change some of it; null removes", lists::kSetup, MergeSetup,
+     Role::kAdmin, "Change some of it; null removes", lists::kMergeSetup, MergeSetup,
      R"({"channels":{"F.3":{"decimals":2}, "5.1":null}})", examples::kSetup, "Setup"},
     {"page.get", Verb::kGet, "/api/page",
      Role::kView, "What the page keeps for everybody: order, hidden cards, groups", lists::kNone, GetPage,

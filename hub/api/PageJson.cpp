@@ -28,8 +28,7 @@ void RefuseOthers(const json::object& given, const std::string& where,
                   const std::array<std::string_view, Count>& known) {
   for (const auto& member : given)
     if (std::ranges::find(known, std::string_view(member.key())) == known.end())
-      throw DoesNotFit(where,
-                       fmt::format("{} has {}, and nothing else", where, Listed(known, "and")));
+      throw UnknownField(where, where == "page" ? "" : where, member.key(), known);
 }
 
 // A list, or nothing where none is given.

@@ -13,7 +13,7 @@ using List = std::array<Parameter, Count>;
 
 // Bounds of a time in milliseconds that a pulse or a ramp takes.
 inline constexpr double kLongestMotion = 600'000;
-inline constexpr double kLongestLine = 200;  // of the console, well within what the daemon reads
+inline constexpr double kLongestLine = 253;  // of the console: with its end what the daemon reads
 inline constexpr double kLargestCount = 1e15;
 inline constexpr double kLongestText = 80;
 
@@ -136,13 +136,21 @@ inline constexpr List<4> kSetNames{{
     kChannelsPart,
     kInfraredPart,
 }};
+// In a patch null removes: of all of them, too.
+inline constexpr Parameter kCardsPatch{"cards", Type::kValue, Place::kBody, false,
+                                       "by the cards' addresses; null removes"};
+inline constexpr Parameter kChannelsPatch{"channels", Type::kValue, Place::kBody, false,
+                                          "by the channels' ids; null removes"};
+inline constexpr Parameter kInfraredPatch{"infrared", Type::kValue, Place::kBody, false,
+                                          "names of codes, by their bytes; null removes"};
 inline constexpr List<4> kMergeNames{{
     {"bus", Type::kValue, Place::kBody, false, "the name of the bus; null: the file's again"},
-    kCardsPart,
-    kChannelsPart,
-    kInfraredPart,
+    kCardsPatch,
+    kChannelsPatch,
+    kInfraredPatch,
 }};
 inline constexpr List<2> kSetup{{kCardsPart, kChannelsPart}};
+inline constexpr List<2> kMergeSetup{{kCardsPatch, kChannelsPatch}};
 inline constexpr List<1> kPage{{
     {"page", Type::kObject, Place::kWholeBody, true,
      "order and hidden: addresses of cards; groups: up to 16, each with a name and cards"},

@@ -122,16 +122,10 @@ const Parameter* Find(const Method& method, std::string_view name) {
   return found == method.parameters.end() ? nullptr : &*found;
 }
 
-// The name itself is shown only where it is fit to be read.
 Problem UnknownName(const Method& method, std::string_view name) {
-  constexpr size_t kLongestShown = 32;
   std::vector<std::string_view> known;
   for (const Parameter& parameter : method.parameters) known.push_back(parameter.name);
-  const bool is_shown = name.size() <= kLongestShown && IsPrintable(name);
-  const std::string which = is_shown ? fmt::format("\"{}\"", name) : "such name";
-  const std::string right = known.empty() ? "no parameters" : Listed(known, "and");
-  return DoesNotFit(is_shown ? std::string(name) : "",
-                    fmt::format("{} has no {}; it has {}", method.name, which, right));
+  return UnknownField(method.name, "", name, known);
 }
 
 size_t CountCharacters(std::string_view text) {
@@ -151,6 +145,22 @@ bool HasControls(std::string_view text) {
 }
 
 }  // namespace
+
+Problem UnknownField(std::string_view holder, std::string_view way, std::string_view name,
+                     std::span<const std::string_view> known) {
+  const std::string shown = Shown(name);
+  return DoesNotFit(way.empty() ? shown : fmt::format("{}.{}", way, shown),
+                    fmt::format("{} has no \"{}\"; it has {}", holder, shown,
+                                known.empty() ? "no parameters" : Listed(known, "and")));
+}
+
+std::string Shown(std::string_view name) {
+  constexpr size_t kLongest = 32;
+  std::string shown(name.substr(0, kLongest));
+  std::ranges::replace_if(
+      shown, [](char c) { return c < ' ' || c > '~'; }, '?');
+  return name.size() > kLongest ? shown + "..." : shown;
+}
 
 std::string Listed(std::span<const std::string_view> words, std::string_view last) {
   std::string list;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "api/Api.h"
+#include "api/Problem.h"
 
 namespace hub::api {
 
@@ -17,6 +18,14 @@ void CheckParameters(const Method& method, boost::json::object& parameters);
 
 // No control characters, and at most so many characters; throws.
 void CheckText(std::string_view where, std::string_view text, size_t least, size_t most);
+
+// A field that nobody knows, by its name: `channels.F.3 has no "unti"; it has unit and min`. The
+// problem is at the name, below `way` where there is one.
+Problem UnknownField(std::string_view holder, std::string_view way, std::string_view name,
+                     std::span<const std::string_view> known);
+
+// A name that somebody gave, as far as it is fit to be read.
+std::string Shown(std::string_view name);
 
 // "a", "a or b", "a, b or c".
 std::string Listed(std::span<const std::string_view> words, std::string_view last = "or");

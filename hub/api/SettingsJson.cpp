@@ -89,8 +89,7 @@ class SettingsReader {
   void RefuseUnknown() const {
     for (const auto& member : given_)
       if (std::ranges::find(known_, std::string_view(member.key())) == known_.end())
-        throw DoesNotFit(where_,
-                         fmt::format("{} has {}, and nothing else", where_, Listed(known_, "and")));
+        throw UnknownField(where_, where_, member.key(), known_);
   }
 
  private:
@@ -182,21 +181,26 @@ const json::object& Section(const json::object& document, std::string_view key) 
   return section->get_object();
 }
 
-void RefuseOthers(const json::object& document, std::span<const std::string_view> sections) {
+void RefuseOthers(const json::object& document, std::string_view holder,
+                  std::span<const std::string_view> sections) {
   for (const auto& member : document)
     if (std::ranges::find(sections, std::string_view(member.key())) == sections.end())
-      throw DoesNotFit("", fmt::format("there are {}, and nothing else", Listed(sections, "and")));
+      throw UnknownField(holder, "", member.key(), sections);
 }
 
 unsigned CardOf(std::string_view key) {
   const auto address = ParseAddress(key);
-  if (!address) throw DoesNotFit("cards", "a card is named by its address: 0 to 9 or A to F");
+  if (!address)
+    throw DoesNotFit(Below("cards", Shown(key)),
+                     "a card is named by its address: 0 to 9 or A to F");
   return *address;
 }
 
 std::pair<unsigned, unsigned> ChannelOf(std::string_view key) {
   const auto id = ParseChannel(key);
-  if (!id) throw DoesNotFit("channels", "a channel is named by address and number: 5.0");
+  if (!id)
+    throw DoesNotFit(Below("channels", Shown(key)),
+                     "a channel is named by address and number: 5.0");
   return {id->address, id->number};
 }
 
@@ -209,7 +213,7 @@ std::string ReadName(const std::string& where, const json::value& value) {
 void CheckCode(std::string_view key) {
   const auto bytes = protocol::ParseHexBytes(key);
   if (!bytes || bytes->empty() || bytes->size() > protocol::kMostInfraredBytes)
-    throw DoesNotFit("infrared",
+    throw DoesNotFit(Below("infrared", Shown(key)),
                      fmt::format("a code is named by its bytes in capitals, up to {}: 434F",
                                  protocol::kMostInfraredBytes));
 }
@@ -287,7 +291,7 @@ json::object SetupJson(const model::Settings& settings) {
 
 void ReadNames(const json::object& names, model::Settings& settings) {
   constexpr std::array<std::string_view, 4> kSections{"bus", "cards", "channels", "infrared"};
-  RefuseOthers(names, kSections);
+  RefuseOthers(names, "names", kSections);
   model::Settings read = settings;
   for (auto& [address, card] : read.cards) card.name.clear();
   for (auto& [id, channel] : read.channels) channel.name.clear();
@@ -307,7 +311,7 @@ void ReadNames(const json::object& names, model::Settings& settings) {
 
 void ReadSetup(const json::object& setup, model::Settings& settings) {
   constexpr std::array<std::string_view, 2> kSections{"cards", "channels"};
-  RefuseOthers(setup, kSections);
+  RefuseOthers(setup, "setup", kSections);
   model::Settings read = settings;
   for (auto& [address, card] : read.cards) card = OnlyName(card);
   for (auto& [id, channel] : read.channels) channel = OnlyName(channel);
@@ -319,7 +323,7 @@ void ReadSetup(const json::object& setup, model::Settings& settings) {
     model::ChannelSettings& channel = read.channels[ChannelOf(key)];
     const std::string where = Below("channels", key);
     channel = ReadSettled(where, given, channel);
-    if (!channel.unit.empty() && channel.min == channel.max)
+    if (channel.min == channel.max)
       throw DoesNotFit(where, fmt::format("{}: min and max are the same", where));
   }
   settings = std::move(read);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "api/Parameters.h"
 #include "api/Problem.h"
 #include "api/Shapes.h"
 
@@ -71,9 +72,9 @@ std::vector<link::Target> TargetsOf(const model::Bus& bus, const model::Card& ca
     const std::string key(member.key());
     const auto id = ParseChannel(AddressText(card.address) + '.' + key);
     if (!id || id->number >= card.channels.size())
-      throw DoesNotFit("values", fmt::format("a channel that card {} does not have; its numbers "
-                                             "are 0 to {}",
-                                             AddressText(card.address), card.channels.size() - 1));
+      throw DoesNotFit(
+          Shown(key), fmt::format("card {} has no channel \"{}\"; its numbers are 0 to {}",
+                                  AddressText(card.address), Shown(key), card.channels.size() - 1));
     targets.push_back(TargetOf(bus, card, id->number, member.value(), key));
   }
   return targets;

@@ -8,6 +8,7 @@
 #include <boost/asio/local/stream_protocol.hpp>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 
@@ -94,6 +95,8 @@ std::optional<Acceptor> ListenTcp(asio::io_context& context, const ListenAddress
 Acceptor ListenUnix(asio::io_context& context, const std::string& path) {
   constexpr mode_t kGroupMay = 0660;
   if (path.size() >= sizeof(sockaddr_un::sun_path)) Fail(path, "the path is too long");
+  std::error_code ignored;  // binding says it
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
   RemoveLeftSocket(context, path);
   Acceptor acceptor(context);
   const mode_t before = umask(static_cast<mode_t>(~kGroupMay & 0777));

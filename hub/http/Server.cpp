@@ -7,6 +7,7 @@
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <deque>
+#include <iostream>
 #include <stdexcept>
 
 #include "http/Answers.h"
@@ -60,6 +61,7 @@ struct Server::Parts {
 
   void CheckMayListen(const ListenAddress& address, const std::string& text) const;
   void ListenOn(const std::string& text);
+  void ListenOnSocket();
   std::string Metrics();
 
   asio::awaitable<void> Accept(Listener& listener);
@@ -111,7 +113,7 @@ void Server::Start() {
   if (options.socket_descriptor)
     parts.listeners.push_back({Adopt(parts.house.context, *options.socket_descriptor), false});
   else if (!options.socket.empty())
-    parts.listeners.push_back({ListenUnix(parts.house.context, options.socket), false});
+    parts.ListenOnSocket();
   for (Listener& listener : parts.listeners)
     asio::co_spawn(parts.house.context, parts.Accept(listener), asio::detached);
   asio::co_spawn(parts.house.context, parts.Look(), asio::detached);
@@ -138,6 +140,15 @@ void Server::Parts::CheckMayListen(const ListenAddress& address, const std::stri
     fail(
         "passwords would go over the network in plain; give `certificate` and `key`, or say "
         "`insecure-http = true`");
+}
+
+void Server::Parts::ListenOnSocket() {
+  try {
+    listeners.push_back({ListenUnix(house.context, options.socket), false});
+  } catch (const std::runtime_error& error) {
+    if (!options.can_be_without_socket || listeners.empty()) throw;
+    std::cerr << "qelm-hub: " << error.what() << '\n';
+  }
 }
 
 void Server::Parts::ListenOn(const std::string& text) {

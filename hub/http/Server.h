@@ -20,8 +20,9 @@ namespace hub::http {
 struct ServerOptions {
   std::vector<std::string> listen{"127.0.0.1:5080", "[::1]:5080"};  // port 0: any that is free
   std::string socket = "/run/qelm-hub/hub.sock";                    // empty: none
-  std::optional<int> socket_descriptor;                             // the same, listening already
-  std::string certificate;                                          // files; empty: none
+  bool can_be_without_socket = false;    // where it cannot be had, and there is another address
+  std::optional<int> socket_descriptor;  // the same, listening already
+  std::string certificate;               // files; empty: none
   std::string key;
   bool insecure_http = false;  // plain for others than loopback
   std::vector<std::string> hosts;

@@ -8,14 +8,18 @@ namespace hub::model {
 
 namespace {
 
+constexpr double kRounding = 1e-12;
+
 bool HasBlocks(const Card& card) { return card.Row().direction == Direction::kOutput; }
 
-// A level that has hardly moved stays as it was published.
+// A level that has hardly moved stays as it was published. Both are rounded to decimals, which
+// doubles hold almost: 2.47 - 2.45 is a little more than 0.02.
 bool IsWithin(const Value& was, const Value& is, double hysteresis) {
   const double* old_number = std::get_if<double>(&was);
   const double* new_number = std::get_if<double>(&is);
   return old_number != nullptr && new_number != nullptr &&
-         std::abs(*new_number - *old_number) <= hysteresis;
+         std::abs(*new_number - *old_number) <=
+             hysteresis + kRounding * std::max(std::abs(*old_number), std::abs(*new_number));
 }
 
 template <class Item>

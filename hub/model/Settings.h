@@ -11,7 +11,7 @@ namespace hub::model {
 
 struct ChannelSettings {
   std::string name;
-  std::string unit;                 // empty: the channel shows the byte of the bus
+  std::string unit;                 // empty: none
   double min = 0;                   // the unit's value of byte 0 ...
   double max = 255;                 // ... and of byte 255; may be the lower one
   int decimals = 0;                 // places behind the point, 0..6

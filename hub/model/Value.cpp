@@ -42,14 +42,12 @@ double RawOfDrive(double drive) {
 double NumberOf(const ChannelForm& form, uint8_t raw) {
   if (IsSignedDrive(form)) return DriveOf(raw);
   const ChannelSettings& unit = form.settings;
-  if (unit.unit.empty()) return raw;
   return Rounded(std::lerp(unit.min, unit.max, raw / kHighestByte), unit.decimals);
 }
 
 double RawOf(const ChannelForm& form, double number) {
   if (IsSignedDrive(form)) return RawOfDrive(number);
   const ChannelSettings& unit = form.settings;
-  if (unit.unit.empty()) return number;
   if (unit.max == unit.min) return 0;
   return (number - unit.min) / (unit.max - unit.min) * kHighestByte;
 }
@@ -59,7 +57,6 @@ double RawOf(const ChannelForm& form, double number) {
 std::optional<Range> RangeOf(const ChannelForm& form) {
   if (HasLines(form.kind) || form.kind.kind == Kind::kInfrared) return std::nullopt;
   if (IsSignedDrive(form)) return Range{-kFullDrive, kFullDrive};
-  if (form.settings.unit.empty()) return Range{0, kHighestByte};
   // An end of the range is shown with so many places; what is shown can be set.
   const ChannelSettings& unit = form.settings;
   const auto [min, max] = std::minmax(

@@ -62,10 +62,7 @@ void TakeChannel(Section section, model::ChannelSettings& channel) {
   section.Take("as", channel.shown_as, kOutputForm);
   section.Take("device-class", channel.device_class, kDeviceClass);
   section.Finish();
-  for (const std::string_view key : {"min", "max", "decimals"})
-    if (section.Has(key) && !section.Has("unit"))
-      section.Complain(key, "means nothing without `unit`");
-  if (!section.Has("unit") || channel.min != channel.max) return;
+  if (channel.min != channel.max) return;
   if (section.Has("max"))
     section.Complain("max", "is the same as `min`; the two differ");
   else

@@ -81,10 +81,10 @@ TEST_F(BusMethodsTest, TheHubsOwnSessionIsNotEnded) {
   ExpectProblem("console.run", R"({"line":"EXIT"})", 422, "line",
                 "a line for the daemon is one line of at most 253 characters, and not EXIT");
   ExpectProblem("console.run", R"({"line":""})", 422, "line",
-                "a text of 0 characters; line takes 1 to 200");
+                "a text of 0 characters; line takes 1 to 253");
   ExpectProblem("console.run", R"({"line":"H\u00e9LP"})", 422, "line",
                 "the console takes printable ASCII only");
-  EXPECT_EQ(Call("console.run", R"({"line":")" + std::string(201, 'x') + "\"}").problem->where,
+  EXPECT_EQ(Call("console.run", R"({"line":")" + std::string(254, 'x') + "\"}").problem->where,
             "line");
   EXPECT_EQ(TakeAsked(), "");
 }

@@ -47,11 +47,12 @@ TEST_F(CardsTest, SeveralOutputsAreSetAtOnce) {
 TEST_F(CardsTest, OneWrongValueAndNothingIsSet) {
   ExpectProblem("cards.set", R"({"address":"5","values":{"0":true,"7":1}})", 422, "7",
                 "1; 5.7 takes true or false");
-  ExpectProblem("cards.set", R"({"address":"0","values":{"6":1}})", 422, "values",
-                "a channel that card 0 does not have; its numbers are 0 to 5");
-  for (const char* key : {"16", "00", "-1", "", "x", "1 ", "5.0"})
-    ExpectProblem("cards.set", R"({"address":"5","values":{")" + std::string(key) + "\":true}}",
-                  422, "values", "a channel that card 5 does not have; its numbers are 0 to 15");
+  ExpectProblem("cards.set", R"({"address":"0","values":{"6":1}})", 422, "6",
+                "card 0 has no channel \"6\"; its numbers are 0 to 5");
+  for (const std::string key : {"16", "00", "-1", "", "x", "1 ", "5.0"})
+    ExpectProblem("cards.set", R"({"address":"5","values":{")" + key + "\":true}}", 422,
+                  key.c_str(),
+                  ("card 5 has no channel \"" + key + "\"; its numbers are 0 to 15").c_str());
   ExpectProblem("cards.set", R"({"address":"5","values":{}})", 422, "values",
                 "no channel is named; {\"0\":true} sets one");
   EXPECT_EQ(TakeSet(), "");

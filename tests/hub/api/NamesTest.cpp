@@ -57,6 +57,17 @@ TEST_F(NamesTest, WhatWasChangedOutlivesTheHubAndGoesBeforeTheFile) {
       R"({"bus":"workshop", "cards":{"0":"Arm","5":"Lights"}, "channels":{}, "infrared":{}})");
 }
 
+TEST_F(NamesTest, NullRemovesAllOfThem) {
+  Result("names.merge", R"({"cards":{"5":"Lights"},"channels":{"5.1":"Fan"}})");
+  Result("names.merge", R"({"cards":null})");
+  EXPECT_EQ(bus.Names().Card(5).name, "");
+  EXPECT_EQ(bus.Names().Channel(5, 1).name, "Fan");
+  Result("setup.merge", R"({"channels":{"F.0":{"max":5}}})");
+  Result("setup.merge", R"({"channels":null})");
+  EXPECT_EQ(bus.Names().Channel(15, 0).max, 255);
+  ExpectProblem("names.merge", R"({"cards":7})", 422, "cards", "cards takes an object");
+}
+
 TEST_F(NamesTest, AChangeOfNamesIsPublished) {
   uint64_t published = 0;
   bus.Listen([&published](const model::Change& change) { published += change.bus ? 1 : 0; });
@@ -68,10 +79,11 @@ TEST_F(NamesTest, ANameThatDoesNotFitChangesNothing) {
   const auto refused = [this](const char* parameters, const char* where, const char* detail) {
     ExpectProblem("names.merge", parameters, 422, where, detail);
   };
-  refused(R"({"cards":{"0":"Arm","G":"x"}})", "cards",
+  refused(R"({"cards":{"0":"Arm","G":"x"}})", "cards.G",
           "a card is named by its address: 0 to 9 or A to F");
-  refused(R"({"channels":{"5":"x"}})", "channels", "a channel is named by address and number: 5.0");
-  refused(R"({"channels":{"../..":"x"}})", "channels",
+  refused(R"({"channels":{"5":"x"}})", "channels.5",
+          "a channel is named by address and number: 5.0");
+  refused(R"({"channels":{"../..":"x"}})", "channels.../..",
           "a channel is named by address and number: 5.0");
   refused(R"({"cards":{"5":7}})", "cards.5", "cards.5 takes a text");
   refused(R"({"cards":{"5":""}})", "cards.5", "a text of 0 characters; cards.5 takes 1 to 64");
@@ -106,9 +118,10 @@ TEST_F(NamesTest, WhatIsNoCodeGetsNoName) {
     ExpectProblem("names.merge", R"({"infrared":)" + codes + "}", 422, where, detail);
   };
   constexpr char kCode[] = "a code is named by its bytes in capitals, up to 35: 434F";
-  for (const char* bytes : {"", "4", "434f", "43 4F", "4G", "0x43"})
-    refused(R"({")" + std::string(bytes) + R"(":"x"})", "infrared", kCode);
-  refused(R"({")" + std::string(72, '0') + R"(":"x"})", "infrared", kCode);
+  for (const std::string bytes : {"", "4", "434f", "43 4F", "4G", "0x43"})
+    refused(R"({")" + bytes + R"(":"x"})", ("infrared." + bytes).c_str(), kCode);
+  refused(R"({")" + std::string(72, '0') + R"(":"x"})",
+          ("infrared." + std::string(32, '0') + "...").c_str(), kCode);
   refused(R"({"434F":7})", "infrared.434F", "infrared.434F takes a text");
   refused(R"({"434F":""})", "infrared.434F", "a text of 0 characters; infrared.434F takes 1 to 64");
   std::string many = R"({"1000":"x")";
@@ -173,9 +186,10 @@ TEST_F(NamesTest, SetupThatDoesNotFitChangesNothing) {
   const auto refused = [this](const char* parameters, const char* where, const char* detail) {
     ExpectProblem("setup.merge", parameters, 422, where, detail);
   };
-  refused(R"({"channels":{"F.3":{"Unit":"V"}}})", "channels.F.3",
-          "channels.F.3 has unit, min, max, decimals, hysteresis, active, as and device_class, and "
-          "nothing else");
+  refused(
+      R"({"channels":{"F.3":{"Unit":"V"}}})", "channels.F.3.Unit",
+      "channels.F.3 has no \"Unit\"; it has unit, min, max, decimals, hysteresis, active, as and "
+      "device_class");
   refused(R"({"channels":{"F.3":{"unit":5}}})", "channels.F.3.unit",
           "channels.F.3.unit takes a text");
   refused(R"({"channels":{"F.3":{"unit":"12345678901234567"}}})", "channels.F.3.unit",
@@ -230,15 +244,16 @@ TEST_F(NamesTest, WhatThePageCannotKeepChangesNothing) {
   refused(R"({"hidden":[5]})", "hidden", R"(hidden takes addresses: "0" to "9", "A" to "F")");
   refused(R"({"order":["e"]})", "order", R"(order takes addresses: "0" to "9", "A" to "F")");
   refused(R"({"order":["5","E","5"]})", "order", "order has the card 5 twice");
-  refused(R"({"colours":[]})", "page", "page has order, hidden and groups, and nothing else");
+  refused(R"({"colours":[]})", "colours",
+          "page has no \"colours\"; it has order, hidden and groups");
   refused(R"({"groups":["Hall"]})", "groups", "groups takes a list of objects");
   refused(R"({"groups":[{"cards":[]}]})", "groups.name", "groups.name takes a text");
   refused(R"({"groups":[{"name":""}]})", "groups.name",
           "a text of 0 characters; groups.name takes 1 to 64");
   refused(R"({"groups":[{"name":"a\n"}]})", "groups.name",
           "groups.name holds a control character; only characters that can be seen go through");
-  refused(R"({"groups":[{"name":"Hall","colour":1}]})", "groups",
-          "groups has name and cards, and nothing else");
+  refused(R"({"groups":[{"name":"Hall","colour":1}]})", "groups.colour",
+          "groups has no \"colour\"; it has name and cards");
   refused(R"({"groups":[{"name":"Hall","cards":["5"]},{"name":"Yard","cards":["5"]}]})",
           "groups.cards", "groups.cards has the card 5 twice");
   std::string many = R"({"name":"x"})";
@@ -273,14 +288,14 @@ TEST_F(NamesTest, ABackupIsPutBackWholeOrNotAtAll) {
           "page is missing: as page.get gives it");
   refused(R"({"version":1,"names":{},"setup":{},"page":{},"accounts":{}})", "accounts",
           "backup.put has no \"accounts\"; it has version, names, setup and page");
-  refused(R"({"version":1,"names":{"cards":{"0":"Arm"}},"setup":{"files":{}},"page":{}})", "",
-          "there are cards and channels, and nothing else");
+  refused(R"({"version":1,"names":{"cards":{"0":"Arm"}},"setup":{"files":{}},"page":{}})", "files",
+          "setup has no \"files\"; it has cards and channels");
   refused(R"({"version":1,"names":{"cards":{"../../etc/passwd":"x"}},"setup":{},"page":{}})",
-          "cards", "a card is named by its address: 0 to 9 or A to F");
+          "cards.../../etc/passwd", "a card is named by its address: 0 to 9 or A to F");
   refused(R"({"version":1,"names":{"cards":{"0":"Arm"}},"setup":{},"page":{"order":["/"]}})",
           "order", R"(order takes addresses: "0" to "9", "A" to "F")");
-  refused(R"({"version":1,"names":{},"setup":{},"page":{"script":"x"}})", "page",
-          "page has order, hidden and groups, and nothing else");
+  refused(R"({"version":1,"names":{},"setup":{},"page":{"script":"x"}})", "script",
+          "page has no \"script\"; it has order, hidden and groups");
   EXPECT_TRUE(store.documents.empty());
   EXPECT_EQ(bus.Names().Card(0).name, "");
 }

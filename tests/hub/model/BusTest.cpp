@@ -195,6 +195,25 @@ TEST_F(BusTest, ALevelWithinItsHysteresisStays) {
   EXPECT_EQ(At(kKnobsAt, 3).value, Value(103.0));
 }
 
+// 2.47 - 2.45 is a little more than 0.02, and a bit of noise is no change.
+TEST_F(BusTest, AStepOfTheHysteresisIsWithinIt) {
+  Settings settings;
+  ChannelSettings& volts = settings.channels[{kKnobsAt, 3}];
+  volts.max = 5;
+  volts.decimals = 2;
+  volts.hysteresis = 0.02;
+  bus.Apply(settings);
+  for (int raw = 0; raw < 255; ++raw) {
+    Report(kKnobsAt, 3, static_cast<uint8_t>(raw));
+    const Value before = At(kKnobsAt, 3).value;
+    Published();
+    Report(kKnobsAt, 3, static_cast<uint8_t>(raw + 1));
+    Published();
+    const double step = std::get<double>(At(kKnobsAt, 3).value) - std::get<double>(before);
+    EXPECT_TRUE(step == 0 || step > 0.025) << raw << ": " << step;
+  }
+}
+
 TEST_F(BusTest, ANewUnitIsReadFromTheSameByte) {
   Report(kKnobsAt, 3, 255);
   Settings settings;

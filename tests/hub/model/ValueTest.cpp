@@ -66,6 +66,15 @@ TEST(Numbers, AUnitMapsTheByte) {
   EXPECT_EQ(ToValue(form, 128), Value(2.51));
 }
 
+TEST(Numbers, ARangeNeedsNoUnit) {
+  ChannelSettings degrees;
+  degrees.max = 180;
+  const ChannelForm form{RowOf(Kind::kServo), 0, degrees};
+  EXPECT_EQ(ToValue(form, 255), Value(180.0));
+  EXPECT_EQ(ToRaw(form, 90.0), 0x80);
+  EXPECT_EQ(ToRaw(form, 181.0), std::nullopt);
+}
+
 TEST(Numbers, AUnitMayRunDownwards) {
   ChannelSettings down = Volts();
   down.min = 5;

@@ -1,5 +1,8 @@
 // qelm-hub as a process on a site: the daemon's ports again, and what outlives a restart.
 #include <signal.h>
+#include <unistd.h>
+
+#include <filesystem>
 
 #include "HubSite.h"
 
@@ -85,6 +88,25 @@ TEST_F(HubTest, ItEndsAtOnceBesideItsClients) {
   EXPECT_EQ(hub->WaitForExit(), 0);
   console.ExpectClosed();
   monitor.ExpectClosed();
+}
+
+TEST_F(HubTest, ItMakesTheFolderOfItsSocketAndCanBeWithoutIt) {
+  const TempDir folder;
+  WriteSettings();
+  const auto start = [&folder] {
+    return virtualbus::Program(folder, QELM_HUB_BINARY, {"--config", "/etc/qelm/qelm-hub.toml"});
+  };
+  {
+    virtualbus::Program first = start();
+    EXPECT_TRUE(WaitUntil([] { return access("/run/qelm-hub/hub.sock", F_OK) == 0; }));
+  }
+  std::filesystem::remove_all("/run/qelm-hub");
+  WriteFile("/run/qelm-hub", "a file in its place");
+  virtualbus::Program second = start();
+  EXPECT_TRUE(WaitUntil([] { return IsListening(kWeb); }));
+  EXPECT_TRUE(WaitUntil([&second] {
+    return second.Errors().find("cannot listen on /run/qelm-hub/hub.sock: ") != std::string::npos;
+  }));
 }
 
 TEST_F(HubTest, WhatWasAskedForOutlivesHubAndDaemon) {

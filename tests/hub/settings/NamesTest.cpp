@@ -134,9 +134,7 @@ TEST(NameSettings, WhatDoesNotFitIsAnError) {
        "f:2:8: `434f` is no code; it takes up to 35 bytes in capitals: \"434F\""},
       {"[infrared]\n434F = \"\"\n",
        "f:2:8: `434F` is \"\"; it takes 1 to 64 bytes of text without control characters"},
-      {"[channel.\"F.3\"]\nmax = 5\n", "f:2:7: `max` means nothing without `unit`"},
-      {"[channel.\"F.3\"]\nunit = \"V\"\nmax = 0\n",
-       "f:3:7: `max` is the same as `min`; the two differ"},
+      {"[channel.\"F.3\"]\nmax = 0\n", "f:2:7: `max` is the same as `min`; the two differ"},
   };
   for (const Row& row : kRows) EXPECT_EQ(Error(row.text), row.error);
 }
