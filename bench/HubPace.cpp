@@ -93,8 +93,8 @@ class Visit {
   void Burst() {
     bus_.Order("mark");
     const Time began = Clock::now();
-    for (int i = 0; i + 1 < kBurst; ++i) door_.Switch(i % kOutputs, 0, i / kOutputs % 2 == 0);
-    door_.Switch(kOutputs - 1, 1, true);  // a frame like no other
+    for (int i = 0; i + 1 < kBurst; ++i) door_.Switch(i % kOutputs, 0, i / kOutputs % 2 == 1);
+    door_.Switch(kOutputs - 1, 1, true);  // a frame like no other: the line before it is off
     bus_.Order("wait frame 10 05 02 FD within 60s");
     results_.Add("six-card burst", "/s", name_, {kBurst / Seconds(Clock::now() - began)});
     door_.AwaitAnswers();
@@ -229,7 +229,7 @@ void VisitHub(Results& results) {
     const auto door = open();
     Visit visit(results, hub.bus, name, *door);
     visit.Commands();
-    visit.Burst();
+    if (open != OpenBroker) visit.Burst();  // there more than 64 at once are refused
     visit.Changes();
   }
   MeasureIdle(results, hub);
