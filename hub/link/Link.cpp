@@ -74,10 +74,17 @@ asio::awaitable<Outcome> Link::Set(unsigned address, std::vector<Target> targets
     for (const Motions::Path& path : paths) targets.push_back({path.number, path.from});
     parts->motions.Start(address, std::move(paths), time, steps);
   }
+  const bool has_to_wait = parts->outputs.IsHeld();
+  const uint64_t releases = parts->outputs.ReleaseCount();
   std::vector<Receipt> receipts = parts->Write(address, targets);
   parts->sender.Flush();
   parts->bus.Publish();
   const Outcome outcome = co_await WaitForAll(std::move(receipts));
+  // What was never sent has no way back, and no way there.
+  const bool was_never_sent =
+      outcome == Outcome::kAbsent && has_to_wait && releases == parts->outputs.ReleaseCount();
+  if (was_never_sent)
+    for (const Target& target : targets) parts->motions.End(address, target.number);
   co_return outcome;
 }
 

@@ -38,18 +38,16 @@ void Outputs::TakeCards(model::Time now) {
     each = remembered_.erase(each);
   }
   if (has_remembered) bus_.AssumeOutputs();
+  for (const auto& [place, pending] : pending_) bus_.SetPending(place.first, place.second, true);
 }
 
 Receipt Outputs::Write(const WriteBlock& command) {
   const model::Card* card = bus_.At(command.address);
   const bool can_come = card == nullptr && is_held_;  // the daemon does not know its cards yet
   if (!IsOutput(card) && !can_come) return sender_.Offer(command);
-  sinks_.asked(command);
-  if (!sender_.IsOpen()) {
-    keeper_.Remember(command);
-    return sender_.Answered(Outcome::kAbsent);
-  }
-  if (is_held_) return WriteLater(command);
+  if (is_held_ && sender_.IsOpen()) return WriteLater(command);
+  Keep(command);
+  if (!sender_.IsOpen()) return sender_.Answered(Outcome::kAbsent);
   if (discoveries_go_unseen_) keeper_.ForgetRecord();
   keeper_.SetKept(command.address, IsKept(command.address));
   OutputKeeper::Commands commands = keeper_.Complete(command);
@@ -58,15 +56,21 @@ Receipt Outputs::Write(const WriteBlock& command) {
   return Offer(command);
 }
 
-Receipt Outputs::WriteLater(const WriteBlock& command) {
-  const Place place{command.address, command.block};
-  if (bus_.At(command.address) == nullptr) remembered_[place] = command.value;
+// What the block is to be from now on, whatever becomes of this session.
+void Outputs::Keep(const WriteBlock& command) {
+  if (bus_.At(command.address) == nullptr)
+    remembered_[{command.address, command.block}] = command.value;
   keeper_.Remember(command);
+  sinks_.asked(command);
+}
+
+Receipt Outputs::WriteLater(const WriteBlock& command) {
   bus_.SetPending(command.address, command.block, true);
-  Pending& pending = pending_[place];
+  Pending& pending = pending_[{command.address, command.block}];
   pending.value = command.value;
-  if (IsWithoutAdapter()) return sender_.Answered(Outcome::kAccepted);
-  return pending.receipts.emplace_back(sender_.Unanswered());
+  if (!IsWithoutAdapter()) return pending.receipts.emplace_back(sender_.Unanswered());
+  Keep(command);
+  return sender_.Answered(Outcome::kAccepted);
 }
 
 Receipt Outputs::Offer(const WriteBlock& command) {
@@ -80,9 +84,13 @@ void Outputs::OfferPending(const WriteBlock& command) {
   if (!pending.empty()) sender_.PassOn(receipt, std::move(pending.mapped().receipts));
 }
 
-void Outputs::AnswerPending(Outcome outcome) {
-  for (auto& [place, pending] : pending_)
-    for (const Receipt& receipt : std::exchange(pending.receipts, {})) receipt->Give(outcome);
+void Outputs::AcceptPending() {
+  for (auto& [place, pending] : pending_) {
+    if (pending.receipts.empty()) continue;
+    Keep({place.first, place.second, pending.value});
+    for (const Receipt& receipt : std::exchange(pending.receipts, {}))
+      receipt->Give(Outcome::kAccepted);
+  }
 }
 
 bool Outputs::IsWithoutAdapter() const {
@@ -91,15 +99,17 @@ bool Outputs::IsWithoutAdapter() const {
 
 void Outputs::Hold() {
   is_held_ = true;
-  if (IsWithoutAdapter()) AnswerPending(Outcome::kAccepted);
+  if (IsWithoutAdapter()) AcceptPending();
 }
 
 void Outputs::Release(Record record) {
   is_held_ = false;
+  ++release_count_;
   if (record == Record::kAtStart)
     keeper_.NoteDiscovery();
   else
     keeper_.ForgetRecord();
+  for (const auto& [place, pending] : pending_) Keep({place.first, place.second, pending.value});
   if (record != Record::kOfAnEarlierHub)
     for (unsigned address = 0; address < protocol::kCardCount; ++address) Restore(address);
   // What the record has already, too: the command is the receipt.
@@ -123,9 +133,10 @@ void Outputs::SendAgain() {
 void Outputs::Lose() {
   is_held_ = true;
   keeper_.ForgetRecord();
-  AnswerPending(Outcome::kAbsent);
-  for (const auto& [place, pending] : std::exchange(pending_, {}))
+  for (const auto& [place, pending] : std::exchange(pending_, {})) {
+    for (const Receipt& receipt : pending.receipts) receipt->Give(Outcome::kAbsent);
     bus_.SetPending(place.first, place.second, false);
+  }
 }
 
 bool Outputs::IsKept(unsigned address) const {
@@ -159,6 +170,9 @@ void Outputs::TakeReboot(unsigned address, model::Time now) {
 }
 
 uint8_t Outputs::Asked(unsigned address, unsigned block) const {
+  const Place place{static_cast<uint8_t>(address), static_cast<uint8_t>(block)};
+  if (const auto pending = pending_.find(place); pending != pending_.end())
+    return pending->second.value;
   const model::Card* card = bus_.At(address);
   const uint8_t start = card == nullptr ? uint8_t{0} : card->Row().start;
   return keeper_.Asked(address, block).value_or(start);

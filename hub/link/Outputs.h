@@ -3,9 +3,10 @@
 //   held ──Release──> free ──Hold──> held
 //
 // Held is the time in which the daemon's record of the cards is about to begin anew, or the
-// adapter is not there: what is asked for then is noted, pending, and goes out at the release.
-// Without the adapter it is accepted at once, as nobody knows when that will be; else it is
-// accepted when the daemon has acted on it, as at any other time. Owned by the link; one thread.
+// adapter is not there: what is asked for then is pending, and goes out at the release. Without the
+// adapter it is accepted at once, as nobody knows when that will be; else it is accepted when the
+// daemon has acted on it, as at any other time. A session that ends before the release takes what
+// was not accepted with it, as if nobody had asked. Owned by the link; one thread.
 #pragma once
 
 #include <functional>
@@ -56,6 +57,7 @@ class Outputs {
   // What the block is to be, or the value that it starts with.
   uint8_t Asked(unsigned address, unsigned block) const;
   bool IsHeld() const { return is_held_; }
+  uint64_t ReleaseCount() const { return release_count_; }
   uint64_t RestoredCount() const { return restored_count_; }
 
  private:
@@ -67,8 +69,9 @@ class Outputs {
   };
 
   bool IsKept(unsigned address) const;
+  void Keep(const protocol::WriteBlock& command);
   Receipt WriteLater(const protocol::WriteBlock& command);
-  void AnswerPending(Outcome outcome);
+  void AcceptPending();
   bool IsWithoutAdapter() const;
   Receipt Offer(const protocol::WriteBlock& command);
   void OfferPending(const protocol::WriteBlock& command);
@@ -83,6 +86,7 @@ class Outputs {
   bool discoveries_go_unseen_ = true;
   std::map<Place, Pending> pending_;
   std::map<Place, uint8_t> remembered_;  // of cards that did not come yet
+  uint64_t release_count_ = 0;
   uint64_t restored_count_ = 0;
 };
 

@@ -8,13 +8,12 @@ namespace {
 
 constexpr Port kAll[] = {Port::kCae, Port::kIo, Port::kMon};
 
-constexpr char kTable[] =
-    "DISCOVER LIST:\r\n\r"
+constexpr char kCards[] =
     "DTI:0x0:EMPTY\r\n\r"
     "DTI:0x1:EMPTY\r\n\r"
     "DTI:0x2:EMPTY\r\n\r"
     "DTI:0x3:16 channel DIGITAL INPUT\r\n\r"
-    "DTI:0x4:EMPTY\r\n\r"
+    "DTI:0x4:3 channel DC MOTOR CONTROLLER\r\n\r"
     "DTI:0x5:16 channel DIGITAL OUTPUT\r\n\r"
     "DTI:0x6:EMPTY\r\n\r"
     "DTI:0x7:EMPTY\r\n\r"
@@ -63,8 +62,18 @@ void FakeDaemon::Answer(const std::string& line, const std::string& lines) {
 
 void FakeDaemon::AnswerFirst() {
   Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
-  Answer("DISCOVER", kTable);
+  Answer("DISCOVER", Table("DISCOVER LIST:"));
+  AnswerPolling();
+  AnswerInputs();
+}
+
+std::string FakeDaemon::Table(const std::string& title) { return title + "\r\n\r" + kCards; }
+
+void FakeDaemon::AnswerPolling() {
   Answer("POLLSTATE", "CIA: GLOBAL POLLING IS ENABLED\r\n\rPTI:0x3:ON\r\n\r");
+}
+
+void FakeDaemon::AnswerInputs() {
   for (const char* block : {"0", "1"})
     Answer(std::string("GETLASTINPST:3=") + block,
            "CIA: LAST INPUT STATE SENT ON IO INTERFACE\r\n\r");

@@ -27,8 +27,12 @@ class FakeDaemon {
   void Say(Port port, const std::string& bytes) { client(port).Send(bytes); }
   // A line of the console comes, and is answered with these lines and a prompt.
   void Answer(const std::string& line, const std::string& lines);
-  // All that a link asks first: the version, a lamp card at 5, a display at E, inputs at 3.
+  // All that a link asks first: the version, what is polled, the cards, what inputs show.
   void AnswerFirst();
+  void AnswerPolling();
+  void AnswerInputs();
+  // Inputs at 3, motors at 4, lamps at 5, a display at E.
+  static std::string Table(const std::string& title);
   // Up to here the link has written this to IO.
   void ExpectCommand(const std::string& line);
   void Echo(const std::string& line) { Say(Port::kMon, line + "\r\n\r"); }

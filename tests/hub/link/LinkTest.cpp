@@ -30,6 +30,19 @@ class LinkTest : public testing::Test {
     ASSERT_TRUE(link.WaitUp());
   }
 
+  // Everybody's commands wait while it lasts.
+  void BeginDiscovery() {
+    discovery = link.AskLater("FORCEDISCOVER");
+    EXPECT_EQ(daemon.client(Port::kCae).ReadUntil("\r\n"), "FORCEDISCOVER\r\n");
+  }
+  void EndDiscovery() {
+    daemon.Say(Port::kCae, FakeDaemon::Table("FORCED DISCOVER LIST:") + ">\r\n\r");
+    EXPECT_TRUE(discovery.get());
+    daemon.AnswerPolling();
+    daemon.AnswerInputs();
+  }
+
+  std::future<std::optional<Lines>> discovery;
   FakeDaemon daemon;
   LinkDriver link{Options()};
 };
@@ -224,6 +237,55 @@ TEST_F(LinkTest, NothingIsQueuedForADaemonThatIsNotThere) {
   EXPECT_EQ(link.Send(WriteBlock{5, 0, 0}), Outcome::kAbsent);
   EXPECT_EQ(link.Ask("DRVVER"), std::nullopt);
   EXPECT_TRUE(link.Asked().empty());
+}
+
+// A discovery is asked for and not answered: what is set meanwhile waits, and the daemon dies.
+TEST_F(LinkTest, WhatWasNeverSentIsForgottenWithItsSession) {
+  Introduce();
+  auto lamp = link.SendLater(WriteBlock{5, 0, 0xFE});
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.Echo("a5b0dFE");
+  EXPECT_EQ(lamp.get(), Outcome::kAccepted);
+  BeginDiscovery();
+  auto waiting = link.SetLater(5, {{1, 0}, {15, 0}});
+  ASSERT_TRUE(WaitUntil([&] { return link.Channel(5, 15)->pending; }));
+  daemon.CloseAll();
+  EXPECT_EQ(waiting.get(), Outcome::kAbsent);
+  EXPECT_FALSE(link.Channel(5, 15)->pending);
+  Introduce();
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.Echo("a5b0dFE");
+  auto next = link.SetLater(5, {{14, 0}});
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.ExpectCommand("a5b1dBF");
+  daemon.Echo("a5b1dBF");
+  EXPECT_EQ(next.get(), Outcome::kAccepted);
+  EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFE}, {5, 1, 0xBF}}));
+}
+
+TEST_F(LinkTest, AMotionThatWasNeverSentEndsWithItsSession) {
+  Introduce();
+  BeginDiscovery();
+  auto pulse = link.SetLater(5, {{0, 0}}, {.pulse = 300ms, .ramp = {}});
+  ASSERT_TRUE(WaitUntil([&] { return link.Channel(5, 0)->pending; }));
+  daemon.CloseAll();
+  EXPECT_EQ(pulse.get(), Outcome::kAbsent);
+  Introduce();  // comes later than the way back would
+  EXPECT_TRUE(link.Asked().empty());
+}
+
+TEST_F(LinkTest, SeveralThatWaitForOneBlockAreOneCommand) {
+  Introduce();
+  BeginDiscovery();
+  auto one = link.SetLater(5, {{0, 0}});
+  auto other = link.SetLater(5, {{1, 0}});
+  ASSERT_TRUE(WaitUntil([&] { return link.Channel(5, 1)->pending; }));
+  EndDiscovery();
+  daemon.ExpectCommand("a5b0dFC");
+  daemon.Echo("a5b0dFC");
+  EXPECT_EQ(one.get(), Outcome::kAccepted);
+  EXPECT_EQ(other.get(), Outcome::kAccepted);
+  EXPECT_EQ(link.Asked().back(), (WriteBlock{5, 0, 0xFC}));
 }
 
 TEST_F(LinkTest, NothingHappensWhileNothingHappens) {
