@@ -39,7 +39,9 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
       sender(executor,
              {.write = [this](std::string_view lines) { sessions.Write(Port::kIo, lines); },
               .acted =
-                  [this](const protocol::IoCommand& command) { bus.TakeOutput(command, Now()); }}),
+                  [this](const protocol::IoCommand& command) {
+                    outputs.TakeReceipt(command, Now());
+                  }}),
       outputs(bus, sender,
               {.asked = [this](const WriteBlock& command) { TellAsked(command); },
                .restored =

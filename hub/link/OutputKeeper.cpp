@@ -38,14 +38,43 @@ void OutputKeeper::Remember(const WriteBlock& command) {
   if (command.block < BlockCount(card.kind)) card.blocks[command.block].asked = command.value;
 }
 
-// Only a forced discovery puts back the record of motors.
-void OutputKeeper::NoteDiscovery() {
+void OutputKeeper::NoteDiscovery(bool was_forced) {
   for (Card& card : cards_) {
-    std::optional<uint8_t> record = model::RowOf(card.kind).start;
-    if (card.kind == model::Kind::kMotor) record.reset();
-    for (size_t block = 0; block < BlockCount(card.kind); ++block)
-      card.blocks[block].on_record = record;
+    const uint8_t start = model::RowOf(card.kind).start;
+    const bool is_certain = was_forced || card.kind != model::Kind::kMotor;
+    for (size_t i = 0; i < BlockCount(card.kind); ++i) {
+      Block& block = card.blocks[i];
+      block.on_record = is_certain ? std::optional(start) : std::nullopt;
+      if (card.kept || !is_certain) continue;
+      if (block.at_start == AtStart::kCard) block.at_start = AtStart::kBothOrNone;
+      if (!block.asked || block.asked == start) continue;
+      block.asked = start;
+      block.at_start = AtStart::kRecord;
+    }
   }
+}
+
+void OutputKeeper::NoteReboot(unsigned address) {
+  Card& card = cards_[address];
+  if (card.kept) return;
+  const uint8_t start = model::RowOf(card.kind).start;
+  for (size_t i = 0; i < BlockCount(card.kind); ++i) {
+    Block& block = card.blocks[i];
+    block.asked = start;
+    block.at_start = block.on_record == start ? AtStart::kBothOrNone : AtStart::kCard;
+  }
+}
+
+OutputKeeper::Commands OutputKeeper::TakeFrame(unsigned address) {
+  Card& card = cards_[address];
+  Commands blocks;
+  for (uint8_t i = 0; i < BlockCount(card.kind); ++i) {
+    Block& block = card.blocks[i];
+    if (block.at_start != AtStart::kRecord) continue;
+    block.at_start = AtStart::kBothOrNone;
+    blocks.push_back({static_cast<uint8_t>(address), i, model::RowOf(card.kind).start});
+  }
+  return blocks;
 }
 
 void OutputKeeper::ForgetRecord() {
@@ -82,9 +111,10 @@ OutputKeeper::Commands OutputKeeper::Restore(unsigned address) const {
 OutputKeeper::Commands OutputKeeper::Complete(const WriteBlock& command) const {
   const Card& card = cards_[command.address];
   Commands commands;
-  for (uint8_t block = 0; card.kept && block < BlockCount(card.kind); ++block) {
+  for (uint8_t block = 0; block < BlockCount(card.kind); ++block) {
     const Block& each = card.blocks[block];
-    if (block != command.block && each.asked && !each.on_record)
+    const bool is_spoilt = card.kept ? !each.on_record : each.at_start == AtStart::kCard;
+    if (block != command.block && each.asked && is_spoilt)
       commands.push_back({command.address, block, *each.asked});
   }
   commands.push_back(command);

@@ -7,6 +7,10 @@
 // A frame shows the asked value of the blocks that were sent and the start value of the others,
 // so with several blocks off their start value the first frames are wrong for a round each. The
 // order makes the wrong as small as can be: the block with the most lines off goes first.
+//
+// A card that is not kept begins from its start values each time. It goes on to show what it did
+// before a discovery until the next frame, which takes all of it along. After its own reboot it is
+// the record that is behind, and the other blocks go out at their start value before a command.
 // Pure; one thread.
 #pragma once
 
@@ -39,8 +43,15 @@ class OutputKeeper {
   // What the store remembers from before: asked for, and not known to be on record.
   void Remember(const protocol::WriteBlock& command);
 
-  // A discovery: the daemon's record of all cards is at its start values, of motors perhaps.
-  void NoteDiscovery();
+  // A discovery: the daemon's record is at its start values. One that was not forced leaves that
+  // of motors as it was, unless the daemon is a new one.
+  void NoteDiscovery(bool was_forced = false);
+
+  // A card that is not kept has begun anew by itself.
+  void NoteReboot(unsigned address);
+
+  // The daemon has acted on a command: the other blocks that its frame has put back.
+  Commands TakeFrame(unsigned address);
 
   // The daemon began anew, or nobody knows what is on record.
   void ForgetRecord();
@@ -51,15 +62,19 @@ class OutputKeeper {
   // What makes the card show what was asked for; empty where it does, or is not kept.
   Commands Restore(unsigned address) const;
 
-  // Where the record is not known: a command, and before it the other blocks of a kept card.
+  // A command, and before it the other blocks of the card, where the record would spoil them.
   Commands Complete(const protocol::WriteBlock& command) const;
 
   std::optional<uint8_t> Asked(unsigned address, unsigned block) const;
 
  private:
+  // Who is at the start value already, of a card that is not kept.
+  enum class AtStart { kBothOrNone, kRecord, kCard };
+
   struct Block {
     std::optional<uint8_t> asked;
     std::optional<uint8_t> on_record;
+    AtStart at_start = AtStart::kBothOrNone;
   };
   struct Card {
     model::Kind kind = model::Kind::kUnknown;

@@ -1,6 +1,7 @@
 #include "link/Outputs.h"
 
 #include <utility>
+#include <variant>
 
 namespace hub::link {
 
@@ -105,10 +106,7 @@ void Outputs::Hold() {
 void Outputs::Release(Record record) {
   is_held_ = false;
   ++release_count_;
-  if (record == Record::kAtStart)
-    keeper_.NoteDiscovery();
-  else
-    keeper_.ForgetRecord();
+  NoteRecord(record);
   for (const auto& [place, pending] : pending_) Keep({place.first, place.second, pending.value});
   if (record != Record::kOfAnEarlierHub)
     for (unsigned address = 0; address < protocol::kCardCount; ++address) Restore(address);
@@ -117,6 +115,33 @@ void Outputs::Release(Record record) {
     const auto& [place, pending] = *pending_.begin();
     OfferPending({place.first, place.second, pending.value});
   }
+}
+
+void Outputs::NoteRecord(Record record) {
+  if (record != Record::kAtStart && record != Record::kForcedToStart) return keeper_.ForgetRecord();
+  for (unsigned address = 0; address < protocol::kCardCount; ++address)
+    keeper_.SetKept(address, IsKept(address));
+  keeper_.NoteDiscovery(record == Record::kForcedToStart);
+  for (unsigned address = 0; address < protocol::kCardCount; ++address) {
+    if (IsKept(address)) continue;
+    bus_.AssumeOutputs(address);
+    TellAsked(address);
+  }
+}
+
+// Of a card that is not kept: it begins from there after a restart of the hub, too.
+void Outputs::TellAsked(unsigned address) {
+  for (uint8_t block = 0; block < OutputKeeper::kMostBlocks; ++block)
+    if (const auto asked = keeper_.Asked(address, block))
+      sinks_.asked({static_cast<uint8_t>(address), block, *asked});
+}
+
+// Its frame carries the whole card, as the record has it.
+void Outputs::TakeReceipt(const protocol::IoCommand& command, model::Time now) {
+  bus_.TakeOutput(command, now);
+  if (!std::holds_alternative<WriteBlock>(command)) return;
+  for (const WriteBlock& block : keeper_.TakeFrame(protocol::AddressOf(command)))
+    bus_.TakeOutput(block, now);
 }
 
 void Outputs::SendAgain() {
@@ -166,6 +191,9 @@ void Outputs::TakeReboot(unsigned address, model::Time now) {
   const model::KindRow& row = card->Row();
   for (uint8_t block = 0; block < row.blocks; ++block)
     bus_.TakeOutput(WriteBlock{static_cast<uint8_t>(address), block, row.start}, now);
+  keeper_.SetKept(address, IsKept(address));
+  keeper_.NoteReboot(address);
+  if (!IsKept(address)) TellAsked(address);
   if (!is_held_) Restore(address);
 }
 

@@ -30,7 +30,8 @@ class Outputs {
 
   // What the daemon's record of the outputs is at a release.
   enum class Record {
-    kAtStart,         // a discovery, or a new daemon
+    kAtStart,         // a discovery, or a new daemon; of motors perhaps
+    kForcedToStart,   // a forced discovery: of motors, too
     kUnknown,         // of the same daemon, perhaps
     kOfAnEarlierHub,  // the same, and this hub has asked for nothing yet: nothing is sent
   };
@@ -53,6 +54,7 @@ class Outputs {
   void NoteSilentLog(bool is_silent) { discoveries_go_unseen_ = is_silent; }
   void Lose();                                         // the session has ended
   void TakeReboot(unsigned address, model::Time now);  // the card has begun anew by itself
+  void TakeReceipt(const protocol::IoCommand& command, model::Time now);  // the daemon has acted
 
   // What the block is to be, or the value that it starts with.
   uint8_t Asked(unsigned address, unsigned block) const;
@@ -69,6 +71,8 @@ class Outputs {
   };
 
   bool IsKept(unsigned address) const;
+  void NoteRecord(Record record);
+  void TellAsked(unsigned address);
   void Keep(const protocol::WriteBlock& command);
   Receipt WriteLater(const protocol::WriteBlock& command);
   void AcceptPending();

@@ -299,7 +299,7 @@ void Survey::EndForced(bool is_answered) {
   const bool is_down = is_followed_ && log_.AdapterNow().state == AdapterState::kDown;
   if (is_down) return sender_.SetGate(true);
   if (due_[kSettle] != SteadyTime::max()) return;  // found again meanwhile
-  Release(is_answered ? Outputs::Record::kAtStart : Outputs::Record::kUnknown);
+  Release(is_answered ? Outputs::Record::kForcedToStart : Outputs::Record::kUnknown);
   bus_.Publish();
 }
 

@@ -179,15 +179,17 @@ void Bus::SetPending(unsigned address, unsigned block, bool pending) {
 }
 
 void Bus::AssumeOutputs() {
-  for (unsigned address = 0; address < cards_.size(); ++address) {
-    Card* const card = Find(address);
-    if (card == nullptr || !HasBlocks(*card)) continue;
-    for (unsigned number = 0; number < card->channels.size(); ++number) {
-      Channel& channel = card->channels[number];
-      if (!channel.IsKnown() || channel.assumed) continue;
-      channel.assumed = true;
-      NoteChannel({address, number});
-    }
+  for (unsigned address = 0; address < cards_.size(); ++address) AssumeOutputs(address);
+}
+
+void Bus::AssumeOutputs(unsigned address) {
+  Card* const card = Find(address);
+  if (card == nullptr || !HasBlocks(*card)) return;
+  for (unsigned number = 0; number < card->channels.size(); ++number) {
+    Channel& channel = card->channels[number];
+    if (!channel.IsKnown() || channel.assumed) continue;
+    channel.assumed = true;
+    NoteChannel({address, number});
   }
 }
 

@@ -84,6 +84,7 @@ class Bus {
   void TakeOutput(const protocol::IoCommand& command, Time now);  // the daemon has acted on it
   void SetPending(unsigned address, unsigned block, bool pending);
   void AssumeOutputs();  // a new session of the daemon: nothing was sent in it yet
+  void AssumeOutputs(unsigned address);
 
   void SetBroker(std::optional<Broker> broker);
 

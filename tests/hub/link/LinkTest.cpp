@@ -42,6 +42,15 @@ class LinkTest : public testing::Test {
     daemon.AnswerInputs();
   }
 
+  void SetMotor(unsigned number, uint8_t value, const std::vector<std::string>& lines) {
+    auto outcome = link.SetLater(4, {{number, value}});
+    for (const std::string& line : lines) {
+      daemon.ExpectCommand(line);
+      daemon.Echo(line);
+    }
+    EXPECT_EQ(outcome.get(), Outcome::kAccepted);
+  }
+
   std::future<std::optional<Lines>> discovery;
   FakeDaemon daemon;
   LinkDriver link{Options()};
@@ -153,6 +162,37 @@ TEST_F(LinkTest, ALongTextGoesInPieces) {
   }
   EXPECT_EQ(outcome.get(), Outcome::kAccepted);
   EXPECT_EQ(link.Send(WriteText{0xE, 0, 0, "a\r\na5b0d00"}), Outcome::kIllegal);
+}
+
+// Motors do not start by themselves, and the daemon's record of them is at 00 now.
+TEST_F(LinkTest, AFrameAfterADiscoveryTellsWhatItTookAlong) {
+  Introduce();
+  SetMotor(0, 100, {"a4b0d64"});
+  SetMotor(1, 120, {"a4b1d78"});
+  EXPECT_FALSE(link.Channel(4, 1)->assumed);
+  BeginDiscovery();
+  EndDiscovery();
+  EXPECT_EQ(link.Channel(4, 1)->raw, 120);
+  EXPECT_TRUE(link.Channel(4, 1)->assumed);
+  SetMotor(0, 110, {"a4b0d6E"});
+  EXPECT_EQ(link.Channel(4, 0)->raw, 110);
+  EXPECT_EQ(link.Channel(4, 1)->raw, 0);
+  EXPECT_FALSE(link.Channel(4, 1)->assumed);
+  EXPECT_FALSE(link.Channel(4, 2)->IsKnown());
+}
+
+TEST_F(LinkTest, ARebootedMotorStaysAsItIsWhenAnotherOneIsSet) {
+  Introduce();
+  SetMotor(0, 0, {"a4b0d00"});
+  SetMotor(1, 120, {"a4b1d78"});
+  auto answer = link.AskLater("REBOOT:4");
+  daemon.Answer("REBOOT:4", "RBT:0x4:OK\r\n\r");
+  EXPECT_TRUE(answer.get());
+  EXPECT_EQ(link.Channel(4, 1)->raw, 0);
+  SetMotor(0, 110, {"a4b1d00", "a4b2d00", "a4b3d00", "a4b0d6E"});
+  SetMotor(0, 111, {"a4b0d6F"});
+  EXPECT_EQ(link.Channel(4, 1)->raw, 0);
+  EXPECT_FALSE(link.Channel(4, 1)->assumed);
 }
 
 TEST_F(LinkTest, SixtyFourLinesWaitAndNoMore) {

@@ -100,6 +100,53 @@ TEST_F(OutputKeeperTest, ACommandForACardThatIsNotKeptTakesNothingAlong) {
   EXPECT_EQ(keeper.Complete({4, 1, 0x10}), (Commands{{4, 1, 0x10}}));
 }
 
+TEST_F(OutputKeeperTest, ACardThatIsNotKeptGoesBackToItsStartWithTheNextFrame) {
+  keeper.SetKept(5, false);
+  keeper.NoteAsked({5, 0, 0xFC});
+  keeper.NoteAsked({5, 1, 0x7F});
+  EXPECT_EQ(keeper.TakeFrame(5), Commands{});
+  keeper.NoteDiscovery();
+  EXPECT_EQ(keeper.Asked(5, 0), 0xFF);
+  EXPECT_EQ(keeper.Complete({5, 1, 0x3F}), (Commands{{5, 1, 0x3F}}));
+  keeper.NoteAsked({5, 1, 0x3F});
+  EXPECT_EQ(keeper.TakeFrame(5), (Commands{{5, 0, 0xFF}}));
+  EXPECT_EQ(keeper.TakeFrame(5), Commands{});
+}
+
+TEST_F(OutputKeeperTest, OnlyAForcedDiscoveryPutsMotorsBackForCertain) {
+  keeper.SetKept(4, false);
+  keeper.NoteAsked({4, 0, 0x64});
+  keeper.NoteAsked({4, 1, 0x78});
+  keeper.NoteDiscovery();
+  EXPECT_EQ(keeper.Asked(4, 1), 0x78);
+  EXPECT_EQ(keeper.TakeFrame(4), Commands{});
+  keeper.NoteDiscovery(true);
+  keeper.NoteAsked({4, 0, 0x6E});
+  EXPECT_EQ(keeper.TakeFrame(4), (Commands{{4, 1, 0x00}}));
+}
+
+TEST_F(OutputKeeperTest, AKeptCardGoesBackToNothing) {
+  keeper.NoteAsked({5, 0, 0xFC});
+  keeper.NoteDiscovery();
+  keeper.NoteAsked({5, 1, 0x7F});
+  EXPECT_EQ(keeper.TakeFrame(5), Commands{});
+  EXPECT_EQ(keeper.Asked(5, 0), 0xFC);
+}
+
+// The record still has what was sent before: the other blocks are told what the card shows.
+TEST_F(OutputKeeperTest, ARebootedCardThatIsNotKeptStartsNothingByItself) {
+  keeper.SetKept(4, false);
+  for (uint8_t block = 0; block < 4; ++block) keeper.NoteAsked({4, block, 0x00});
+  keeper.NoteAsked({4, 1, 0x78});
+  keeper.NoteReboot(4);
+  EXPECT_EQ(keeper.Asked(4, 1), 0x00);
+  EXPECT_EQ(keeper.AfterReboot(4), Commands{});
+  EXPECT_EQ(keeper.Complete({4, 0, 0x6E}), (Commands{{4, 1, 0x00}, {4, 0, 0x6E}}));
+  keeper.NoteAsked({4, 1, 0x00});
+  keeper.NoteAsked({4, 0, 0x6E});
+  EXPECT_EQ(keeper.Complete({4, 2, 0x10}), (Commands{{4, 2, 0x10}}));
+}
+
 TEST_F(OutputKeeperTest, ACardOfAnotherKindForgets) {
   keeper.NoteAsked({5, 0, 0xFE});
   keeper.SetKind(5, Kind::kServo);

@@ -120,6 +120,14 @@ TEST_F(BusTest, WhatWasSentIsNoLongerAssumed) {
   EXPECT_FALSE(At(kOutputAt, 0).assumed);
 }
 
+TEST_F(BusTest, OneCardsOutputsAreAssumed) {
+  Send(protocol::WriteBlock{kOutputAt, 0, 0xFE});
+  Send(protocol::WriteBlock{kServoAt, 2, 0x40});
+  bus.AssumeOutputs(kServoAt);
+  EXPECT_TRUE(At(kServoAt, 2).assumed);
+  EXPECT_FALSE(At(kOutputAt, 0).assumed);
+}
+
 TEST_F(BusTest, WhatIsPendingIsNotOnTheBusYet) {
   bus.SetPending(kServoAt, 2, true);
   EXPECT_TRUE(At(kServoAt, 2).pending);
