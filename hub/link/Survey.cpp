@@ -61,6 +61,7 @@ void Survey::Lose() {
   is_begun_ = false;
   forced_ = 0;
   listed_.reset();
+  polling_.reset();
   due_.fill(SteadyTime::max());
   bus_.SetAdapter({});
   bus_.AssumeOutputs();
@@ -97,10 +98,11 @@ void Survey::Schedule(Task task, SteadyTime when) {
 asio::awaitable<bool> Survey::Introduce() {
   const bool has_version = co_await AskVersion();
   if (!has_version) co_return false;
-  const bool has_table = co_await AskTable();
-  if (!has_table) co_return false;
   const bool has_polling = co_await AskPolling();
   if (!has_polling) co_return false;
+  const bool has_table = co_await AskTable();
+  if (!has_table) co_return false;
+  ShowPolling();
   if (is_followed_ && log_.AdapterNow().state == AdapterState::kDown)
     sender_.SetGate(true);
   else if (is_followed_ && found_at_ + kDiscovery > Clock::now())
@@ -165,17 +167,23 @@ asio::awaitable<bool> Survey::AskTable() {
 asio::awaitable<bool> Survey::AskPolling() {
   const auto answer = co_await console_.Ask("POLLSTATE");
   if (!answer) co_return false;
-  const auto polling = protocol::ParsePolling(answer->lines);
-  if (polling) bus_.SetPolling(*polling);
+  polling_ = protocol::ParsePolling(answer->lines);
+  if (listed_) ShowPolling();
   co_return true;
 }
 
-// The answers come as reports. What is not polled shows nothing that is true now.
+// In a new session the daemon says it before the cards are known.
+void Survey::ShowPolling() {
+  if (polling_) bus_.SetPolling(*polling_);
+}
+
+// The answers come as reports. The daemon has 00 for a card that it never polled, so what it does
+// not poll is not asked.
 asio::awaitable<bool> Survey::AskInputs() {
+  if (!bus_.Polling().value_or(false)) co_return true;
   for (unsigned address = 0; address < protocol::kCardCount; ++address) {
     const model::Card* card = bus_.At(address);
-    if (card == nullptr || !bus_.Polling().value_or(false) || !card->polling.value_or(false))
-      continue;
+    if (card == nullptr || !card->polling.value_or(true)) continue;
     if (card->kind != Kind::kDigitalInput && card->kind != Kind::kAnalogueInput) continue;
     const unsigned blocks = card->Row().blocks;
     for (unsigned block = 0; block < blocks; ++block) {

@@ -53,6 +53,7 @@ class Survey {
   boost::asio::awaitable<bool> AskTable();
   boost::asio::awaitable<bool> AskPolling();
   boost::asio::awaitable<bool> AskInputs();
+  void ShowPolling();
   void TakeTable(const protocol::CardNames& names);
   bool HasNewCard(const protocol::CardNames& names) const;
   void SettleWhenFound();
@@ -76,6 +77,7 @@ class Survey {
   int forced_ = 0;            // lines under way that make the daemon forget all cards
   bool is_followed_ = false;  // what the log does not say has not happened
   std::optional<protocol::CardNames> listed_;
+  std::optional<protocol::Polling> polling_;  // as it was said last
 
   // For ever.
   bool has_released_ = false;  // in any session: what clients asked for is this hub's

@@ -62,10 +62,12 @@ void FakeDaemon::Answer(const std::string& line, const std::string& lines) {
 
 void FakeDaemon::AnswerFirst() {
   Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
-  Answer("DISCOVER", Table("DISCOVER LIST:"));
   AnswerPolling();
+  AnswerCards();
   AnswerInputs();
 }
+
+void FakeDaemon::AnswerCards() { Answer("DISCOVER", Table("DISCOVER LIST:")); }
 
 std::string FakeDaemon::Table(const std::string& title) { return title + "\r\n\r" + kCards; }
 

@@ -30,6 +30,7 @@ class FakeDaemon {
   // All that a link asks first: the version, what is polled, the cards, what inputs show.
   void AnswerFirst();
   void AnswerPolling();
+  void AnswerCards();
   void AnswerInputs();
   // Inputs at 3, motors at 4, lamps at 5, a display at E.
   static std::string Table(const std::string& title);

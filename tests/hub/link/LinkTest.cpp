@@ -30,6 +30,21 @@ class LinkTest : public testing::Test {
     ASSERT_TRUE(link.WaitUp());
   }
 
+  // The link has asked for cards and polling, and for nothing else yet.
+  void Greet(const std::string& polling) {
+    daemon.AcceptAll();
+    daemon.GreetAll();
+    daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+    daemon.Answer("POLLSTATE", polling);
+    daemon.AnswerCards();
+  }
+
+  bool WaitPolling(bool is_polling) {
+    return WaitUntil([&] {
+      return link.Look([](const model::Bus& bus) { return bus.Polling(); }) == is_polling;
+    });
+  }
+
   // Everybody's commands wait while it lasts.
   void BeginDiscovery() {
     discovery = link.AskLater("FORCEDISCOVER");
@@ -84,6 +99,25 @@ TEST_F(LinkTest, ReportsAreValues) {
   daemon.Say(Port::kIo, "0\r\n\ra3b1d00\r\n\r");
   EXPECT_TRUE(link.WaitValue(3, 6, true));
   EXPECT_TRUE(link.WaitValue(3, 8, false));
+}
+
+TEST_F(LinkTest, InputsThatTheDaemonDoesNotNameAreAskedToo) {
+  Greet("CIA: GLOBAL POLLING IS ENABLED\r\n\r");
+  daemon.AnswerInputs();
+  EXPECT_TRUE(link.WaitUp());
+}
+
+// It would show 00 for what it never polled.
+TEST_F(LinkTest, InputsThatAreNotPolledAreNotAsked) {
+  for (const bool is_polling : {true, false}) {
+    Greet(is_polling ? "CIA: GLOBAL POLLING IS ENABLED\r\n\rPTI:0x3:OFF\r\n\r"
+                     : "CIA: GLOBAL POLLING IS DISABLED\r\n\rPTI:0x3:ON\r\n\r");
+    EXPECT_TRUE(WaitPolling(is_polling));
+    auto answer = link.AskLater("HELP");
+    daemon.Answer("HELP", "help\r\n\r");
+    EXPECT_TRUE(answer.get());
+    daemon.CloseAll();
+  }
 }
 
 TEST_F(LinkTest, TheEchoIsTheAnswer) {
@@ -216,8 +250,7 @@ TEST_F(LinkTest, SpeedAndPollingThatSomebodySetAreKnown) {
   daemon.Answer("DISABLEPOLL", "CIA: GLOBAL POLLING IS DISABLED\r\n\r");
   EXPECT_TRUE(polling.get());
   daemon.Answer("POLLSTATE", "CIA: GLOBAL POLLING IS DISABLED\r\n\rPTI:0x3:ON\r\n\r");
-  EXPECT_TRUE(WaitUntil(
-      [&] { return link.Look([](const model::Bus& bus) { return bus.Polling(); }) == false; }));
+  EXPECT_TRUE(WaitPolling(false));
 }
 
 TEST_F(LinkTest, GarbageOnEveryPortChangesNothing) {
