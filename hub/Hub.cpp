@@ -27,9 +27,9 @@ constexpr std::string_view kAccess = "access";
 constexpr std::string_view kLocked = "locked";
 
 // A file that was set aside took the accounts with it. To serve the network without any would open
-// the hub to everybody, so only the local socket is served until there is an account again.
+// the hub to everybody, so only the local socket is served until there is an account again. What
+// else of them is there may be old, so nobody is let in by it.
 bool IsLocked(store::Store& store) {
-  if (store.Document(kAccess)) return false;
   if (store.DocumentsLost()) store.PutDocument(kLocked, "accounts were lost");
   return store.Document(kLocked).has_value();
 }
@@ -138,12 +138,8 @@ Hub::Hub(const settings::Settings& settings, Places places)
       control_(ControlOf(settings_)),
       bus_(IdentityOf(store_)),
       outputs_(store_.Document(kOutputs).value_or("")),
-      access_(context_, clock_, store_.Document(kAccess),
-              {.keep =
-                   [this](std::string text) {
-                     store_.PutDocument(kAccess, std::move(text));
-                     store_.RemoveDocument(kLocked);
-                   },
+      access_(context_, clock_, is_locked_ ? std::nullopt : store_.Document(kAccess),
+              {.keep = [this](std::string text) { KeepAccess(std::move(text)); },
                .ended = [this](const std::string& session) { server_.EndSession(session); },
                .token_ended =
                    [this](const std::string& name) {
@@ -214,6 +210,12 @@ void Hub::Record(const model::Change& change) {
 
 void Hub::Keep(const protocol::WriteBlock& block) {
   if (outputs_.Keep(block)) store_.PutDocument(kOutputs, outputs_.Document());
+}
+
+// A token alone is no account.
+void Hub::KeepAccess(std::string text) {
+  store_.PutDocument(kAccess, std::move(text));
+  if (access_.HasAccounts()) store_.RemoveDocument(kLocked);
 }
 
 void Hub::Journal(std::string text) {

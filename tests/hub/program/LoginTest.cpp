@@ -3,8 +3,10 @@
 #include <signal.h>
 
 #include <cstdlib>
+#include <filesystem>
 
 #include "HubSite.h"
+#include "kit/Ports.h"
 
 namespace {
 
@@ -95,6 +97,31 @@ TEST_F(LoginTest, NoRouteAnswersWithoutALogin) {
     EXPECT_EQ(StatusOf(Ask("GET", path)), 401) << path;
   const std::string table = AskLocally("GET", "/api/openapi.json");
   EXPECT_EQ(Count(table, "\"operationId\""), std::size(kRoutes) + kRoutesElsewhere);
+}
+
+// The accounts went with a broken store: only one that is made anew opens the network again.
+TEST_F(LoginTest, AHubThatLostItsAccountsStaysShutUntilThereIsOne) {
+  StartWithAccount();
+  hub.reset();
+  WriteFile("/run/test/store/hub.db", std::string(5000, 'g'));
+  const auto starts_shut = [this] {
+    hub.reset();
+    std::filesystem::remove(kHubSocket);
+    LaunchHub();
+    return WaitUntil([&] {
+      return std::filesystem::exists(kHubSocket) &&
+             hub->Errors().find("the accounts are lost") != std::string::npos;
+    });
+  };
+  ASSERT_TRUE(starts_shut());
+  EXPECT_FALSE(IsListening(kWeb));
+  EXPECT_EQ(StatusOf(AskLocally("POST", "/api/tokens", R"({"name":"x","role":"view"})")), 200);
+  ASSERT_TRUE(starts_shut());
+  EXPECT_FALSE(IsListening(kWeb));
+  EXPECT_FALSE(IsListening(kTextCae));
+  AddAccount("operator", "admin");
+  StartHub();
+  EXPECT_EQ(StatusOf(Ask("GET", "/api/bus")), 401);
 }
 
 TEST_F(LoginTest, NoWebSocketOpensWithoutALogin) {
