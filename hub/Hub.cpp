@@ -24,14 +24,12 @@ namespace asio = boost::asio;
 constexpr std::string_view kIdentity = "identity";
 constexpr std::string_view kOutputs = "outputs";
 constexpr std::string_view kAccess = "access";
-constexpr std::string_view kLocked = "locked";
 
 // A file that was set aside took the accounts with it. To serve the network without any would open
 // the hub to everybody, so only the local socket is served until there is an account again. What
 // else of them is there may be old, so nobody is let in by it.
-bool IsLocked(store::Store& store) {
-  if (store.DocumentsLost()) store.PutDocument(kLocked, "accounts were lost");
-  return store.Document(kLocked).has_value();
+bool IsLocked(const store::Store& store) {
+  return store.DocumentsLost() || store.Document(store::Store::kLostMark);
 }
 
 // Random, once, and kept for ever.
@@ -212,10 +210,13 @@ void Hub::Keep(const protocol::WriteBlock& block) {
   if (outputs_.Keep(block)) store_.PutDocument(kOutputs, outputs_.Document());
 }
 
-// A token alone is no account.
+// A token alone is no account: what it takes the place of may have had some.
 void Hub::KeepAccess(std::string text) {
   store_.PutDocument(kAccess, std::move(text));
-  if (access_.HasAccounts()) store_.RemoveDocument(kLocked);
+  if (access_.HasAccounts())
+    store_.RemoveDocument(store::Store::kLostMark);
+  else if (is_locked_)
+    store_.PutDocument(store::Store::kLostMark, "accounts were lost");
 }
 
 void Hub::Journal(std::string text) {

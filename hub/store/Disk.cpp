@@ -7,6 +7,7 @@
 
 #include "store/HistoryTables.h"
 #include "store/JournalTable.h"
+#include "store/Store.h"
 
 namespace hub::store {
 
@@ -39,17 +40,31 @@ constexpr const char* kDocumentSchema =
 constexpr const char* kReadEachTable =
     "SELECT 1 FROM document, journal, batch, raw, block, state LIMIT 0";
 
-void CreateSchema(Database& database) {
+void WriteDocuments(Database& database, const Gathered::Documents& documents) {
+  Statement put(database, "INSERT OR REPLACE INTO document VALUES (?, ?)");
+  Statement remove(database, "DELETE FROM document WHERE name = ?");
+  for (const auto& [name, text] : documents) {
+    if (text) {
+      put.Bind(name, *text).Run();
+    } else {
+      remove.Bind(name).Run();
+    }
+  }
+}
+
+// With what is to be in it from the first moment on.
+void CreateSchema(Database& database, const Gathered::Documents& documents) {
   database.Begin();
   database.Run(HistoryTables::Schema());
   database.Run(JournalTable::Schema());
   database.Run(kDocumentSchema);
   database.Run(("PRAGMA application_id = " + std::to_string(kApplication)).c_str());
   database.Run(("PRAGMA user_version = " + std::to_string(kVersion)).c_str());
+  WriteDocuments(database, documents);
   database.Commit();
 }
 
-void Prepare(Database& database) {
+void Prepare(Database& database, const Gathered::Documents& documents) {
   database.Run(kAlone);
   const bool is_new = database.Number("SELECT count(*) FROM sqlite_schema") == 0 &&
                       database.Number("PRAGMA user_version") == 0;
@@ -57,7 +72,7 @@ void Prepare(Database& database) {
                        database.Number("PRAGMA user_version") == kVersion;
   if (!is_new && !is_ours) database.Fail(true, "is of another program or version");
   database.Run(kSettings);
-  if (is_new) CreateSchema(database);
+  if (is_new) CreateSchema(database, documents);
   database.Run(kReadEachTable);
 }
 
@@ -99,7 +114,7 @@ bool Disk::OpenFile() {
   std::filesystem::create_directories(options_.folder, ignored);
   database_.reset();
   database_ = std::make_unique<Database>(path_, Database::Access::kWrite);
-  Prepare(*database_);
+  Prepare(*database_, waiting_.documents);
   is_open_ = !database_->Failed();
   if (!is_open_) failure_ = database_->Failed();
   return is_open_;
@@ -115,6 +130,8 @@ Disk::Content Disk::Open(int64_t now) {
   if (failure_) {
     ReadFromUnwritable(content);
     if (failure_->broken) {
+      if (content.documents_lost)
+        content.documents.try_emplace(std::string(Store::kLostMark), "a broken file took some");
       for (const auto& [name, text] : content.documents) waiting_.documents[name] = text;
       SetAside(now);
     }
@@ -192,7 +209,7 @@ bool Disk::TryWrite(Scope scope, int64_t now) {
   failure_.reset();
   if (!is_open_ && !OpenFile()) return false;
   database_->Begin();
-  WriteDocuments();
+  WriteDocuments(*database_, waiting_.documents);
   bool rolled = false;
   if (scope == Scope::kAll) {
     JournalTable(*database_).Write(waiting_.Entries());
@@ -211,18 +228,6 @@ bool Disk::TryWrite(Scope scope, int64_t now) {
     Shrink();
   }
   return true;
-}
-
-void Disk::WriteDocuments() {
-  Statement put(*database_, "INSERT OR REPLACE INTO document VALUES (?, ?)");
-  Statement remove(*database_, "DELETE FROM document WHERE name = ?");
-  for (const auto& [name, text] : waiting_.documents) {
-    if (text) {
-      put.Bind(name, *text).Run();
-    } else {
-      remove.Bind(name).Run();
-    }
-  }
 }
 
 // True where it has rolled. Only what was old at the last roll already is dropped: a clock that

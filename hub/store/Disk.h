@@ -65,7 +65,6 @@ class Disk {
   void ReadFromUnwritable(Content& content);
   void SetAside(int64_t now);
   bool TryWrite(Scope scope, int64_t now);
-  void WriteDocuments();
   bool Housekeep(int64_t now);
   void Trim(int64_t now);
   int64_t BytesUsed();

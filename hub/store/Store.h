@@ -46,6 +46,10 @@ class Store {
   // keeps accounts in them must not take it for "no accounts".
   bool DocumentsLost() const;
 
+  // The document that a file begins with whose forerunner was set aside with such a loss. It stays
+  // until somebody removes it.
+  static constexpr std::string_view kLostMark = "locked";
+
   // Documents by name, JSON texts. Reading is from memory; what is put is on the disk within 1 s.
   std::optional<std::string> Document(std::string_view name) const;
   void PutDocument(std::string_view name, std::string text);

@@ -220,6 +220,20 @@ TEST_F(StoreFaults, GarbageIsSetAside) {
   ExpectFreshFile();
 }
 
+// Or a power cut in the second after it opens the hub to everybody.
+TEST_F(StoreFaults, ALossIsMarkedInTheNewFileFromTheFirstMomentOn) {
+  RunForAnHour();
+  WriteFile(File(), std::string(50'000, 'g'));
+  Start();
+  CutPower();
+  Start();
+  EXPECT_FALSE(store->DocumentsLost());
+  EXPECT_TRUE(store->Document(Store::kLostMark));
+  store->RemoveDocument(Store::kLostMark);
+  Restart();
+  EXPECT_FALSE(store->Document(Store::kLostMark));
+}
+
 TEST_F(StoreFaults, ACutFileIsSetAside) {
   RunForAnHour();
   std::filesystem::resize_file(File(), 2500);

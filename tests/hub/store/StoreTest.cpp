@@ -88,6 +88,18 @@ StoreTest::Curve StoreTest::ReadDay(size_t points, model::ChannelId channel) {
   return ToCurve(Read(channel, Noon(-12h), Noon(12h), points));
 }
 
+void StoreTest::CutPower() {
+  const std::string copy = dir.Path("copy");
+  std::filesystem::copy(options.folder, copy);
+  Stop();
+  for (const char* name : {"hub.db", "hub.db-wal"}) {
+    std::filesystem::remove(options.folder + "/" + name);
+    if (std::filesystem::exists(copy + "/" + name))
+      std::filesystem::copy(copy + "/" + name, options.folder + "/" + name);
+  }
+  std::filesystem::remove_all(copy);
+}
+
 JournalPage StoreTest::Journal(uint64_t after, size_t limit, uint64_t before) {
   context.restart();
   const JournalSpan span{.after = after, .before = before, .limit = limit};
