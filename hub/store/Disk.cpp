@@ -88,10 +88,13 @@ std::string FreeName(const std::string& path, int64_t now) {
   return name;
 }
 
+// Also where nobody can tell, as on a disk that fails.
 bool HasContent(const std::string& path) {
   std::error_code error;
   const auto size = std::filesystem::file_size(path, error);
-  return !error && size > 0;
+  const bool is_missing =
+      error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+  return !is_missing && (error || size > 0);
 }
 
 // What the system counts as written to a disk; 0 where it does not count.

@@ -196,6 +196,13 @@ TEST_F(StoreFaults, WithoutAFolderItRunsInMemory) {
   EXPECT_EQ(Read(kKnob, Noon(), Noon(10min - 1s), 10).points.size(), 10u);
 }
 
+TEST_F(StoreFaults, AFileThatCannotBeLookedAtIsNoEmptyOne) {
+  std::filesystem::create_directories(options.folder);
+  std::filesystem::create_symlink(File(), File());
+  Start();
+  EXPECT_TRUE(store->DocumentsLost());
+}
+
 TEST_F(StoreFaults, TheFolderIsMade) {
   options.folder = dir.Path("deep/down/store");
   Start();
