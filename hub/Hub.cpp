@@ -189,7 +189,7 @@ void Hub::Run() {
   if (const std::string trouble = store_.Trouble(); !trouble.empty())
     std::cerr << "qelm-hub: " << trouble << '\n';
   if (is_locked_)
-    std::cerr << "qelm-hub: the accounts are lost; only " << places_.socket
+    std::cerr << "qelm-hub: the accounts are lost or out of date; only " << places_.socket
               << " is served until there is one again and the hub was restarted\n";
   Journal("started");
   sd_notify(0, "READY=1");

@@ -162,7 +162,9 @@ void Disk::ReadFromUnwritable(Content& content) {
       content.documents.merge(documents);
       content.last_entry = std::max(content.last_entry, JournalTable(database).LastNumber());
       if (database.Failed()) continue;
-      content.documents_lost = false;
+      // The file by itself is as old as what was last moved into it from its log.
+      const bool is_old = access == Database::Access::kReadFile && HasContent(path_ + "-wal");
+      content.documents_lost = is_old;
       break;
     }
   }

@@ -42,8 +42,9 @@ class Store {
   // aside is named until the next start.
   std::string Trouble() const;
 
-  // There were documents, and they could not be read: that one is missing means nothing. Whoever
-  // keeps accounts in them must not take it for "no accounts".
+  // There were documents, and they could not all be read as they were put last: that one is missing
+  // means nothing, and one that is there may be old. Whoever keeps accounts in them must not take
+  // it for "no accounts", nor for those that hold.
   bool DocumentsLost() const;
 
   // The document that a file begins with whose forerunner was set aside with such a loss. It stays

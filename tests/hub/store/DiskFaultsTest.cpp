@@ -164,6 +164,25 @@ TEST_F(StoreFaults, AReadOnlyDiskIsReadAndNotWritten) {
   EXPECT_EQ(ReadDay(), (Curve{{3600, 5, 5, 5}}));
 }
 
+// The last document is in the log beside the file, which cannot be read without writing.
+TEST_F(StoreFaults, AReadOnlyDiskAfterAPowerCutHasOldDocuments) {
+  MountDisk(4096);
+  RunForAnHour();
+  Start();
+  store->PutDocument("accounts", "{}");
+  clock.Pass(1s);
+  Written(0);
+  CutPower();
+  MountAgain(MS_RDONLY);
+  Start();
+  EXPECT_TRUE(store->DocumentsLost());
+  Stop();
+  MountAgain(0);
+  Start();
+  EXPECT_FALSE(store->DocumentsLost());
+  EXPECT_EQ(store->Document("accounts"), "{}");
+}
+
 TEST_F(StoreFaults, ADiskThatCanBeWrittenLaterGetsAll) {
   MountDisk(4096);
   RunForAnHour();
