@@ -8,7 +8,7 @@ namespace hub::link {
 std::chrono::milliseconds Backoff::Next() {
   const auto pause = std::exchange(next_, std::min(next_ * 2, longest_));
   std::uniform_int_distribution<long> jitter(0, pause.count() / 4);
-  return pause + std::chrono::milliseconds(jitter(chance_));
+  return pause - std::chrono::milliseconds(jitter(chance_));
 }
 
 }  // namespace hub::link

@@ -1,5 +1,5 @@
 // How long to wait before the next attempt: the first time, doubling to the longest, each up to a
-// quarter longer by chance, so that many hubs that lost the same thing do not come back in one
+// quarter shorter by chance, so that many hubs that lost the same thing do not come back in one
 // moment. Pure but for the chance.
 #pragma once
 
