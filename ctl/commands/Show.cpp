@@ -51,7 +51,7 @@ Cell ValueCell(const json::value& channel) {
   const std::string unit = TextAt(channel, "unit");
   if (!value.is_null() && !unit.empty()) text += " " + unit;
   if (BoolAt(channel, "pending")) return {text + " (pending)", Colour::kYellow};
-  if (BoolAt(channel, "assumed")) return {text + " (assumed)", Colour::kFaint};
+  if (BoolAt(channel, "assumed") && !value.is_null()) return {text + " (assumed)", Colour::kFaint};
   if (!At(channel, "stale_since").is_null()) return {text + " (stale)", Colour::kFaint};
   if (value.is_null()) return {text, Colour::kFaint};
   return {text, value == json::value(true) ? Colour::kYellow : Colour::kNone};

@@ -97,6 +97,7 @@ void Bus::PlugCard(unsigned address, Kind kind) {
   card.address = address;
   card.kind = kind;
   card.channels.resize(card.Row().channels);
+  for (Channel& channel : card.channels) channel.assumed = HasBlocks(card);
   if (kind == Kind::kLcd) {
     const CardSettings settings = settings_.Card(address);
     card.glass.emplace(settings.rows, settings.columns);
@@ -187,7 +188,7 @@ void Bus::AssumeOutputs(unsigned address) {
   if (card == nullptr || !HasBlocks(*card)) return;
   for (unsigned number = 0; number < card->channels.size(); ++number) {
     Channel& channel = card->channels[number];
-    if (!channel.IsKnown() || channel.assumed) continue;
+    if (channel.assumed) continue;
     channel.assumed = true;
     NoteChannel({address, number});
   }

@@ -114,7 +114,7 @@ TEST_F(Commands, GetPrintsTheValue) {
 TEST_F(Commands, GetSaysWhatIsNotSure) {
   hub.Answer("GET /api/channels/5.0", R"({"id":"5.0","value":true,"assumed":true})");
   hub.Answer("GET /api/channels/5.1", R"({"id":"5.1","value":false,"pending":true})");
-  hub.Answer("GET /api/channels/5.2", R"({"id":"5.2","value":null})");
+  hub.Answer("GET /api/channels/5.2", R"({"id":"5.2","value":null,"assumed":true})");
   Expect({"get", "5.0"}, "on (assumed)\n");
   Expect({"get", "5.1"}, "off (pending)\n");
   Expect({"get", "5.2"}, "unknown\n");

@@ -94,7 +94,7 @@ TEST_F(ShapesTest, WhatWasSettledOfACard) {
     "raw":0, "known":true, "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
     "unit":null, "min":-100, "max":100})"));
   EXPECT_EQ(Channel(4, 3), Compact(R"({"id":"4.3", "name":null, "type":"drive", "value":null,
-    "raw":null, "known":false, "assumed":false, "pending":false, "since":null, "unit":null,
+    "raw":null, "known":false, "assumed":true, "pending":false, "since":null, "unit":null,
     "min":0, "max":255})"));
 }
 

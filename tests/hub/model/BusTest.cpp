@@ -57,6 +57,9 @@ TEST_F(BusTest, ACardBringsItsChannelsAndKnowsNothingOfThem) {
   ASSERT_NE(bus.At(kOutputAt), nullptr);
   EXPECT_EQ(bus.At(kOutputAt)->channels.size(), 16U);
   EXPECT_FALSE(At(kOutputAt, 0).IsKnown());
+  EXPECT_TRUE(At(kOutputAt, 0).assumed);
+  EXPECT_FALSE(At(kInputAt, 0).assumed);
+  EXPECT_FALSE(At(kInfraredAt, 0).assumed);
   EXPECT_EQ(bus.At(kGlassAt)->channels.size(), 0U);
   EXPECT_EQ(bus.At(kGlassAt)->glass->Rows().size(), 4U);
 }
@@ -115,7 +118,7 @@ TEST_F(BusTest, WhatWasSentIsNoLongerAssumed) {
   EXPECT_FALSE(At(kOutputAt, 0).assumed);
   bus.AssumeOutputs();
   EXPECT_TRUE(At(kOutputAt, 0).assumed);
-  EXPECT_FALSE(At(kOutputAt, 8).assumed);  // never known
+  EXPECT_TRUE(At(kOutputAt, 8).assumed);  // never known
   Send(protocol::WriteBlock{kOutputAt, 0, 0xFE});
   EXPECT_FALSE(At(kOutputAt, 0).assumed);
 }
