@@ -187,7 +187,8 @@ void Link::Parts::SetDaemon(DaemonState state, std::optional<Port> waiting_for) 
   std::optional<std::string> word;
   if (waiting_for) word = protocol::TextOf(*waiting_for).word;
   if (daemon.state == state && daemon.waiting_for == word) return;
-  daemon = {.state = state, .version = {}, .since = Now(), .waiting_for = word};
+  const auto since = daemon.state == state ? daemon.since : Now();
+  daemon = {.state = state, .version = {}, .since = since, .waiting_for = word};
   bus.SetDaemon(daemon);
   if (word) Tell("daemon", "another program holds port " + *word);
   bus.Publish();

@@ -17,6 +17,9 @@ namespace {
 // A free port greets 3 s after it listens, and 7 s after its last client has left.
 constexpr std::chrono::seconds kGreetingPatience{12};
 
+// After that: another port may be the one that is held.
+constexpr std::chrono::seconds kNextLook{1};
+
 }  // namespace
 
 Sessions::Sessions(asio::any_io_executor executor, std::string host, std::array<uint16_t, 3> ports,
@@ -63,12 +66,17 @@ asio::awaitable<void> Sessions::WatchGreetings() {
   auto token = asio::redirect_error(asio::use_awaitable, cancelled);
   asio::steady_timer timer(executor_, kGreetingPatience);
   co_await timer.async_wait(token);
-  if (cancelled) co_return;
-  const auto held =
-      std::ranges::find_if(sessions_, [](const auto& session) { return !session->IsGreeted(); });
-  if (held != sessions_.end()) sinks_.waiting(static_cast<Port>(held - sessions_.begin()));
-  timer.expires_at(asio::steady_timer::time_point::max());
-  co_await timer.async_wait(token);
+  while (!cancelled) {
+    const auto held =
+        std::ranges::find_if(sessions_, [](const auto& session) { return !session->IsGreeted(); });
+    if (held == sessions_.end()) {
+      timer.expires_at(asio::steady_timer::time_point::max());
+    } else {
+      sinks_.waiting(static_cast<Port>(held - sessions_.begin()));
+      timer.expires_after(kNextLook);
+    }
+    co_await timer.async_wait(token);
+  }
 }
 
 bool Sessions::AreGreeted() const {

@@ -373,6 +373,20 @@ TEST_F(LinkTest, NothingHappensWhileNothingHappens) {
   EXPECT_LE(wake_ups() - before, 2);
 }
 
+TEST_F(LinkTest, OfTwoHeldPortsItNamesTheOneThatIsLeft) {
+  daemon.AcceptAll();
+  daemon.Greet(Port::kMon);
+  ASSERT_TRUE(WaitUntil([&] { return link.Daemon().waiting_for == "cae"; }));
+  const auto since = link.Daemon().since;
+  daemon.Greet(Port::kCae);
+  EXPECT_TRUE(WaitUntil([&] { return link.Daemon().waiting_for == "io"; }));
+  EXPECT_EQ(link.Daemon().since, since);
+  EXPECT_TRUE(link.WaitJournal("another program holds port io"));
+  daemon.Greet(Port::kIo);
+  daemon.AnswerFirst();
+  EXPECT_TRUE(link.WaitUp());
+}
+
 // What the daemon has said when it goes.
 struct Moment {
   const char* name;
