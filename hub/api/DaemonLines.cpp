@@ -47,6 +47,7 @@ asio::awaitable<std::variant<protocol::Answer, Problem>> RunConsoleLine(House& h
                                                                         std::string line) {
   if (auto problem = CheckRole(caller, Role::kAdmin)) co_return *std::move(problem);
   if (auto problem = CheckLine(line)) co_return *std::move(problem);
+  if (auto problem = CheckConsole(house)) co_return *std::move(problem);
   auto asking = house.link.Ask(std::move(line));
   std::optional<protocol::Answer> answer = co_await std::move(asking);
   if (!answer) co_return RetryLater(503, "the daemon is not there", kRetryDaemonSeconds);

@@ -10,7 +10,7 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr int kRetryTooFast = 1;  // seconds; a card's queue is empty long before
+constexpr int kRetryTooFast = 1;  // seconds; a queue is hardly longer
 
 const json::value* Find(const Request& request, std::string_view name) {
   return request.parameters.if_contains(name);
@@ -120,8 +120,14 @@ void RequireAccepted(link::Outcome outcome, unsigned address) {
   }
 }
 
+std::optional<Problem> CheckConsole(const House& house) {
+  if (!house.link.IsConsoleFull()) return std::nullopt;
+  return RetryLater(429, "the daemon's console has 64 lines waiting", kRetryTooFast);
+}
+
 boost::asio::awaitable<protocol::Lines> AskDaemon(House& house, std::string line) {
   RequireDaemon(house);
+  if (const auto problem = CheckConsole(house)) throw Problem(*problem);
   auto asking = house.link.Ask(line);
   std::optional<protocol::Answer> answer = co_await std::move(asking);
   if (!answer)

@@ -31,6 +31,9 @@ boost::json::object ObjectAt(const Request& request, std::string_view name);  //
 // Nothing waits for a daemon that is not there.
 void RequireDaemon(const House& house);
 
+// Nor behind 64 others: too fast.
+std::optional<Problem> CheckConsole(const House& house);
+
 // A card that is or was there; by the parameter "address".
 const model::Card& RequireCard(const House& house, const Request& request);
 

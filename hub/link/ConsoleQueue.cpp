@@ -39,10 +39,6 @@ protocol::Console ConsoleQueue::NewConsole() {
   });
 }
 
-bool ConsoleQueue::Takes(std::string_view line) const {
-  return requests_.size() < kMostWaiting && protocol::IsConsoleLine(line);
-}
-
 boost::asio::awaitable<std::optional<Answer>> ConsoleQueue::Ask(std::string line) {
   const auto answer = std::make_shared<Given>(executor_);
   requests_.push_back({std::move(line), answer});

@@ -30,8 +30,7 @@ class ConsoleQueue {
   // The answer without the prompt, in a session. Nothing where the session ends before it.
   boost::asio::awaitable<std::optional<protocol::Answer>> Ask(std::string line);
 
-  // Whether a line of somebody else can be asked: not too many wait, and it can go out.
-  bool Takes(std::string_view line) const;
+  bool IsFull() const { return requests_.size() >= kMostWaiting; }  // for lines of somebody else
 
   boost::asio::awaitable<void> Run();  // ends when an answer does not come
   void Take(std::string line);         // a line that the daemon has written

@@ -111,7 +111,8 @@ asio::awaitable<Outcome> Link::Send(IoCommand command) {
 
 asio::awaitable<std::optional<protocol::Answer>> Link::Ask(std::string line) {
   const auto parts = parts_;
-  if (!parts->is_up || !parts->console.Takes(line)) co_return std::nullopt;
+  const bool can_go = !parts->console.IsFull() && protocol::IsConsoleLine(line);
+  if (!parts->is_up || !can_go) co_return std::nullopt;
   const bool is_forced = line == kForcedDiscovery;
   if (is_forced) co_await parts->survey.BeginForced();
   if (!parts->is_up) co_return std::nullopt;  // lost meanwhile
@@ -121,6 +122,8 @@ asio::awaitable<std::optional<protocol::Answer>> Link::Ask(std::string line) {
   if (is_forced) parts->survey.EndForced(answer.has_value());
   co_return answer;
 }
+
+bool Link::IsConsoleFull() const { return parts_->console.IsFull(); }
 
 Link::Counters Link::Count() const {
   return {.commands = parts_->sender.CommandCount(),

@@ -69,8 +69,9 @@ class Link {
 
   // A line for the console, and its answer; nothing where no session is, it ended before the
   // answer, or the line is none that can go out (protocol::IsConsoleLine). Lines wait for each
-  // other, at most 64 of them.
+  // other, at most 64 of them; nothing for a further one, too.
   boost::asio::awaitable<std::optional<protocol::Answer>> Ask(std::string line);
+  bool IsConsoleFull() const;  // as many lines wait as may
 
   // For the monitoring system.
   struct Counters {

@@ -72,6 +72,16 @@ TEST_F(BusMethodsTest, TheConsoleAnswersInLines) {
   ExpectNeedsDaemon("console.run", R"({"line":"DRVVER"})");
 }
 
+TEST_F(BusMethodsTest, AFullConsoleIsTriedAgainSoon) {
+  link.is_full = true;
+  for (const char* method : {"console.run", "bus.discover"}) {
+    const std::string_view parameters = method[0] == 'c' ? R"({"line":"DRVVER"})" : "{}";
+    ExpectProblem(method, parameters, 429, "", "the daemon's console has 64 lines waiting");
+    EXPECT_EQ(Call(method, parameters).problem->retry_after, 1);
+  }
+  EXPECT_EQ(TakeAsked(), "");
+}
+
 TEST_F(BusMethodsTest, AnErrorOfTheConsoleIsAnAnswer) {
   link.answers["XYZ"] = {"CIE: UNKNOWN COMMAND "};
   EXPECT_EQ(Result("console.run", R"({"line":"XYZ"})"), R"({"lines":["CIE: UNKNOWN COMMAND "]})");

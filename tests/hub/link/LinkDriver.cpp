@@ -142,6 +142,10 @@ bool LinkDriver::IsFree() {
   });
 }
 
+bool LinkDriver::IsConsoleFull() {
+  return Look([this](const model::Bus&) { return link_->IsConsoleFull(); });
+}
+
 Link::Counters LinkDriver::Count() {
   return Look([this](const model::Bus&) { return link_->Count(); });
 }

@@ -55,6 +55,7 @@ class LinkDriver {
   std::vector<protocol::WriteBlock> Asked();   // as it was told to the store
   std::vector<protocol::WriteBlock> Stored();  // with what the hub knew from before
   bool IsFree();                               // no output is pending
+  bool IsConsoleFull();
   Link::Counters Count();
 
  private:

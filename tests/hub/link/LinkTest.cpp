@@ -233,11 +233,13 @@ TEST_F(LinkTest, SixtyFourLinesWaitAndNoMore) {
   Introduce();
   std::vector<std::future<std::optional<Lines>>> answers;
   for (int i = 0; i < 64; ++i) answers.push_back(link.AskLater("DRVVER"));
+  EXPECT_TRUE(link.IsConsoleFull());
   EXPECT_EQ(link.Ask("DRVVER"), std::nullopt);
   for (auto& answer : answers) {
     daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
     EXPECT_TRUE(answer.get());
   }
+  EXPECT_FALSE(link.IsConsoleFull());
 }
 
 TEST_F(LinkTest, SpeedAndPollingThatSomebodySetAreKnown) {

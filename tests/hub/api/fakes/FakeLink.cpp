@@ -25,6 +25,8 @@ boost::asio::awaitable<Outcome> Link::Set(unsigned address, std::vector<Target> 
   co_return static_cast<Outcome>(fake.outcome);
 }
 
+bool Link::IsConsoleFull() const { return FakeLink::now->is_full; }
+
 boost::asio::awaitable<Outcome> Link::Send(protocol::IoCommand command) {
   FakeLink& fake = *FakeLink::now;
   fake.sent.push_back(protocol::Format(command));

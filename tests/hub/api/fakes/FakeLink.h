@@ -22,6 +22,7 @@ struct FakeLink {
   std::vector<std::string> asked;  // lines of the console
   std::map<std::string, std::vector<std::string>> answers;  // of the console; else "CIA: OK"
   bool is_mute = false;                                     // the console does not answer
+  bool is_full = false;                                     // it takes no further line
   std::function<void(const std::string& what)> then;        // after each of them
 
   static FakeLink* now;
