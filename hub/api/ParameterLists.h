@@ -118,8 +118,9 @@ inline constexpr List<4> kHistory{{
     {"points", Type::kInteger, Place::kQuery, false, "at most; 500 where it is not given", 1, 5000},
 }};
 inline constexpr List<3> kJournal{{
-    {"after", Type::kInteger, Place::kQuery, false, "entries behind this number", 0, kLargestCount},
-    {"before", Type::kInteger, Place::kQuery, false, "entries ahead of this number", 1,
+    {"after", Type::kInteger, Place::kQuery, false, "the oldest entries behind this number", 0,
+     kLargestCount},
+    {"before", Type::kInteger, Place::kQuery, false, "the newest entries ahead of this number", 1,
      kLargestCount},
     {"limit", Type::kInteger, Place::kQuery, false, "at most; 100 where it is not given", 1, 1000},
 }};

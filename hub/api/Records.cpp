@@ -41,7 +41,8 @@ Answer GetHistory(House& house, Request request) {
 }
 
 Answer GetJournal(House& house, Request request) {
-  store::JournalSpan span{.after = static_cast<uint64_t>(IntegerAt(request, "after"))};
+  store::JournalSpan span;
+  if (const auto after = MaybeInteger(request, "after")) span.after = static_cast<uint64_t>(*after);
   if (const auto before = MaybeInteger(request, "before"))
     span.before = static_cast<uint64_t>(*before);
   if (const auto limit = MaybeInteger(request, "limit")) span.limit = static_cast<size_t>(*limit);

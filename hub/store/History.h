@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "model/Change.h"
@@ -23,16 +24,17 @@ struct History {
   std::vector<Point> points;  // by time; a step without a value has none
 };
 
-// A page of the journal: its newest `limit` entries between two numbers, both left out.
+// A page of the journal: `limit` entries between two numbers, both left out. Where only `after` is
+// given, the oldest of them: the next page goes on behind the last one. Else the newest.
 struct JournalSpan {
-  uint64_t after = 0;
+  std::optional<uint64_t> after;
   uint64_t before = std::numeric_limits<uint64_t>::max();
   size_t limit = 100;
 };
 
 struct JournalPage {
   std::vector<model::JournalEntry> entries;  // oldest first
-  uint64_t lost = 0;                         // in the span, and no longer kept
+  uint64_t lost = 0;                         // in the span up to the page's end, no longer kept
 };
 
 }  // namespace hub::store

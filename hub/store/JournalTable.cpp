@@ -48,25 +48,50 @@ bool JournalTable::DropOldest() {
 
 JournalPage JournalTable::Read(const JournalSpan& span, uint64_t last,
                                const std::deque<model::JournalEntry>& waiting) {
-  JournalPage page;
+  const uint64_t after = span.after.value_or(0);
   const uint64_t end = std::min(span.before, last + 1);
-  if (span.after + 1 >= end) return page;
+  if (after >= last || after + 1 >= end || span.limit == 0) return {};
+  const bool is_followed = span.after && span.before > last;
+  return is_followed ? ReadOldest(after, end, span.limit, waiting)
+                     : ReadNewest(after, end, span.limit, waiting);
+}
+
+JournalPage JournalTable::ReadOldest(uint64_t after, uint64_t end, size_t limit,
+                                     const std::deque<model::JournalEntry>& waiting) {
+  JournalPage page;
+  Statement rows(database_,
+                 "SELECT * FROM journal WHERE number > ? AND number < ?"
+                 " ORDER BY number LIMIT ?");
+  rows.Bind(after, end, uint64_t{limit});
+  while (rows.Next()) page.entries.push_back(ReadEntry(rows));
+  for (const model::JournalEntry& entry : waiting) {
+    if (page.entries.size() == limit) break;
+    if (entry.sequence > after && entry.sequence < end) page.entries.push_back(entry);
+  }
+  const bool is_full = page.entries.size() == limit;
+  const uint64_t page_end = is_full ? page.entries.back().sequence + 1 : end;
+  page.lost = page_end - 1 - after - page.entries.size();
+  return page;
+}
+
+JournalPage JournalTable::ReadNewest(uint64_t after, uint64_t end, size_t limit,
+                                     const std::deque<model::JournalEntry>& waiting) {
+  JournalPage page;
   uint64_t kept = 0;
-  for (auto entry = waiting.rbegin(); entry != waiting.rend() && entry->sequence > span.after;
-       ++entry) {
+  for (auto entry = waiting.rbegin(); entry != waiting.rend() && entry->sequence > after; ++entry) {
     if (entry->sequence >= end) continue;
     ++kept;
-    if (page.entries.size() < span.limit) page.entries.push_back(*entry);
+    if (page.entries.size() < limit) page.entries.push_back(*entry);
   }
   Statement count(database_, "SELECT count(*) FROM journal WHERE number > ? AND number < ?");
-  if (count.Bind(span.after, end).Next()) kept += static_cast<uint64_t>(count.Integer(0));
+  if (count.Bind(after, end).Next()) kept += static_cast<uint64_t>(count.Integer(0));
   Statement rows(database_,
                  "SELECT * FROM journal WHERE number > ? AND number < ?"
                  " ORDER BY number DESC LIMIT ?");
-  rows.Bind(span.after, end, uint64_t{span.limit - page.entries.size()});
+  rows.Bind(after, end, uint64_t{limit - page.entries.size()});
   while (rows.Next()) page.entries.push_back(ReadEntry(rows));
   std::ranges::reverse(page.entries);
-  page.lost = end - 1 - span.after - kept;
+  page.lost = end - 1 - after - kept;
   return page;
 }
 

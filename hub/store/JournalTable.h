@@ -29,6 +29,11 @@ class JournalTable {
                    const std::deque<model::JournalEntry>& waiting);
 
  private:
+  JournalPage ReadOldest(uint64_t after, uint64_t end, size_t limit,
+                         const std::deque<model::JournalEntry>& waiting);
+  JournalPage ReadNewest(uint64_t after, uint64_t end, size_t limit,
+                         const std::deque<model::JournalEntry>& waiting);
+
   Database& database_;
 };
 

@@ -63,6 +63,8 @@ TEST_F(RecordsTest, TheJournalIsReadBehindANumber) {
      "by":"operator"}], "lost":3})");
   EXPECT_EQ(store.asked_journal, "16, 2");
   Result("journal.get");
+  EXPECT_EQ(store.asked_journal, "newest, 100");
+  Result("journal.get", R"({"after":"0"})");
   EXPECT_EQ(store.asked_journal, "0, 100");
   Result("journal.get", R"({"after":"5","before":"17"})");
   EXPECT_EQ(store.asked_journal, "5 before 17, 100");

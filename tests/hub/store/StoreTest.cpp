@@ -100,13 +100,14 @@ void StoreTest::CutPower() {
   std::filesystem::remove_all(copy);
 }
 
-JournalPage StoreTest::Journal(uint64_t after, size_t limit, uint64_t before) {
+JournalPage StoreTest::Journal(std::optional<uint64_t> after, size_t limit, uint64_t before) {
   context.restart();
   const JournalSpan span{.after = after, .before = before, .limit = limit};
   return Get(context, store->ReadJournal(span)).value();
 }
 
-std::vector<std::string> StoreTest::JournalTexts(uint64_t after, size_t limit, uint64_t before) {
+std::vector<std::string> StoreTest::JournalTexts(std::optional<uint64_t> after, size_t limit,
+                                                 uint64_t before) {
   std::vector<std::string> texts;
   for (const auto& entry : Journal(after, limit, before).entries) texts.push_back(entry.text);
   return texts;

@@ -57,9 +57,9 @@ class StoreTest : public testing::Test {
   // A day around noon.
   Curve ReadDay(size_t points = 500, model::ChannelId channel = kKnob);
   static Curve ToCurve(const History& history);
-  JournalPage Journal(uint64_t after = 0, size_t limit = 1000,
+  JournalPage Journal(std::optional<uint64_t> after = {}, size_t limit = 1000,
                       uint64_t before = std::numeric_limits<uint64_t>::max());
-  std::vector<std::string> JournalTexts(uint64_t after = 0, size_t limit = 1000,
+  std::vector<std::string> JournalTexts(std::optional<uint64_t> after = {}, size_t limit = 1000,
                                         uint64_t before = std::numeric_limits<uint64_t>::max());
 
   TempDir dir;

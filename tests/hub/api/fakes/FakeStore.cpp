@@ -53,7 +53,7 @@ boost::asio::awaitable<std::optional<JournalPage>> Store::ReadJournal(JournalSpa
   FakeStore& fake = *FakeStore::now;
   if (fake.is_busy) co_return std::nullopt;
   const bool has_end = span.before != std::numeric_limits<uint64_t>::max();
-  fake.asked_journal = std::to_string(span.after) +
+  fake.asked_journal = (span.after ? std::to_string(*span.after) : "newest") +
                        (has_end ? " before " + std::to_string(span.before) : "") + ", " +
                        std::to_string(span.limit);
   co_return JournalPage{fake.entries, fake.lost};

@@ -20,10 +20,10 @@ function put(hub: Hub, journal: JournalLog): void {
 
 async function read(hub: Hub): Promise<void> {
   const { entries, asked, isRead } = hub.state.journal;
-  const after = isRead ? (entries.at(-1)?.seq ?? 0) : 0;
+  const newest = { limit: asked };
+  const fresh = { after: entries.at(-1)?.seq ?? 0, limit: mostEntries };
   try {
-    const limit = isRead ? mostEntries : asked;
-    const answer = (await hub.ask('journal.get', { after, limit })) as Journal;
+    const answer = (await hub.ask('journal.get', isRead ? fresh : newest)) as Journal;
     const take = isRead ? journalAfter : wholeJournal;
     put(hub, take(hub.state.journal, answer));
   } catch {
