@@ -39,7 +39,7 @@ class Door {
 
   void End(std::string_view account) {
     for (const auto& session : sessions_)
-      if (session->Account() == account) session->Close();
+      if (session->Account() == account) session->End();
   }
 
   size_t ClientCount() const {
@@ -51,8 +51,10 @@ class Door {
   static asio::awaitable<void> Accept(Door& door);
 
   void Serve(tcp::socket socket) {
-    std::erase_if(sessions_, [](const auto& session) { return !session->IsOpen(); });
-    if (sessions_.size() == TextPorts::kMostClients) return;  // closes the connection
+    // A closed one acts on the lines that it has read, as long as somebody else holds it.
+    std::erase_if(sessions_,
+                  [](const auto& each) { return !each->IsOpen() && each.use_count() == 1; });
+    if (ClientCount() == TextPorts::kMostClients) return;  // closes the connection
     sessions_.push_back(std::make_shared<TextSession>(house_, std::move(socket), port_));
     sessions_.back()->Start();
   }
@@ -60,7 +62,7 @@ class Door {
   api::House& house_;
   tcp::acceptor acceptor_;
   Port port_;
-  std::vector<std::shared_ptr<TextSession>> sessions_;  // some may be closed already
+  std::vector<std::shared_ptr<TextSession>> sessions_;  // some are closed, and still act
 };
 
 asio::awaitable<void> Door::Accept(Door& door) {

@@ -113,6 +113,12 @@ void TextSession::Greet() {
 }
 
 void TextSession::Show(std::string_view line) {
+// Lines that were read already find a caller without a role, as do those that are tried again.
+void TextSession::End() {
+  caller_.role = access::Role::kNone;
+  Close();
+}
+
   if (may_enter_ && !is_done_) Send(Item(line));
 }
 
@@ -237,7 +243,7 @@ void TextSession::RefuseLongLine() {
 // before it, and the client with it.
 asio::awaitable<void> TextSession::TakeCommand(std::string line) {
   error_code error;
-  while (commands_under_way_ >= kMostUnderWay && IsOpen())
+  while (commands_under_way_ >= kMostUnderWay)
     co_await has_receipt_.async_wait(asio::redirect_error(asio::use_awaitable, error));
   const auto command = protocol::ParseIoCommand(line);
   const bool is_block = command && std::holds_alternative<protocol::WriteBlock>(*command);

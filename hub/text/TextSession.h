@@ -30,6 +30,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
 
   void Start();
   void Close();
+  void End();  // closes, and acts on nothing more
   bool IsOpen() const { return socket_.is_open(); }
 
   // A line for the client: what is not for it yet (no token) is dropped.

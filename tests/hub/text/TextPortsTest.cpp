@@ -7,7 +7,9 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_future.hpp>
 #include <future>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "../FakeClock.h"
 #include "api/fakes/FakeLink.h"
@@ -65,6 +67,10 @@ class TextPortsTest : public testing::Test {
                           boost::asio::use_future)
         .get();
     return Run([this] { return std::get<std::string>(access.AddToken("script", kUse)); });
+  }
+
+  std::vector<std::string> Sent() {
+    return Run([this] { return fake_link.sent; });
   }
 
   static constexpr access::Role kUse = access::Role::kUse;
@@ -127,5 +133,14 @@ TEST_F(TextPortsTest, ASilentClientIsAskedWhetherItIsThere) {
   EXPECT_TRUE(IsAskedWithin(io, seconds(30)));
 }
 
-}  // namespace
-}  // namespace hub::text
+TEST_F(TextPortsTest, ATokenThatIsTakenAwayCommandsNothingMore) {
+  const std::string secret = AddToken();
+  fake_link.then = [this](const std::string&) { access.RemoveToken("script"); };
+  Client client(io);
+  client.Send("TOKEN " + secret + "\r\n");
+  client.ExpectBytes(kGreeting);
+  client.Send("a5b0d01\r\na5b0d02\r\naElPAp0000tHello\r\na5b0d03\r\n");
+  client.ExpectClosed();
+  EXPECT_EQ(Sent(), std::vector<std::string>{"a5b0d01"});
+}
+
