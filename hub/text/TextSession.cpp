@@ -47,6 +47,16 @@ constexpr int kMilliseconds = 1000;
 // Until a text that was refused is tried again.
 constexpr std::chrono::milliseconds kPause{20};
 
+// Bytes: what the kernel holds for a client, and what it is given at once.
+constexpr int kKernelBytes = 16 * 1024;
+constexpr size_t kPiece = 16 * 1024;
+
+// Any page can have its reader's browser send a request to this port, with lines of the page's own
+// as its body; the line before them is the browser's. One that is too long to be told may be, too.
+bool IsOfABrowser(std::string_view first_line) {
+  return first_line.ends_with(" HTTP/1.1") || first_line.ends_with(" HTTP/1.0");
+}
+
 std::string Item(std::string_view text) { return std::string(text) + std::string(kItemEnd); }
 
 asio::steady_timer NeverExpiring(const asio::any_io_executor& executor) {
@@ -154,6 +164,7 @@ asio::awaitable<void> TextSession::Read(Self self) {
   error_code error;
   bool goes_on = true;
   while (goes_on && self->IsOpen()) {
+  bool has_begun = false;
     const auto buffer = asio::buffer(chunk);
     const size_t count = co_await self->socket_.async_read_some(
         buffer, asio::redirect_error(asio::use_awaitable, error));
@@ -162,6 +173,10 @@ asio::awaitable<void> TextSession::Read(Self self) {
     if (error && !reader.Unfinished().empty()) lines.push_back(reader.Unfinished());
     for (std::string& line : lines) {
       auto taking = self->Take(std::move(line));
+    if (!has_begun && !lines.empty()) {
+      if (reader.LostLines() > 0 || IsOfABrowser(lines.front())) co_return self->Close();
+      has_begun = true;
+    }
       goes_on = co_await std::move(taking);
       if (!goes_on) break;
     }

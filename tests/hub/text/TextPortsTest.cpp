@@ -144,3 +144,26 @@ TEST_F(TextPortsTest, ATokenThatIsTakenAwayCommandsNothingMore) {
   EXPECT_EQ(Sent(), std::vector<std::string>{"a5b0d01"});
 }
 
+TEST_F(TextPortsTest, TheBodyOfARequestOfABrowserIsNoCommand) {
+  for (const char* const version : {"HTTP/1.0", "HTTP/1.1"}) {
+    Client client(io);
+    client.Send(std::string("POST / ") + version + "\r\nHost: 127.0.0.1\r\n\r\na5b0d00\r\n");
+    client.ExpectClosed();
+  }
+  EXPECT_EQ(Sent(), std::vector<std::string>{});
+}
+
+TEST_F(TextPortsTest, NorIsThatOfARequestWhoseFirstLineIsTooLong) {
+  Client client(io);
+  client.Send("POST /" + std::string(2000, 'x') + " HTTP/1.1\r\n\r\na5b0d00\r\n");
+  client.ExpectClosed();
+  EXPECT_EQ(Sent(), std::vector<std::string>{});
+}
+
+TEST_F(TextPortsTest, ALaterLineMayLookLikeARequest) {
+  Client client(io);
+  client.ExpectBytes(kGreeting);
+  client.Send("\r\nGET / HTTP/1.1\r\n");
+  client.ExpectBytes("COE:Illegal command -> GET / HTTP/1.1\r\n\r");
+}
+
