@@ -74,6 +74,7 @@ TextSession::TextSession(api::House& house, asio::ip::tcp::socket socket, Port p
   guest_.emplace(house.traffic, access::Door::kText);
   error_code error;
   socket_.set_option(asio::ip::tcp::no_delay(true), error);
+  socket_.set_option(asio::socket_base::send_buffer_size(kKernelBytes), error);
   ProbeWhenSilent();
   const auto peer = socket_.remote_endpoint(error);
   if (!error) caller_.address = peer.address().to_string();
@@ -112,6 +113,12 @@ void TextSession::Close() {
   has_receipt_.cancel();
 }
 
+// Lines that were read already find a caller without a role, as do those that are tried again.
+void TextSession::End() {
+  caller_.role = access::Role::kNone;
+  Close();
+}
+
 void TextSession::Greet() {
   switch (port_) {
     case Port::kCae:
@@ -123,12 +130,6 @@ void TextSession::Greet() {
 }
 
 void TextSession::Show(std::string_view line) {
-// Lines that were read already find a caller without a role, as do those that are tried again.
-void TextSession::End() {
-  caller_.role = access::Role::kNone;
-  Close();
-}
-
   if (may_enter_ && !is_done_) Send(Item(line));
 }
 
@@ -147,11 +148,12 @@ asio::awaitable<void> TextSession::Write(Self self) {
       co_await self->has_output_.async_wait(asio::redirect_error(asio::use_awaitable, error));
       continue;
     }
-    const std::string bytes = std::exchange(self->waiting_, {});
-    const auto buffer = asio::buffer(bytes);
+    const std::string piece = self->waiting_.substr(0, kPiece);
+    const auto buffer = asio::buffer(piece);
     co_await asio::async_write(self->socket_, buffer,
                                asio::redirect_error(asio::use_awaitable, error));
     if (error) break;
+    self->waiting_.erase(0, piece.size());
   }
   self->Close();
 }
@@ -162,21 +164,21 @@ asio::awaitable<void> TextSession::Read(Self self) {
   std::array<char, 4096> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by reads
   uint64_t lost = 0;
   error_code error;
+  bool has_begun = false;
   bool goes_on = true;
   while (goes_on && self->IsOpen()) {
-  bool has_begun = false;
     const auto buffer = asio::buffer(chunk);
     const size_t count = co_await self->socket_.async_read_some(
         buffer, asio::redirect_error(asio::use_awaitable, error));
     reader.Take({chunk.data(), count}, [&](std::string line) { lines.push_back(std::move(line)); });
     // The daemon takes what stands behind the last line end as a command, too.
     if (error && !reader.Unfinished().empty()) lines.push_back(reader.Unfinished());
-    for (std::string& line : lines) {
-      auto taking = self->Take(std::move(line));
     if (!has_begun && !lines.empty()) {
       if (reader.LostLines() > 0 || IsOfABrowser(lines.front())) co_return self->Close();
       has_begun = true;
     }
+    for (std::string& line : lines) {
+      auto taking = self->Take(std::move(line));
       goes_on = co_await std::move(taking);
       if (!goes_on) break;
     }

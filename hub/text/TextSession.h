@@ -63,7 +63,7 @@ class TextSession : public std::enable_shared_from_this<TextSession> {
   protocol::Port port_;
   access::Caller caller_;
   bool may_enter_ = false;  // no token is asked for, or it was good
-  std::string waiting_;     // to be written
+  std::string waiting_;     // to be written, with what is on its way to the kernel
   size_t commands_under_way_ = 0;
   bool is_done_ = false;                  // nothing is read any more; closed when all is written
   boost::asio::steady_timer has_output_;  // never expires: cancelled to wake the writer

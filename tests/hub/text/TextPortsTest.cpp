@@ -167,3 +167,23 @@ TEST_F(TextPortsTest, ALaterLineMayLookLikeARequest) {
   client.ExpectBytes("COE:Illegal command -> GET / HTTP/1.1\r\n\r");
 }
 
+TEST_F(TextPortsTest, AClientThatDoesNotReadIsClosedWellBeforeAMegabyte) {
+  Client client(io);
+  client.ExpectBytes(kGreeting);
+  const std::string report(1000, 'x');
+  for (int kilobyte = 0; kilobyte < 1000; ++kilobyte) Run([&] { ports.ShowReport(report); });
+  EXPECT_EQ(Run([this] { return ports.ClientCount(); }), 0U);
+}
+
+TEST_F(TextPortsTest, SixtyKilobytesMayWaitForAClient) {
+  Client client(io);
+  client.ExpectBytes(kGreeting);
+  const std::string report(1000, 'x');
+  Run([&] {
+    for (int kilobyte = 0; kilobyte < 60; ++kilobyte) ports.ShowReport(report);
+  });
+  for (int kilobyte = 0; kilobyte < 60; ++kilobyte) client.ExpectBytes(report + "\r\n\r");
+}
+
+}  // namespace
+}  // namespace hub::text
