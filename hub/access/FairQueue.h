@@ -1,5 +1,6 @@
 // Work that waits, a lane for each address, served in turn: who asks much waits behind himself.
-// Bounded as a whole and for each lane. Pure; one thread.
+// Each lane is bounded, and so is their number. However many wait, an empty lane has room for one,
+// and the lane without a name, which is no network's, for as many as ever. Pure; one thread.
 #pragma once
 
 #include <algorithm>
@@ -15,12 +16,16 @@ namespace hub::access {
 template <typename Job>
 class FairQueue {
  public:
-  static constexpr size_t kMost = 32;
   static constexpr size_t kMostOfALane = 4;
+  static constexpr size_t kMostLanes = 256;
+  static constexpr size_t kBusy = 32;  // from there on a lane has room for one
 
   bool HasRoom(const std::string& lane) const {
     const auto found = std::ranges::find(lanes_, lane, &Lane::name);
-    return size_ < kMost && (found == lanes_.end() || found->jobs.size() < kMostOfALane);
+    const size_t waiting = found == lanes_.end() ? 0 : found->jobs.size();
+    if (lane.empty()) return waiting < kMostOfALane;
+    if (waiting == 0) return lanes_.size() < kMostLanes;
+    return size_ < kBusy && waiting < kMostOfALane;
   }
 
   void Push(const std::string& lane, Job job) {

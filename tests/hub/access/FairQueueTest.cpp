@@ -49,16 +49,38 @@ TEST(FairQueue, ALaneHasRoomForFour) {
   EXPECT_TRUE(queue.HasRoom("a"));
 }
 
-TEST(FairQueue, AllTogetherHaveRoomForThirtyTwo) {
+TEST(FairQueue, AboveThirtyTwoEachLaneHasRoomForOne) {
   FairQueue<std::string> queue;
-  for (int i = 0; i < 32; ++i) {
+  for (int i = 0; i < 8; ++i)
+    for (const char* job : {"1", "2", "3", "4"}) queue.Push("lane " + std::to_string(i), job);
+  EXPECT_TRUE(queue.HasRoom("new"));
+  queue.Push("new", "job");
+  EXPECT_FALSE(queue.HasRoom("new"));
+  queue.Pop();
+  EXPECT_FALSE(queue.HasRoom("lane 0")) << "32 are left";
+  queue.Pop();
+  EXPECT_TRUE(queue.HasRoom("lane 0"));
+}
+
+TEST(FairQueue, ThereAreTwoHundredAndFiftySixLanes) {
+  FairQueue<std::string> queue;
+  for (int i = 0; i < 256; ++i) {
     EXPECT_TRUE(queue.HasRoom(std::to_string(i)));
     queue.Push(std::to_string(i), "job");
   }
-  EXPECT_FALSE(queue.HasRoom("0"));
   EXPECT_FALSE(queue.HasRoom("new"));
   queue.Pop();
   EXPECT_TRUE(queue.HasRoom("new"));
+}
+
+TEST(FairQueue, TheLaneWithoutANameHasItsPlacesHoweverManyWait) {
+  FairQueue<std::string> queue;
+  for (int i = 0; i < 256; ++i) queue.Push(std::to_string(i), "job");
+  for (const char* job : {"1", "2", "3", "4"}) {
+    EXPECT_TRUE(queue.HasRoom(""));
+    queue.Push("", job);
+  }
+  EXPECT_FALSE(queue.HasRoom(""));
 }
 
 }  // namespace
