@@ -20,6 +20,25 @@ seconds PauseAfter(unsigned tries) {
   return std::min(seconds{1U << doublings}, Throttle::kLongestPause);
 }
 
+seconds PauseOfANetworkAfter(unsigned tries) {
+  return seconds{tries < Throttle::kFreeTriesOfANetwork ? 0 : 1};
+}
+
+// The row of that key, which begins anew after a long rest.
+template <class Table>
+typename Table::mapped_type& RowOf(Table& table, const typename Table::key_type& key,
+                                   model::SteadyTime now) {
+  auto found = table.find(key);
+  if (found == table.end()) {
+    if (table.size() >= Throttle::kMostPairs)
+      table.erase(
+          std::ranges::min_element(table, {}, [](const auto& row) { return row.second.last; }));
+    found = table.emplace(key, typename Table::mapped_type{0, now}).first;
+  }
+  if (now - found->second.last >= Throttle::kForgotten) found->second.count = 0;
+  return found->second;
+}
+
 }  // namespace
 
 Throttle::Pair Throttle::PairOf(std::string_view account, std::string_view address) {
@@ -30,28 +49,23 @@ Throttle::Pair Throttle::PairOf(std::string_view account, std::string_view addre
 std::optional<seconds> Throttle::Try(std::string_view account, std::string_view address,
                                      model::SteadyTime now) {
   const Pair pair = PairOf(account, address);
-  auto found = pairs_.find(pair);
-  if (found == pairs_.end()) {
-    MakeRoom();
-    found = pairs_.emplace(pair, Tries{0, now}).first;
-  }
-  Tries& tries = found->second;
-  if (now - tries.last >= kForgotten) tries.count = 0;
-  const auto next = tries.last + PauseAfter(tries.count);
+  // First, so that a name that may not be tried costs no row.
+  Tries& of_network = RowOf(networks_, pair.second, now);
+  auto next = of_network.last + PauseOfANetworkAfter(of_network.count);
   if (now < next) return std::chrono::ceil<seconds>(next - now);
-  tries.count = std::min(tries.count + 1, kFreeTries + kDoublings);
-  tries.last = now;
+  Tries& tries = RowOf(pairs_, pair, now);
+  next = tries.last + PauseAfter(tries.count);
+  if (now < next) return std::chrono::ceil<seconds>(next - now);
+  tries = {std::min(tries.count + 1, kFreeTries + kDoublings), now};
+  of_network = {of_network.count + 1, now};
   return std::nullopt;
 }
 
 void Throttle::Clear(std::string_view account, std::string_view address) {
-  pairs_.erase(PairOf(account, address));
-}
-
-void Throttle::MakeRoom() {
-  if (pairs_.size() < kMostPairs) return;
-  pairs_.erase(
-      std::ranges::min_element(pairs_, {}, [](const auto& row) { return row.second.last; }));
+  const Pair pair = PairOf(account, address);
+  pairs_.erase(pair);
+  const auto network = networks_.find(pair.second);
+  if (network != networks_.end() && network->second.count > 0) --network->second.count;
 }
 
 }  // namespace hub::access

@@ -1,8 +1,9 @@
 // The brake on trying passwords: five free tries an account and address, then a pause of 1 s that
 // doubles up to 60 s. Other addresses and other accounts are not slowed, and a success clears
-// nothing but its own pair.
+// nothing but its own pair. Whoever tries a fresh name each time has thirty free tries that were
+// no success, whatever the name, and then one a second.
 //
-// The table has an end: whoever fills it pays a hashed password for each row, and the row that
+// The tables have an end: whoever fills them pays a hashed password for each row, and the row that
 // rested longest goes first. Pure; one thread.
 #pragma once
 
@@ -20,11 +21,12 @@ namespace hub::access {
 class Throttle {
  public:
   static constexpr unsigned kFreeTries = 5;
+  static constexpr unsigned kFreeTriesOfANetwork = 30;
   static constexpr std::chrono::seconds kLongestPause{60};
-  static constexpr size_t kMostPairs = 4096;
+  static constexpr size_t kMostPairs = 4096;  // and networks
 
-  // After so long without a try a pair begins anew; who waits for that tries less often than who
-  // keeps to the pauses.
+  // After so long without a try a pair, or a network, begins anew; who waits for that tries less
+  // often than who keeps to the pauses.
   static constexpr std::chrono::hours kForgotten{1};
 
   // Counts a try, before anybody knows how it ends: tries that run at once count as many. Or the
@@ -45,9 +47,9 @@ class Throttle {
   };
 
   static Pair PairOf(std::string_view account, std::string_view address);
-  void MakeRoom();
 
   std::map<Pair, Tries> pairs_;
+  std::map<std::string, Tries> networks_;
 };
 
 }  // namespace hub::access

@@ -94,7 +94,8 @@ TEST_F(ThrottleTest, ItsTableIsBoundedAndTheLongestIdleGoes) {
   UseUp("operator", "192.0.2.2");
   for (int i = 0; i < 4094; ++i) {
     clock.Pass(1ms);
-    Try("name" + std::to_string(i), "192.0.2.3");
+    const std::string number = std::to_string(i);
+    Try("name" + number, "10.0." + std::to_string(i / 256) + "." + std::to_string(i % 256));
   }
   EXPECT_EQ(throttle.Pairs(), 4096U);
   throttle.Clear("operator", "192.0.2.2");
@@ -104,6 +105,31 @@ TEST_F(ThrottleTest, ItsTableIsBoundedAndTheLongestIdleGoes) {
   EXPECT_EQ(throttle.Pairs(), 4096U);
   EXPECT_EQ(Try("operator", "192.0.2.2"), 1) << "tried since";
   EXPECT_EQ(Try("operator", "192.0.2.1"), 0) << "forgotten";
+}
+
+TEST_F(ThrottleTest, ANetworkHasThirtyFreeTriesWhateverNamesItTries) {
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(Try("name" + std::to_string(i), "192.0.2.1"), 0) << i;
+  for (int i = 30; i < 40; ++i) {
+    EXPECT_EQ(Try("name" + std::to_string(i), "192.0.2.1"), 1);
+    EXPECT_EQ(Try("name" + std::to_string(i), "192.0.2.2"), 0) << "another network";
+    clock.Pass(1s);
+    EXPECT_EQ(Try("name" + std::to_string(i), "192.0.2.1"), 0);
+  }
+  clock.Pass(1h);
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(Try("name" + std::to_string(i), "192.0.2.1"), 0) << i;
+}
+
+TEST_F(ThrottleTest, ASuccessIsNoTryOfItsNetworkAndWipesOutNoOther) {
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_EQ(Try("operator", "192.0.2.1"), 0);
+    throttle.Clear("operator", "192.0.2.1");
+  }
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(Try("name" + std::to_string(i), "192.0.2.1"), 0);
+  EXPECT_EQ(Try("one more", "192.0.2.1"), 1);
+  clock.Pass(1s);
+  EXPECT_EQ(Try("operator", "192.0.2.1"), 0);
+  throttle.Clear("operator", "192.0.2.1");
+  EXPECT_EQ(Try("one more", "192.0.2.1"), 1);
 }
 
 TEST_F(ThrottleTest, NamesThatNobodyCanHaveShareARow) {
