@@ -40,6 +40,7 @@ asio::awaitable<void> LiveClient::Read() {
     while (!HasRoom() && !is_over_) co_await room_.Wait();
     std::optional<std::string> text = co_await socket_->Read();
     if (!text || is_over_) co_return;
+    if (!may_ask_) continue;  // the close waits for what is being written
     ++workers_;
     ++under_way_;
     asio::co_spawn(live_.House().context, Answer(shared_from_this(), std::move(*text)),
@@ -116,6 +117,7 @@ void LiveClient::PingWhenDue() {
 
 // Before the handshake there is nobody to hear why.
 void LiveClient::End(std::string_view reason) {
+  may_ask_ = false;
   if (is_open_)
     socket_->Close(CloseCode::kNotAllowed, reason);
   else

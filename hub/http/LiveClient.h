@@ -53,6 +53,7 @@ class LiveClient : public std::enable_shared_from_this<LiveClient> {
   size_t under_way_ = 0;            // requests whose answer has not gone out
   std::optional<uint64_t> told_;    // up to there; nothing: did not subscribe
   bool is_open_ = false;            // the handshake is behind it
+  bool may_ask_ = true;           // until its login is over
   bool is_over_ = false;
   bool is_cut_ = false;  // it did not take its answers
   size_t workers_ = 0;   // coroutines besides Run

@@ -1,5 +1,6 @@
 // Clients that read slowly or not at all: what they cost, and that the others do not notice.
 #include "Stand.h"
+#include "kit/Ports.h"
 
 namespace hub::http {
 namespace {
@@ -136,6 +137,21 @@ TEST_F(SlowReadersTest, TooManyLongAnswersAtOnceEndTheConnection) {
     all += FrameText(1, R"({"jsonrpc":"2.0","id":1,"method":"late.get"})");
   client.Send(all);
   EXPECT_TRUE(WaitUntil([&] { return Count().cut == 1; }));
+}
+
+TEST_F(SlowReadersTest, WhoseLoginIsOverAsksNothingMoreWhileHeDoesNotRead) {
+  const std::string cookie = "Cookie: " + stand.AddAccount() + "\r\n";
+  WebClient client = stand.Connect();
+  client.KeepInputSmall();
+  client.Upgrade("/api/live", cookie + "Origin: http://localhost\r\n");
+  client.SendText(R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe"})");
+  client.ReadText();
+  for (unsigned change = 0; change < 2'000; ++change) stand.Move(change % 256);
+  stand.ChangePassword();
+  client.SendText(R"({"jsonrpc":"2.0","id":2,"method":"session.who"})");
+  ASSERT_TRUE(WaitUntil([&] { return AllIsRead(stand.port); }));
+  stand.Connect().Get("/healthz");
+  EXPECT_EQ(Count().calls, 1U);
 }
 
 }  // namespace
