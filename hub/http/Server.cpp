@@ -27,9 +27,6 @@ using boost::system::error_code;
 
 namespace {
 
-// So many over the limit hear why; from then on connections are closed without a word.
-constexpr size_t kMostTurnedAway = 32;
-
 // Out of descriptors: accepting at once again would only fail again.
 constexpr std::chrono::milliseconds kBreath{100};
 
@@ -56,7 +53,8 @@ struct Server::Parts {
         options(std::move(the_options)),
         router(house, {options.hosts, options.proxies}, options.page, [this] { return Metrics(); }),
         live(house, counters),
-        streams(std::make_shared<Streams>(house.clock)),
+        streams(std::make_shared<Streams>(house.clock,
+                                          Places(options.max_connections, options.proxies))),
         look(house.context) {}
 
   void CheckMayListen(const ListenAddress& address, const std::string& text) const;
@@ -182,12 +180,12 @@ asio::awaitable<void> Server::Parts::Accept(Listener& listener) {
 }
 
 void Server::Parts::Take(Stream::Socket socket, const Listener& listener) {
-  const bool is_over = streams->Count() >= options.max_connections;
-  if (is_over) ++counters.turned_away;
-  const bool hears_why = streams->Count() < options.max_connections + kMostTurnedAway;
-  if (is_over && (listener.is_tls || !hears_why)) return;
   Peer peer = PeerOf(socket);
   peer.is_tls = listener.is_tls;
+  const Place place = streams->PlaceFor(peer);
+  const bool is_over = place != Place::kFree;
+  if (is_over) ++counters.turned_away;
+  if (is_over && (listener.is_tls || place == Place::kNotAWord)) return;
   auto stream = std::make_shared<Stream>(streams, std::move(socket), std::move(peer),
                                          listener.is_tls ? tls.get() : nullptr);
   asio::co_spawn(house.context, is_over ? TurnAway(stream) : Converse(stream), asio::detached);

@@ -24,9 +24,13 @@ Stream::Stream(std::shared_ptr<Streams> streams, Socket socket, Peer peer, asio:
   socket_.set_option(asio::ip::tcp::no_delay(true), not_tcp);
   if (tls != nullptr) tls_.emplace(socket_, *tls);
   streams_->streams_.insert(this);
+  streams_->places_.Enter(peer_);
 }
 
-Stream::~Stream() { streams_->streams_.erase(this); }
+Stream::~Stream() {
+  streams_->streams_.erase(this);
+  streams_->places_.Leave(peer_);
+}
 
 asio::awaitable<bool> Stream::ShakeHands() {
   if (!tls_) co_return true;

@@ -11,23 +11,25 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "http/Message.h"
+#include "http/Places.h"
 #include "model/Clock.h"
 
 namespace hub::http {
 
 class Stream;
 
-// All streams that are open; each keeps it alive.
+// All streams that are open; each keeps it alive, and has its place.
 class Streams {
  public:
-  explicit Streams(const model::Clock& clock) : clock_(clock) {}
+  Streams(const model::Clock& clock, Places places) : clock_(clock), places_(std::move(places)) {}
   ~Streams() = default;
   Streams(const Streams&) = delete;
   Streams& operator=(const Streams&) = delete;
 
-  size_t Count() const { return streams_.size(); }
+  Place PlaceFor(const Peer& peer) const { return places_.For(peer); }
   const model::Clock& Clock() const { return clock_; }
   void CloseLate();
   void CloseAll();
@@ -36,6 +38,7 @@ class Streams {
   friend class Stream;
 
   const model::Clock& clock_;
+  Places places_;
   std::set<Stream*> streams_;
 };
 

@@ -159,6 +159,21 @@ TEST_F(LimitsTest, FarOverTheLimitConnectionsAreClosedWithoutAWord) {
   EXPECT_EQ(crowd.back().ReadToEnd(), "");
 }
 
+TEST_F(LimitsTest, ACrowdOnTheNetworkLeavesTheUnixSocketOpen) {
+  std::vector<WebClient> crowd;
+  for (int i = 0; i < 350; ++i) crowd.push_back(stand.Connect());
+  EXPECT_EQ(crowd[200].Get("/healthz").status, 200);
+  EXPECT_EQ(stand.ConnectLocally().Get("/healthz").status, 200);
+}
+
+TEST_F(LimitsTest, ACrowdAtTheUnixSocketLeavesTheNetworkOpen) {
+  std::vector<WebClient> crowd;
+  for (int i = 0; i < 64; ++i) crowd.push_back(stand.ConnectLocally());
+  EXPECT_EQ(crowd.back().Get("/healthz").status, 200);
+  EXPECT_EQ(stand.ConnectLocally().Read().status, 503);
+  ExpectOthersAreServed();
+}
+
 TEST_F(LimitsTest, StopEndsEveryConversation) {
   WebClient idle = stand.Connect();
   WebClient live = stand.Subscribe();
