@@ -68,6 +68,14 @@ std::optional<Problem> CheckType(const Request& request, const VerbRow& verb) {
   return ProblemOf(415, "a request with a body has Content-Type: application/json");
 }
 
+// Reading is not free: it may stop the bus for a second. A picture or a link of another site can
+// make a browser read here, which says so then.
+std::optional<Problem> CheckSite(const Request& request) {
+  const std::string_view site = request.Find("Sec-Fetch-Site").value_or("none");
+  if (site == "same-origin" || site == "none") return {};
+  return ProblemOf(403, "a page of another site may not ask");
+}
+
 std::optional<Problem> Collect(const Request& request, const api::Method& method,
                                boost::json::object& parameters) {
   const std::optional<Fields> query = ParseQuery(request.query);
@@ -164,6 +172,7 @@ asio::awaitable<Response> Router::AskApi(Request request, Caller caller) {
   api::RouteMatch match = api::FindRoute(verb->verb, request.path);
   if (match.method == nullptr) co_return OtherVerb(allowed);
   if (const auto problem = CheckRole(caller, match.method->role)) co_return Refusal(*problem);
+  if (const auto problem = CheckSite(request)) co_return Refusal(*problem);
   if (const auto problem = CheckType(request, *verb)) co_return Refusal(*problem);
   if (const auto problem = Collect(request, *match.method, match.parameters))
     co_return Refusal(*problem);

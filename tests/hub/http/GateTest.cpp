@@ -167,5 +167,16 @@ TEST(GateBehindAProxyTest, TheSchemeIsTheOneThatTheProxySpeaks) {
   EXPECT_EQ(stand.Connect().Get(kWho, origin + "X-Forwarded-Proto: https\r\n").status, 200);
 }
 
+TEST_F(GateTest, APageOfAnotherSiteMayNotEvenRead) {
+  const auto status = [&](const std::string& path, const std::string& site) {
+    return stand.Connect().Get(path, "Sec-Fetch-Site: " + site + "\r\n").status;
+  };
+  EXPECT_EQ(status("/api/things/lamp", "cross-site"), 403);
+  EXPECT_EQ(status("/api/things/lamp", "same-site"), 403);
+  EXPECT_EQ(status("/api/things/lamp", "same-origin"), 200);
+  EXPECT_EQ(status("/api/things/lamp", "none"), 200);
+  EXPECT_EQ(status("/healthz", "cross-site"), 200);
+}
+
 }  // namespace
 }  // namespace hub::http
