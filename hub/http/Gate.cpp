@@ -48,13 +48,16 @@ std::string Gate::AddressOf(const Request& request) const {
                                proxies_);
 }
 
-// A proxy may speak TLS for the hub; then it says so.
+bool Gate::IsTls(const Request& request) const {
+  if (request.peer.is_tls) return true;
+  return IsFromProxy(request) && request.Find("X-Forwarded-Proto") == "https";
+}
+
 std::optional<Problem> Gate::CheckOrigin(const Request& request) const {
   const std::string_view host = request.Find("Host").value_or("");
   if (!request.peer.is_local && !hosts_.Allow(host))
     return ProblemOf(403, "the hub is not reached under this name; see `hosts` in its settings");
-  std::string_view scheme = request.peer.is_tls ? "https" : "http";
-  if (IsFromProxy(request) && request.Find("X-Forwarded-Proto") == "https") scheme = "https";
+  const std::string_view scheme = IsTls(request) ? "https" : "http";
   if (access::IsOwnOrigin(request.Find("Origin"), scheme, host, access::AbsentOrigin::kAllowed))
     return {};
   return ProblemOf(403, "a page of another origin may not ask");

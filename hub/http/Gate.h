@@ -24,6 +24,9 @@ class Gate {
  public:
   Gate(access::Access& access, GateOptions options);
 
+  // Whether the other end of it all speaks TLS: with the hub, or with a proxy that says so.
+  bool IsTls(const Request& request) const;
+
   // Without any credentials the caller has no role, but on the Unix socket, and on loopback as
   // long as there are no accounts. A cookie whose session is over is no credential; a token or a
   // ticket that is wrong is refused. `ticket` is what the query brought; empty: none.

@@ -176,7 +176,7 @@ asio::awaitable<Response> Router::AskApi(Request request, Caller caller) {
   if (const auto problem = CheckType(request, *verb)) co_return Refusal(*problem);
   if (const auto problem = Collect(request, *match.method, match.parameters))
     co_return Refusal(*problem);
-  const bool is_tls = request.peer.is_tls;
+  const bool is_tls = gate_.IsTls(request);
   api::Request call{std::move(match.parameters), std::move(caller)};
   auto calling = api::Call(house_, *match.method, std::move(call));
   const api::Reply reply = co_await std::move(calling);

@@ -183,6 +183,17 @@ TEST_F(RequestsTest, ALoginSetsACookieAndALogoutTakesItBack) {
             "qelm_session=; Path=/; HttpOnly; SameSite=Strict; Max-Age=0");
 }
 
+TEST_F(RequestsTest, ALoginThroughAProxyWithTlsSetsACookieForTlsAlone) {
+  Stand behind([](ServerOptions& options) { options.proxies = {"127.0.0.1"}; });
+  const std::string forwarded = "X-Forwarded-Proto: https\r\n";
+  const auto cookie = [&](Stand& at, const std::string& fields) {
+    return at.Connect().Write("POST", "/api/session", "{}", fields).fields.at("set-cookie");
+  };
+  EXPECT_TRUE(cookie(behind, forwarded).ends_with("; Secure")) << cookie(behind, forwarded);
+  EXPECT_FALSE(cookie(behind, "").ends_with("; Secure"));
+  EXPECT_FALSE(cookie(stand, forwarded).ends_with("; Secure"));
+}
+
 TEST_F(RequestsTest, WhatIsNoHttpIsRefusedAndClosed) {
   for (const std::string bytes :
        {"hello\r\n\r\n", "GET / HTTP/9.9\r\n\r\n", "GET  /  HTTP/1.1\r\n\r\n",
