@@ -58,8 +58,10 @@ double StartTime() {
   std::string line;
   std::getline(file, line);
   std::istringstream words(line.substr(line.rfind(')') + 1));
-  for (int i = 0; i < 20; ++i) words >> word;
-  return booted + std::stod(word) / static_cast<double>(sysconf(_SC_CLK_TCK));
+  for (int i = 0; i < 19; ++i) words >> word;
+  double ticks = 0;
+  words >> ticks;
+  return booted + ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
 double Descriptors() {

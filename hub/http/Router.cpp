@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <utility>
 
 #include "access/Cookie.h"
@@ -135,7 +136,18 @@ Router::Router(api::House& house, GateOptions gate, std::string page_folder,
       page_(std::move(page_folder)),
       metrics_(std::move(metrics)) {}
 
+// A fault ends with its request, not with the hub.
 asio::awaitable<Answer> Router::Ask(Request request) {
+  try {
+    auto finding = Find(std::move(request));
+    Answer answer = co_await std::move(finding);
+    co_return answer;
+  } catch (const std::exception& fault) {
+    co_return Answer{Refusal(ProblemOf(500, fault.what())), {}};
+  }
+}
+
+asio::awaitable<Answer> Router::Find(Request request) {
   if (request.path == kLive) co_return AskLive(request);
   auto admitted = gate_.Admit(request);
   if (const auto* problem = std::get_if<Problem>(&admitted))

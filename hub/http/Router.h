@@ -28,6 +28,7 @@ class Router {
   boost::asio::awaitable<Answer> Ask(Request request);
 
  private:
+  boost::asio::awaitable<Answer> Find(Request request);
   Answer AskLive(const Request& request) const;
   boost::asio::awaitable<Response> AskApi(Request request, access::Caller caller);
   Response AskRest(const Request& request, const access::Caller& caller) const;

@@ -1,4 +1,6 @@
 // The text that a monitoring system reads.
+#include <sys/resource.h>
+
 #include "Stand.h"
 #include "kit/Wait.h"
 
@@ -91,6 +93,19 @@ TEST_F(MetricsTest, OutcomesAndReceiptTimesAreCounted) {
 TEST_F(MetricsTest, OtherPartsOfTheHubAddTheirOwn) {
   stand.Run([&] { stand.server->Collect([] { return std::string("qelm_other 7\n"); }); });
   EXPECT_TRUE(Has("qelm_other 7"));
+}
+
+TEST_F(MetricsTest, AreThereWithoutADescriptorToo) {
+  WebClient client = stand.Connect();
+  client.Get("/healthz");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{3, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const Reply reply = client.Get("/metrics");
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(reply.status, 200);
+  EXPECT_NE(reply.body.find("\nprocess_max_fds 3\n"), std::string::npos);
 }
 
 }  // namespace

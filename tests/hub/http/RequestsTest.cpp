@@ -194,6 +194,16 @@ TEST_F(RequestsTest, ALoginThroughAProxyWithTlsSetsACookieForTlsAlone) {
   EXPECT_FALSE(cookie(stand, forwarded).ends_with("; Secure"));
 }
 
+TEST_F(RequestsTest, AFaultIsAnAnswer) {
+  stand.Run([&] {
+    stand.server->Collect([]() -> std::string { throw std::runtime_error("no such number"); });
+  });
+  const Reply reply = client.Get("/metrics");
+  EXPECT_EQ(reply.status, 500);
+  EXPECT_NE(reply.body.find("no such number"), std::string::npos);
+  EXPECT_EQ(client.Get("/healthz").status, 200);
+}
+
 TEST_F(RequestsTest, WhatIsNoHttpIsRefusedAndClosed) {
   for (const std::string bytes :
        {"hello\r\n\r\n", "GET / HTTP/9.9\r\n\r\n", "GET  /  HTTP/1.1\r\n\r\n",
