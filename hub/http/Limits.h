@@ -17,7 +17,8 @@ inline constexpr std::chrono::seconds kAnswerTime{30};  // to take it
 inline constexpr std::chrono::seconds kIdleTime{60};    // between two requests
 inline constexpr std::chrono::seconds kLingerTime{2};   // to read the last answer
 
-inline constexpr std::chrono::seconds kPingTime{15};    // between two pings
-inline constexpr std::chrono::seconds kSilentTime{45};  // a WebSocket that answers none
+inline constexpr std::chrono::seconds kPingTime{15};  // between two pings
+inline constexpr std::chrono::seconds kSilentTime{
+    45};  // a WebSocket that answers none, or takes nothing
 
 }  // namespace hub::http

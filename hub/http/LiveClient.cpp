@@ -49,7 +49,7 @@ asio::awaitable<void> LiveClient::Read() {
 }
 
 bool LiveClient::HasRoom() const {
-  return under_way_ < kMostUnderWay && reply_bytes_ < kReplyBytesToPause;
+  return under_way_ < kMostUnderWay && writing_bytes_ + reply_bytes_ < kReplyBytesToPause;
 }
 
 asio::awaitable<void> LiveClient::Answer(Self self, std::string text) {
@@ -68,7 +68,8 @@ asio::awaitable<void> LiveClient::Answer(Self self, std::string text) {
 
 void LiveClient::Queue(std::string text) {
   if (is_cut_) return;
-  if (!replies_.empty() && reply_bytes_ + text.size() > kReplyBytesToEnd) {
+  const bool is_next = replies_.empty() && writing_bytes_ < kReplyBytesToPause;
+  if (!is_next && reply_bytes_ + text.size() > kReplyBytesToEnd) {
     is_cut_ = true;
     ++live_.Count().cut;
     return socket_->Close(CloseCode::kTooSlow, "too slow to take its answers");
@@ -83,6 +84,7 @@ SharedText LiveClient::Next() {
     SharedText text = std::move(replies_.front());
     replies_.pop_front();
     reply_bytes_ -= text->size();
+    writing_bytes_ = text->size();
     --under_way_;
     return text;
   }
@@ -99,7 +101,10 @@ asio::awaitable<void> LiveClient::Write(Self self) {
       co_await self->news_.Wait();
       continue;
     }
+    self->writes_until_ = self->clock_.Steady() + kSilentTime;
     const bool went = co_await self->socket_->Write(*text);
+    self->writes_until_ = model::SteadyTime::max();
+    self->writing_bytes_ = 0;
     self->room_.Raise();
     if (!went) self->is_over_ = true;
   }
@@ -109,6 +114,7 @@ asio::awaitable<void> LiveClient::Write(Self self) {
 }
 
 void LiveClient::PingWhenDue() {
+  if (clock_.Steady() >= writes_until_) return socket_->Cut();
   if (!is_open_ || clock_.Steady() - pinged_ < kPingTime) return;
   pinged_ = clock_.Steady();
   socket_->Ping();

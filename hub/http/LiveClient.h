@@ -1,7 +1,8 @@
 // One WebSocket of /api/live: requests in, answers and changes out.
 //
 // What waits to go out is bounded: answers by their number and size, since no further request is
-// read before there is room; changes are not kept at all. One thread.
+// read before there is room; changes are not kept at all. A long answer waits for nobody but
+// itself, and whoever does not take what is sent is dropped in time. One thread.
 #pragma once
 
 #include <boost/asio/awaitable.hpp>
@@ -48,11 +49,13 @@ class LiveClient : public std::enable_shared_from_this<LiveClient> {
   access::Caller caller_;
   const model::Clock& clock_;
   model::SteadyTime pinged_;
-  std::deque<SharedText> replies_;  // not on their way yet
-  size_t reply_bytes_ = 0;          // of these
-  size_t under_way_ = 0;            // requests whose answer has not gone out
-  std::optional<uint64_t> told_;    // up to there; nothing: did not subscribe
-  bool is_open_ = false;            // the handshake is behind it
+  std::deque<SharedText> replies_;                             // not on their way yet
+  size_t reply_bytes_ = 0;                                     // of these
+  size_t writing_bytes_ = 0;                                   // of an answer that is on its way
+  model::SteadyTime writes_until_ = model::SteadyTime::max();  // taken by then, or it is dropped
+  size_t under_way_ = 0;          // requests whose answer has not gone out
+  std::optional<uint64_t> told_;  // up to there; nothing: did not subscribe
+  bool is_open_ = false;          // the handshake is behind it
   bool may_ask_ = true;           // until its login is over
   bool is_over_ = false;
   bool is_cut_ = false;  // it did not take its answers

@@ -154,5 +154,35 @@ TEST_F(SlowReadersTest, WhoseLoginIsOverAsksNothingMoreWhileHeDoesNotRead) {
   EXPECT_EQ(Count().calls, 1U);
 }
 
+TEST_F(SlowReadersTest, WhoAnswersPingsAndNeverReadsIsDroppedToo) {
+  WebClient client = SubscribeSlowly();
+  for (unsigned change = 0; change < 2'000; ++change) stand.Move(change % 256);
+  const auto is_there = [&] {
+    return stand.Connect().Get("/metrics").body.find("\nqelm_clients{door=\"websocket\"} 1\n") !=
+           std::string::npos;
+  };
+  ASSERT_TRUE(is_there());
+  EXPECT_TRUE(WaitUntil([&] {
+    client.TrySend(FrameText(10, ""));
+    if (WaitUntil([&] { return AllIsRead(stand.port); })) stand.clock.Pass(std::chrono::seconds(1));
+    return !is_there();
+  }));
+  EXPECT_GE(stand.clock.Passed(), std::chrono::seconds(45));
+}
+
+TEST_F(SlowReadersTest, OneLongAnswerIsAllThatIsMadeForWhoDoesNotRead) {
+  WebClient client = stand.Connect();
+  client.KeepInputSmall();
+  client.Upgrade();
+  const std::string ask =
+      R"({"jsonrpc":"2.0","id":1,"method":"long.get","params":{"size":400000}})";
+  client.SendText(ask);
+  ASSERT_TRUE(WaitUntil([&] { return Count().calls == 1; }));
+  stand.Connect().Get("/healthz");
+  client.SendText(ask);
+  for (int i = 0; i < 50; ++i) stand.Connect().Get("/healthz");
+  EXPECT_EQ(Count().calls, 1U);
+}
+
 }  // namespace
 }  // namespace hub::http
