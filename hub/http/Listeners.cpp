@@ -1,11 +1,13 @@
 #include "http/Listeners.h"
 
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ip/v6_only.hpp>
 #include <boost/asio/local/stream_protocol.hpp>
+#include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <filesystem>
@@ -106,11 +108,18 @@ Acceptor ListenUnix(asio::io_context& context, const std::string& path) {
   return acceptor;
 }
 
+// Who comes by a Unix socket needs no login: another one must not pass for it.
 Acceptor Adopt(asio::io_context& context, int descriptor) {
+  const std::string name = "descriptor " + std::to_string(descriptor);
+  sockaddr_storage address{};
+  socklen_t size = sizeof address;
+  if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+    Fail(name, std::strerror(errno));
+  if (address.ss_family != AF_UNIX) Fail(name, "it is no Unix socket");
   Acceptor acceptor(context);
   error_code error;
   acceptor.assign(Unix(), descriptor, error);
-  if (error) Fail("descriptor " + std::to_string(descriptor), error.message());
+  if (error) Fail(name, error.message());
   return acceptor;
 }
 

@@ -118,6 +118,14 @@ TEST(ListenersTest, ASocketOfTheServiceManagerIsTakenOver) {
   EXPECT_FALSE(std::filesystem::exists(stand.folder.Path("hub.sock")));
 }
 
+TEST(ListenersTest, ADescriptorThatIsNoUnixSocketIsRefused) {
+  const int fd = socket(AF_INET, SOCK_STREAM, 0);
+  ASSERT_EQ(listen(fd, 8), 0);
+  const auto why = Refusal([&](ServerOptions& options) { options.socket_descriptor = fd; });
+  EXPECT_EQ(why, "cannot listen on descriptor " + std::to_string(fd) + ": it is no Unix socket");
+  close(fd);
+}
+
 TEST(ListenersTest, ACertificateThatCannotBeReadIsNamed) {
   const auto why = Refusal([](ServerOptions& options) {
     options.certificate = "/nowhere/hub.pem";
