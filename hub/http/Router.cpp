@@ -77,13 +77,19 @@ std::optional<Problem> CheckSite(const Request& request) {
   return ProblemOf(403, "a page of another site may not ask");
 }
 
+bool NeedsBody(const api::Method& method) {
+  return std::ranges::any_of(method.parameters, [](const api::Parameter& parameter) {
+    return parameter.place == api::Place::kBody && parameter.required;
+  });
+}
+
 std::optional<Problem> Collect(const Request& request, const api::Method& method,
                                boost::json::object& parameters) {
   const std::optional<Fields> query = ParseQuery(request.query);
   if (!query) return ProblemOf(400, "an escape in the query is broken");
   for (const Field& field : *query)
     if (auto problem = api::AddQuery(method, field.name, field.value, parameters)) return problem;
-  if (request.body.empty()) return {};
+  if (request.body.empty() && !(IsJson(request) && NeedsBody(method))) return {};
   const auto body = api::ParseJson(request.body);
   if (const auto* problem = std::get_if<Problem>(&body)) return *problem;
   return api::AddBody(method, std::get<boost::json::value>(body), parameters);

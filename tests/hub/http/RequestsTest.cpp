@@ -153,6 +153,13 @@ TEST_F(RequestsTest, NoJsonIsABadRequest) {
   EXPECT_EQ(client.Write("PUT", "/api/things/lamp", "{value").status, 400);
 }
 
+TEST_F(RequestsTest, NothingIsNoJsonWhereABodyIsNeeded) {
+  const Reply reply = client.Write("PUT", "/api/things/lamp", "");
+  EXPECT_EQ(reply.status, 400);
+  EXPECT_NE(reply.body.find(R"("title":"no JSON")"), std::string::npos) << reply.body;
+  EXPECT_EQ(client.Write("POST", "/api/session", "").status, 200);
+}
+
 TEST_F(RequestsTest, AFieldThatNobodyKnowsIsRefusedByName) {
   const Reply reply = client.Write("PUT", "/api/things/lamp", R"({"value":7,"colour":1})");
   EXPECT_EQ(reply.status, 422);
