@@ -56,6 +56,7 @@ bool OrEmpty(std::string_view text) {
 const Rule kAnyText{IsPrintable, "a text without control characters"};
 const Rule kPath{IsPath, "a path from the root"};
 const Rule kPathOrNone{OrEmpty<IsPath>, "a path from the root, or \"\" for none"};
+const Rule kSecretPathOrNone{kPathOrNone.fits, kPathOrNone.takes, true};
 const Rule kHost{IsHost, "a host's name or address, without a port"};
 const Rule kHostOrNone{OrEmpty<IsHost>,
                        "a host's name or address, without a port, or \"\" for none"};

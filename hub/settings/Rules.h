@@ -8,12 +8,14 @@ namespace hub::settings {
 struct Rule {
   bool (*fits)(std::string_view text);
   std::string_view takes;  // "it takes ..."
+  bool is_secret = false;  // what stands there instead may be a secret, and is not shown
 };
 
 extern const Rule kAnyText;
 extern const Rule kPath;        // not empty
 extern const Rule kPathOrNone;  // or empty
-extern const Rule kHost;        // to connect to: a name or an address
+extern const Rule kSecretPathOrNone;
+extern const Rule kHost;  // to connect to: a name or an address
 extern const Rule kHostOrNone;
 extern const Rule kHostName;  // a name under which the page is reached
 extern const Rule kAddress;   // literal

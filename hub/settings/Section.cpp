@@ -50,6 +50,8 @@ void Section::Take(std::string_view key, std::string& into, const Rule& rule) {
   const auto text = node->value_exact<std::string>();
   if (text && rule.fits(*text))
     into = *text;
+  else if (rule.is_secret)
+    Add(key, node->source(), Quoted(key) + " takes " + std::string(rule.takes));
   else
     Refuse(key, *node, rule.takes);
 }

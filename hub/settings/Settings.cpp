@@ -35,7 +35,7 @@ void TakePorts(Section& section, std::array<uint16_t, 3>& ports) {
 // One without the other cannot be meant.
 void TakePair(Section& section, std::string& certificate, std::string& key) {
   section.Take("certificate", certificate, kPathOrNone);
-  section.Take("key", key, kPathOrNone);
+  section.Take("key", key, kSecretPathOrNone);
   if (!certificate.empty() && key.empty()) section.Complain("certificate", "wants `key` too");
   if (certificate.empty() && !key.empty()) section.Complain("key", "wants `certificate` too");
 }
@@ -93,7 +93,7 @@ void TakeBroker(Section section, BrokerOptions& broker) {
   section.Take("host", broker.host, kHostOrNone);
   section.TakePort("port", broker.port);
   section.Take("user", broker.user, kAnyText);
-  section.Take("password-file", broker.password_file, kPathOrNone);
+  section.Take("password-file", broker.password_file, kSecretPathOrNone);
   section.Take("ca", broker.ca, kPathOrNone);
   TakePair(section, broker.certificate, broker.key);
   section.Take("name", broker.name, kBoardName);

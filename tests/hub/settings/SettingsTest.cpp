@@ -145,6 +145,16 @@ TEST(Settings, AnUnknownKeyIsNamedWithoutItsValue) {
   EXPECT_EQ(Error("[broker]\npassword = \"hunter22\"\n").find("hunter22"), std::string::npos);
 }
 
+TEST(Settings, WhatStandsInThePlaceOfAFileWithASecretIsNotShown) {
+  EXPECT_EQ(Error("[broker]\nhost = \"a\"\npassword-file = \"hunter22\"\n"),
+            "hub.toml:3:17: `password-file` takes a path from the root, or \"\" for none");
+  for (const char* const text :
+       {"[broker]\npassword-file = 22222222\n", "[broker]\nkey = \"hunter22222222\"\n",
+        "[http]\nkey = \"hunter22222222\"\n", "[http]\nkey = [\"22222222\"]\n"})
+    for (const std::string& error : Errors(text))
+      EXPECT_EQ(error.find("22222222"), std::string::npos) << error;
+}
+
 struct Row {
   const char* text;
   const char* error;
