@@ -31,6 +31,13 @@ RpcError NoRequest(json::value id, Problem problem) {
   return NoRequest(std::move(id), std::move(problem.where), std::move(problem.detail));
 }
 
+// Whoever wants no answer hears of no error either: there is nothing to call.
+std::variant<RpcRequest, RpcError> Failed(RpcRequest request, RpcCode code, Problem problem) {
+  request.method = nullptr;
+  if (!request.id) return request;
+  return RpcError{*request.id, code, std::move(problem)};
+}
+
 bool IsId(const json::value& id) { return id.is_string() || id.is_number() || id.is_null(); }
 
 std::variant<RpcRequest, RpcError> Read(const json::object& message) {
@@ -51,11 +58,12 @@ std::variant<RpcRequest, RpcError> Read(const json::object& message) {
     return NoRequest(id, "method", "method takes the name of a method");
   request.method = FindMethod(std::string_view(name->get_string()));
   if (request.method == nullptr)
-    return RpcError{id, RpcCode::kNoMethod, ProblemOf(404, "there is no such method", "method")};
+    return Failed(std::move(request), RpcCode::kNoMethod,
+                  ProblemOf(404, "there is no such method", "method"));
   if (const json::value* parameters = message.if_contains("params")) {
     if (!parameters->is_object())
-      return RpcError{id, RpcCode::kWrongParameters,
-                      DoesNotFit("params", "params takes an object: parameters go by name")};
+      return Failed(std::move(request), RpcCode::kWrongParameters,
+                    DoesNotFit("params", "params takes an object: parameters go by name"));
     request.parameters = parameters->get_object();
   }
   return request;
@@ -93,6 +101,7 @@ boost::asio::awaitable<RpcAnswer> AnswerRpc(House& house, access::Caller caller,
   if (const auto* error = std::get_if<RpcError>(&parsed))
     co_return RpcAnswer{RpcErrorText(*error), std::nullopt};
   auto& request = std::get<RpcRequest>(parsed);
+  if (request.method == nullptr) co_return RpcAnswer{};
   Request asked{std::move(request.parameters), std::move(caller)};
   auto calling = Call(house, *request.method, std::move(asked));
   const Reply reply = co_await std::move(calling);

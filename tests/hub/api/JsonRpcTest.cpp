@@ -39,6 +39,13 @@ TEST_F(JsonRpcTest, WhatWantsNoAnswerIsDoneInSilence) {
   EXPECT_EQ(Rpc(R"({"jsonrpc":"2.0","method":"channels.set","params":{}})"), "");
 }
 
+TEST_F(JsonRpcTest, WhatWantsNoAnswerFailsInSilenceToo) {
+  EXPECT_EQ(Rpc(R"({"jsonrpc":"2.0","method":"no.such"})"), "");
+  EXPECT_EQ(Rpc(R"({"jsonrpc":"2.0","method":"bus.get","params":[]})"), "");
+  EXPECT_NE(Rpc(R"({"jsonrpc":"2.0","id":null,"method":"no.such"})").find(R"("code":-32601)"),
+            std::string::npos);
+}
+
 TEST_F(JsonRpcTest, AProblemIsTheDataOfAnError) {
   ExpectAnswer(
       R"({"jsonrpc":"2.0","id":5,"method":"lcd.write","params":
