@@ -1,10 +1,12 @@
 #include "api/Json.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <charconv>
 #include <cmath>
+#include <utility>
 
 namespace hub::api {
 
@@ -95,6 +97,38 @@ void Append(const json::value& value, std::string& text) {
     text += json::serialize(value);
 }
 
+// Bytes of the character of UTF-8 that the text begins with; 0 where it begins with none.
+size_t LengthOfCharacter(std::string_view text) {
+  const auto byte = [text](size_t at) {
+    return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
+  };
+  const unsigned first = byte(0);
+  if (first < 0x80) return 1;
+  if (first < 0xC2 || first > 0xF4) return 0;
+  const size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+  for (size_t at = 1; at < length; ++at)
+    if ((byte(at) & 0xC0U) != 0x80) return 0;
+  // Longer than it need be, half of a pair, behind the last one.
+  const unsigned second = byte(1);
+  const bool is_none = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
+                       (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
+  return is_none ? 0 : length;
+}
+
+// The daemon repeats what it does not understand as it came, whatever bytes that were.
+std::string WithWholeCharacters(std::string text) {
+  const auto is_plain = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+  if (std::ranges::all_of(text, is_plain)) return text;
+  constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+  std::string whole;
+  for (std::string_view rest = text; !rest.empty();) {
+    const size_t length = LengthOfCharacter(rest);
+    whole += length == 0 ? kReplacement : rest.substr(0, length);
+    rest.remove_prefix(std::max<size_t>(length, 1));
+  }
+  return whole;
+}
+
 }  // namespace
 
 std::variant<json::value, Problem> ParseJson(std::string_view text) {
@@ -112,7 +146,7 @@ std::variant<json::value, Problem> ParseJson(std::string_view text) {
 std::string ToText(const json::value& value) {
   std::string text;
   Append(value, text);
-  return text;
+  return WithWholeCharacters(std::move(text));
 }
 
 }  // namespace hub::api

@@ -14,7 +14,7 @@ namespace hub::api {
 // meant nobody can say.
 std::variant<boost::json::value, Problem> ParseJson(std::string_view text);
 
-// Numbers as people write them: 2.5, not 2.5E0.
+// Numbers as people write them: 2.5, not 2.5E0. Bytes that are no UTF-8 become U+FFFD each.
 std::string ToText(const boost::json::value& value);
 
 }  // namespace hub::api

@@ -42,6 +42,19 @@ TEST(JsonTest, WhatIsNoJsonIsRefused) {
     ExpectRefused(text);
 }
 
+TEST(JsonTest, BytesThatAreNoUtf8AreReplaced) {
+  const std::string kNone = "\xEF\xBF\xBD";
+  EXPECT_EQ(ToText("a\xFFz"), "\"a" + kNone + "z\"");
+  EXPECT_EQ(ToText("\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x92\xA1"),
+            "\"\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x92\xA1\"");
+  EXPECT_EQ(ToText("\xC3"), "\"" + kNone + "\"") << "cut";
+  EXPECT_EQ(ToText("\xE2\x82 "), "\"" + kNone + kNone + " \"") << "cut";
+  EXPECT_EQ(ToText("\xC0\xAF"), "\"" + kNone + kNone + "\"") << "longer than it need be";
+  EXPECT_EQ(ToText("\xE0\x80\xAF"), "\"" + kNone + kNone + kNone + "\"") << "likewise";
+  EXPECT_EQ(ToText("\xED\xA0\x80"), "\"" + kNone + kNone + kNone + "\"") << "half of a pair";
+  EXPECT_EQ(ToText("\xF4\x90\x80\x80"), "\"" + kNone + kNone + kNone + kNone + "\"");
+}
+
 TEST(JsonTest, InvalidUtf8IsRefused) {
   for (const char* text :
        {"\"\xFF\"", "\"\xC0\x80\"", "\"\xED\xA0\x80\"", "\"\xE2\x82\"", "\"\x80\""})
