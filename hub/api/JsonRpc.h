@@ -25,7 +25,7 @@ enum class RpcCode {
 
 struct RpcRequest {
   std::optional<boost::json::value> id;  // nothing: no answer is wanted
-  const Method* method = nullptr;
+  const Method* method = nullptr;        // nothing: there is none, and no answer is wanted
   boost::json::object parameters;
 };
 
