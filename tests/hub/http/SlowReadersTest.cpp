@@ -170,19 +170,5 @@ TEST_F(SlowReadersTest, WhoAnswersPingsAndNeverReadsIsDroppedToo) {
   EXPECT_GE(stand.clock.Passed(), std::chrono::seconds(45));
 }
 
-TEST_F(SlowReadersTest, OneLongAnswerIsAllThatIsMadeForWhoDoesNotRead) {
-  WebClient client = stand.Connect();
-  client.KeepInputSmall();
-  client.Upgrade();
-  const std::string ask =
-      R"({"jsonrpc":"2.0","id":1,"method":"long.get","params":{"size":400000}})";
-  client.SendText(ask);
-  ASSERT_TRUE(WaitUntil([&] { return Count().calls == 1; }));
-  stand.Connect().Get("/healthz");
-  client.SendText(ask);
-  for (int i = 0; i < 50; ++i) stand.Connect().Get("/healthz");
-  EXPECT_EQ(Count().calls, 1U);
-}
-
 }  // namespace
 }  // namespace hub::http
