@@ -13,7 +13,8 @@ export const plots = {
   later: 'Later',
   closer: 'Zoom in',
   wider: 'Zoom out',
-  csv: 'Save as CSV',
+  csv: 'CSV',
+  saveCsv: 'Save as CSV',
   lanes: 'Curves: arrow keys read values, with Shift they move in time; plus and minus zoom',
   remove: (name: string) => `Take ${name} away`,
   range: (least: string, most: string) => `${least} to ${most}`,
@@ -60,7 +61,8 @@ export const journal = {
   lost: (count: number) => `${count} entries were lost: they passed while this page was not there.`,
   nothing: 'Nothing here fits.',
   empty: 'Nothing has happened yet.',
-  shown: (shown: number, all: number) => (shown === all ? `${all}` : `${shown} of ${all}`),
+  shown: (shown: number, all: number) =>
+    shown === all ? `${all} entries` : `${shown} of ${all} entries`,
   reading: 'Reading',
 };
 
@@ -135,6 +137,7 @@ export const settings = {
     storeNote: 'What is set holds until the card is switched off; stored, it holds for good.',
     selfStored: 'This card keeps what is set by itself, and cannot be asked for it.',
     unknown: 'not asked',
+    notAsked: 'Nobody has asked the card for it yet.',
     endA: 'End A',
     endB: 'End B',
     range: 'Silent range',

@@ -9,9 +9,10 @@ import { may, presentCards } from '../../state/select.js';
 import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
-import { nameOf } from '../../widgets/format.js';
+import { nameOf, numberedName } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import './Codes.js';
+import { type Field, renderChoice, renderField, renderTick } from './controls.js';
 import { numberIn } from './fields.js';
 import './KeptInCard.js';
 import { purposeHead, renderPurpose } from './purpose.js';
@@ -58,14 +59,14 @@ export class Cards extends LitElement {
             )}
           </select>
         </label>
-        ${this.renderText(
-          html`<span>${words.name}</span>`,
-          card.name,
-          text.kinds[card.kind],
-          (name) => {
-            want(this, { do: 'rename-card', address: card.address, name });
+        ${this.renderLabelled(words.name, {
+          value: card.name ?? '',
+          usual: text.kinds[card.kind],
+          longest: 64,
+          keep: (name) => {
+            want(this, { do: 'rename-card', address: card.address, name: name || null });
           },
-        )}
+        })}
         ${this.renderCard(card)}
       </div>
       ${card.channels.length > 0 ? this.renderChannels(card) : nothing}
@@ -75,65 +76,29 @@ export class Cards extends LitElement {
       <qelm-kept-in-card .card=${card} .usable=${this.isAdmin.value}></qelm-kept-in-card>`;
   }
 
-  private renderText(
-    label: unknown,
-    value: string | null,
-    usual: string,
-    keep: (value: string | null) => void,
-  ) {
-    return html`<label class="labelled">
-      ${label}
-      ${this.renderField('', value ?? '', usual, 64, (content) => {
-        keep(content || null);
-      })}
-    </label>`;
-  }
-
-  // An empty field is as usual, and shows what that is.
-  private renderField(
-    label: string,
-    value: string,
-    usual: string,
-    longest: number,
-    keep: (content: string) => void,
-  ) {
-    return html`<input
-      class="field"
-      aria-label=${label || nothing}
-      maxlength=${longest}
-      placeholder=${usual}
-      ?disabled=${!this.isAdmin.value}
-      .value=${value}
-      @change=${(event: Event) => {
-        keep((event.target as HTMLInputElement).value.trim());
-      }}
-    />`;
-  }
-
   private renderCard({ address, kind }: Card) {
     const own = this.setup.value?.cards[address] ?? {};
     const keep = (setup: CardSetup) => {
       want(this, { do: 'setup-card', address, setup });
     };
     const tick = (key: 'keep' | 'signed', label: string, usual: boolean) =>
-      html`<label class="row">
-        <input
-          type="checkbox"
-          .checked=${own[key] ?? usual}
-          ?disabled=${!this.isAdmin.value}
-          @change=${(event: Event) => {
-            keep({ [key]: (event.target as HTMLInputElement).checked });
-          }}
-        />
-        ${label}
-      </label>`;
+      renderTick({
+        label,
+        usable: this.isAdmin.value,
+        isOn: own[key] ?? usual,
+        keep: (isOn) => {
+          keep({ [key]: isOn });
+        },
+      });
     const size = (key: 'rows' | 'columns', usual: number) =>
-      html`<label class="labelled short">
-        ${words[key]}
-        ${this.renderField('', String(own[key] ?? ''), String(usual), 3, (content) => {
+      this.renderLabelled(words[key], {
+        value: String(own[key] ?? ''),
+        usual: String(usual),
+        longest: 3,
+        keep: (content) => {
           keep({ [key]: numberIn(content) });
-        })}
-      </label>`;
+        },
+      });
     if (kind === 'lcd') return html`${size('rows', 4)}${size('columns', 20)}`;
     if (kind === 'motor')
       return html`${tick('signed', words.signed, false)}${tick('keep', words.keepMotor, false)}`;
@@ -171,38 +136,45 @@ export class Cards extends LitElement {
     const keep = (setup: ChannelSetup) => {
       want(this, { do: 'setup-channel', id, setup });
     };
+    const usable = this.isAdmin.value;
     const usual = { min: '0', max: '255', decimals: '0', hysteresis: '0' };
-    const name = this.renderField(
-      label(words.name),
-      channel.name ?? '',
-      nameOf({ ...channel, name: null }),
-      64,
-      (content) => {
+    const name = renderField({
+      label: label(words.name),
+      usable,
+      value: channel.name ?? '',
+      usual: numberedName(channel),
+      longest: 64,
+      keep: (content) => {
         want(this, { do: 'rename-channel', id, name: content || null });
       },
-    );
+    });
     const unit = () =>
-      this.renderField(label(words.unit), own.unit ?? '', '', 16, (content) => {
-        keep({ unit: content || null });
+      renderField({
+        label: label(words.unit),
+        usable,
+        value: own.unit ?? '',
+        usual: '',
+        longest: 16,
+        keep: (content) => {
+          keep({ unit: content || null });
+        },
+      });
+    const number = (key: NumberKey) =>
+      renderField({
+        label: label(words[key]),
+        usable,
+        value: String(own[key] ?? ''),
+        usual: usual[key],
+        longest: 12,
+        keep: (content) => {
+          keep({ [key]: numberIn(content) });
+        },
       });
     return html`<tr>
       <td>${id}</td>
       <td class="name">${name}</td>
       ${numbers.length > 0 ? html`<td>${unit()}</td>` : nothing}
-      ${numbers.map(
-        (key) =>
-          html`<td>
-            ${this.renderField(
-              label(words[key]),
-              String(own[key] ?? ''),
-              usual[key],
-              12,
-              (content) => {
-                keep({ [key]: numberIn(content) });
-              },
-            )}
-          </td>`,
-      )}
+      ${numbers.map((key) => html`<td>${number(key)}</td>`)}
       ${isLine ? html`<td>${this.renderLevel(channel, own, keep)}</td>` : nothing}
       ${purposeHead(channel.type) === null
         ? nothing
@@ -213,21 +185,22 @@ export class Cards extends LitElement {
   private renderLevel(channel: Channel, own: ChannelSetup, keep: (setup: ChannelSetup) => void) {
     const usual = channel.type === 'switch' ? 'low' : 'high';
     const level = own.active ?? usual;
-    return html`<select
-      class="field"
-      aria-label=${words.of(words.active, nameOf(channel))}
-      ?disabled=${!this.isAdmin.value}
-      @change=${(event: Event) => {
-        const chosen = (event.target as HTMLSelectElement).value as 'high' | 'low';
+    const titled = (each: 'high' | 'low') =>
+      [each, each === usual ? words.usual(words[each]) : words[each]] as const;
+    return renderChoice({
+      label: words.of(words.active, nameOf(channel)),
+      usable: this.isAdmin.value,
+      options: [titled('high'), titled('low')],
+      chosen: level,
+      keep: (chosen) => {
         keep({ active: chosen === usual ? null : chosen });
-      }}
-    >
-      ${(['high', 'low'] as const).map(
-        (each) =>
-          html`<option value=${each} .selected=${each === level}>
-            ${each === usual ? words.usual(words[each]) : words[each]}
-          </option>`,
-      )}
-    </select>`;
+      },
+    });
+  }
+
+  private renderLabelled(label: string, field: Omit<Field, 'label' | 'usable'>) {
+    return html`<label class="labelled">
+      ${label}${renderField({ ...field, label: '', usable: this.isAdmin.value })}
+    </label>`;
   }
 }

@@ -11,6 +11,7 @@ import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
 import { nameOf } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
+import { renderChoice, renderField, renderTick } from './controls.js';
 import { numberIn, withAt } from './fields.js';
 import { sectionStyle } from './settingsStyle.js';
 
@@ -19,6 +20,13 @@ type FlagKey = 'self_test' | 'init_light';
 
 const { kept: words, setup } = text.settings;
 const inputs = 6; // of an analogue card
+
+// The card was asked for some of it.
+function isKnown(settings: CardSettings): boolean {
+  return Object.values(settings)
+    .flat()
+    .some((value) => value !== null);
+}
 
 @customElement('qelm-kept-in-card')
 export class KeptInCard extends LitElement {
@@ -45,7 +53,9 @@ export class KeptInCard extends LitElement {
       <h3>${words.title}</h3>
       ${this.usable ? this.renderAsk(count, doing !== null) : nothing}
       <p class="note ${doing ? 'busy' : ''}" role="status">${doing ? words[doing] : nothing}</p>
-      ${this.renderValues(settings, doing !== null)}
+      ${this.usable || isKnown(settings)
+        ? this.renderValues(settings, doing !== null)
+        : html`<p class="note">${words.notAsked}</p>`}
       ${this.usable && isStored(kind) ? this.renderStore(doing !== null) : nothing}`;
   }
 
@@ -111,21 +121,19 @@ export class KeptInCard extends LitElement {
       ${values.map((value, place) => {
         const channel = this.card.channels[place];
         const label = setup.of(title, channel ? nameOf(channel) : String(place));
-        return html`<label class="labelled">
-          ${label}
-          <input
-            class="field"
-            inputmode="numeric"
-            maxlength="3"
-            placeholder=${words.unknown}
-            ?disabled=${isBusy || !this.usable}
-            .value=${value === null ? '' : String(value)}
-            @change=${(event: Event) => {
-              const given = numberIn((event.target as HTMLInputElement).value);
-              if (given !== null) this.set({ [key]: withAt(none, place, given) });
-            }}
-          />
-        </label>`;
+        const field = renderField({
+          label: '',
+          usable: this.usable,
+          isBusy,
+          value: value === null ? '' : String(value),
+          usual: words.unknown,
+          longest: 3,
+          keep: (content) => {
+            const given = numberIn(content);
+            if (given !== null) this.set({ [key]: withAt(none, place, given) });
+          },
+        });
+        return html`<label class="labelled">${label}${field}</label>`;
       })}
     </div>`;
   }
@@ -137,36 +145,34 @@ export class KeptInCard extends LitElement {
       </legend>
       ${Array.from({ length: inputs }, (_, bit) => {
         const channel = this.card.channels[bit];
-        return html`<label class="row">
-          <input
-            type="checkbox"
-            ?disabled=${isBusy || mask === null || !this.usable}
-            .checked=${mask !== null && (mask & (1 << bit)) !== 0}
-            @change=${() => {
-              this.set({ mask: (mask ?? 0) ^ (1 << bit) });
-            }}
-          />
-          ${channel ? nameOf(channel) : bit}
-        </label>`;
+        return renderTick({
+          label: channel ? nameOf(channel) : String(bit),
+          usable: this.usable,
+          isBusy,
+          isOn: mask === null ? null : (mask & (1 << bit)) !== 0,
+          keep: () => {
+            this.set({ mask: (mask ?? 0) ^ (1 << bit) });
+          },
+        });
       })}
     </fieldset>`;
   }
 
   private renderFlag(key: FlagKey, label: string, settings: CardSettings, isBusy: boolean) {
     const value = settings[key] ?? null;
-    return html`<label class="labelled">
-      ${label}
-      <select
-        class="field"
-        ?disabled=${isBusy || !this.usable}
-        @change=${(event: Event) => {
-          this.set({ [key]: (event.target as HTMLSelectElement).value === 'yes' });
-        }}
-      >
-        ${value === null ? html`<option selected disabled>${words.unknown}</option>` : nothing}
-        <option value="yes" .selected=${value === true}>${words.yes}</option>
-        <option value="no" .selected=${value === false}>${words.no}</option>
-      </select>
-    </label>`;
+    const choice = renderChoice({
+      label: '',
+      usable: this.usable,
+      isBusy,
+      options: [
+        ['yes', words.yes],
+        ['no', words.no],
+      ],
+      chosen: value === null ? null : value ? 'yes' : 'no',
+      keep: (chosen) => {
+        this.set({ [key]: chosen === 'yes' });
+      },
+    });
+    return html`<label class="labelled">${label}${choice}</label>`;
   }
 }

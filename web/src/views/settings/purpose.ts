@@ -1,10 +1,11 @@
 // What a line or a level is for, as Home Assistant shows it.
-import { html, nothing, type TemplateResult } from 'lit';
+import { nothing, type TemplateResult } from 'lit';
 
 import type { ChannelSetup, OutputForm } from '../../api/Settled.js';
 import type { Channel } from '../../api/Shapes.js';
 import { text } from '../../text/text.js';
 import { nameOf } from '../../widgets/format.js';
+import { renderChoice, renderField } from './controls.js';
 
 const { setup: words } = text.settings;
 const forms: readonly OutputForm[] = ['switch', 'light', 'fan'];
@@ -26,30 +27,23 @@ export function renderPurpose(
   if (head === null) return nothing;
   const label = words.of(head, nameOf(channel));
   if (channel.type !== 'switch')
-    return html`<input
-      class="field"
-      aria-label=${label}
-      maxlength=${longestClass}
-      ?disabled=${!usable}
-      .value=${own.device_class ?? ''}
-      @change=${(event: Event) => {
-        keep({ device_class: (event.target as HTMLInputElement).value.trim() || null });
-      }}
-    />`;
-  return html`<select
-    class="field"
-    aria-label=${label}
-    ?disabled=${!usable}
-    @change=${(event: Event) => {
-      const form = (event.target as HTMLSelectElement).value as OutputForm;
+    return renderField({
+      label,
+      usable,
+      value: own.device_class ?? '',
+      usual: '',
+      longest: longestClass,
+      keep: (content) => {
+        keep({ device_class: content || null });
+      },
+    });
+  return renderChoice({
+    label,
+    usable,
+    options: forms.map((form) => [form, words.forms[form]] as const),
+    chosen: own.as ?? 'switch',
+    keep: (form) => {
       keep({ as: form === 'switch' ? null : form });
-    }}
-  >
-    ${forms.map(
-      (form) =>
-        html`<option value=${form} .selected=${form === (own.as ?? 'switch')}>
-          ${words.forms[form]}
-        </option>`,
-    )}
-  </select>`;
+    },
+  });
 }

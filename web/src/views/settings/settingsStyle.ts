@@ -41,7 +41,7 @@ export const settingsStyle = css`
     }
     .list button {
       border-left: 0;
-      border-bottom: 2px solid var(--line);
+      border-bottom: 2px solid transparent;
       font-size: 0.8125rem;
     }
     section {
@@ -72,8 +72,10 @@ export const sectionStyle = css`
   .labelled .field {
     color: var(--ink);
   }
-  .short {
-    width: 5.5rem;
+  .set {
+    color: var(--ink);
+    font-size: 0.8125rem;
+    line-height: var(--touch);
   }
   table {
     width: 100%;
