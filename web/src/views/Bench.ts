@@ -74,6 +74,7 @@ export class Bench extends LitElement {
       class="key"
       @click=${() => {
         this.isArranging = true;
+        window.scrollTo(0, 0); // the button is below all cards
       }}
     >
       ${text.arranging.begin(hidden)}

@@ -12,7 +12,7 @@ export class LogIn extends LitElement {
     css`
       :host {
         display: grid;
-        justify-content: center;
+        place-content: start center;
         padding: 15vh 1rem 1rem;
       }
       form {

@@ -52,6 +52,10 @@ export const benchStyle = css`
     gap: 0.75rem;
     padding-top: 0.75rem;
   }
+  /* What is read on the left, what is pressed on the right. */
+  qelm-legend {
+    margin-right: auto;
+  }
   .stale {
     --on: var(--edge);
     --on-core: var(--edge);

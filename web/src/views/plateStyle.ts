@@ -75,7 +75,7 @@ export const plateStyle = css`
   .dials {
     display: grid;
     grid-template-columns: repeat(2, minmax(0, 1fr));
-    gap: 0.5rem 0.75rem;
+    gap: 0.25rem 0.75rem;
     --dial-height: 3.125rem;
     --trail-height: 0.75rem;
   }

@@ -67,6 +67,9 @@ export class KeyPad extends LitElement {
         font-size: 0.75rem;
         line-height: 1.25rem;
       }
+      ol.none {
+        border-color: transparent;
+      }
       li {
         display: flex;
         gap: 0.5rem;
@@ -135,7 +138,7 @@ export class KeyPad extends LitElement {
       </svg>
       ${this.usable ? this.renderGrip(raw) : this.renderEncoder(raw)}
       <div class="held" aria-hidden="true">${value}</div>
-      <ol aria-label=${text.keys.recent}>
+      <ol class=${last.length === 0 ? 'none' : ''} aria-label=${text.keys.recent}>
         ${last.map((entry) => this.renderEntry(entry))}
       </ol>`;
   }

@@ -1,6 +1,9 @@
 import { css } from 'lit';
 
 export const journalStyle = css`
+  :host {
+    width: min(100%, 76rem);
+  }
   .search {
     flex: 0 1 20rem;
   }

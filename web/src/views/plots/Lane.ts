@@ -53,7 +53,7 @@ export class Lane extends LitElement {
           <svg viewBox="0 0 16 16" aria-hidden="true"><path d="M4 4l8 8M12 4l-8 8"></path></svg>
         </button>
       </div>
-      <div class="sheet ${isSwitched(this.channel) ? 'switched' : ''}" aria-hidden="true"></div>`;
+      <div class="sheet" aria-hidden="true"></div>`;
   }
 
   override firstUpdated(): void {

@@ -12,6 +12,7 @@ import { base } from '../../theme/base.js';
 import { nameOf } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import './Chooser.js';
+import { isSwitched } from './chart.js';
 import { csvOf } from './csv.js';
 import { Hand } from './Hand.js';
 import './Lane.js';
@@ -130,7 +131,16 @@ export class PlotsView extends LitElement {
           ${text.plots.live}
         </button>
       </div>
-      <button class="key push" ?disabled=${this.shown.length === 0} @click=${this.save}>
+      <button
+        class="key push"
+        aria-label=${text.plots.saveCsv}
+        title=${text.plots.saveCsv}
+        ?disabled=${this.shown.length === 0}
+        @click=${this.save}
+      >
+        <svg viewBox="0 0 16 16" aria-hidden="true">
+          <path d="M8 2v8M5 7l3 3 3-3M2 13h12"></path>
+        </svg>
         ${text.plots.csv}
       </button>`;
   }
@@ -140,8 +150,8 @@ export class PlotsView extends LitElement {
   }
 
   private renderStrip(channels: readonly string[]) {
-    const { hand, at, window } = this;
-    return html`<div class="strip plate">
+    const { hand, at, window, shown } = this;
+    return html`<div class="strip plate ${shown.every(isSwitched) ? '' : 'tall'}">
       ${at === null
         ? nothing
         : html`<div class="hair" aria-hidden="true"><span>${momentText(at, window)}</span></div>`}
@@ -163,7 +173,7 @@ export class PlotsView extends LitElement {
         @keydown=${hand.onKey}
       ></div>
       ${repeat(
-        this.shown,
+        shown,
         ({ id }) => id,
         (channel, place) =>
           html`<qelm-lane
@@ -172,7 +182,8 @@ export class PlotsView extends LitElement {
             .window=${window}
             .at=${at}
             .theme=${this.pulse.theme}
-            ?lowest=${place === this.shown.length - 1}
+            ?lowest=${place === shown.length - 1}
+            ?switched=${isSwitched(channel)}
             @remove=${() => {
               want(this, { do: 'plot', channels: channels.filter((id) => id !== channel.id) });
             }}

@@ -6,14 +6,18 @@ export const laneStyle = css`
   :host {
     display: grid;
     grid-template-columns: 11rem minmax(0, 1fr);
+    flex: 1 0 auto;
     border-top: var(--hair) solid var(--line);
+  }
+  :host([switched]) {
+    flex: none;
   }
   .head {
     display: grid;
     grid-template-columns: minmax(0, 1fr) auto;
-    align-content: center;
+    align-content: start;
     gap: 0 0.5rem;
-    padding: 0.25rem 0.25rem 0.25rem 0.75rem;
+    padding: 0.5rem 0.25rem 0.25rem 0.75rem;
     border-right: var(--hair) solid var(--line);
   }
   .name {
@@ -60,7 +64,8 @@ export const laneStyle = css`
     stroke-width: 1.5;
   }
   .sheet {
-    height: 7rem;
+    position: relative;
+    min-height: 7rem;
     overflow: hidden;
     color: var(--ink);
     background-color: var(--on);
@@ -69,14 +74,14 @@ export const laneStyle = css`
     outline: 0 solid var(--edge);
     caret-color: var(--faint);
   }
-  .sheet.switched {
-    height: 4.5rem;
+  :host([switched]) .sheet {
+    min-height: 3.5rem;
   }
   :host([lowest]) .sheet {
-    height: calc(7rem + 24px);
+    min-height: calc(7rem + 24px);
   }
-  :host([lowest]) .sheet.switched {
-    height: calc(4.5rem + 24px);
+  :host([switched][lowest]) .sheet {
+    min-height: calc(3.5rem + 24px);
   }
   @media (max-width: 639px) {
     :host {
@@ -111,6 +116,11 @@ export const laneStyle = css`
   .uplot,
   .uplot * {
     box-sizing: border-box;
+  }
+  /* It takes the sheet's size, and never makes it. */
+  .uplot {
+    position: absolute;
+    inset: 0;
   }
   .u-wrap {
     position: relative;

@@ -1,6 +1,10 @@
 import { css } from 'lit';
 
 export const plotsStyle = css`
+  :host {
+    display: flex;
+    flex-direction: column;
+  }
   .spans {
     display: flex;
     flex-wrap: wrap;
@@ -20,7 +24,7 @@ export const plotsStyle = css`
     width: var(--touch);
     padding: 0;
   }
-  .icon svg {
+  .key svg {
     width: 1rem;
     height: 1rem;
     fill: none;
@@ -58,10 +62,16 @@ export const plotsStyle = css`
   .none {
     padding: 1rem 0.75rem;
   }
+  /* Curves take the room that there is. */
   .strip {
     position: relative;
+    display: flex;
+    flex-direction: column;
     margin-top: 0.75rem;
     padding-top: 1.5rem;
+  }
+  .tall {
+    flex: 1;
   }
   .lanes {
     position: absolute;
