@@ -155,12 +155,10 @@ test('a viewer is offered nothing in any view', async () => {
   for (const view of [...views, 'console']) {
     const vera = await arrives({ ...virtualBus, who: viewer }, {}, view);
     assert.equal(await vera.page.getByRole('link', { name: 'Console' }).count(), 0);
-    for (const role of ['switch', 'textbox', 'spinbutton', 'combobox'] as const)
-      assert.equal(
-        await vera.page.getByRole(role, { disabled: false }).count(),
-        view === 'settings' && role === 'combobox' ? 1 : 0, // which card is looked at
-        `${view}: ${role}`,
-      );
+    for (const role of ['switch', 'slider', 'textbox', 'spinbutton'] as const)
+      assert.equal(await vera.page.getByRole(role).count(), 0, `${view}: ${role}`);
+    const lists = view === 'settings' || view === 'journal' ? 1 : 0; // which card, which kind
+    assert.equal(await vera.page.getByRole('combobox').count(), lists, view);
     const buttons = await vera.page.getByRole('button').allInnerTexts();
     const offered = buttons.map((button) => button.trim()).filter((button) => button !== '');
     const others = offered.filter((button) => !meant.test(button) && !looking.has(button));
@@ -171,7 +169,31 @@ test('a viewer is offered nothing in any view', async () => {
 });
 
 // What a viewer presses to see something else.
-const looking = new Set(['Live', 'Save as CSV', 'Appearance', 'Cards and channels', 'About']);
+const looking = new Set([
+  'Live',
+  'CSV',
+  'Appearance',
+  'Cards and channels',
+  'Other boards',
+  'About',
+]);
+
+test('a viewer reads the settings of each card as text', async () => {
+  const answers = {
+    'setup.get': { cards: {}, channels: { 'F.3': { unit: 'V', max: 5 } } },
+    'session.who': viewer,
+  };
+  const vera = await arrives({ who: viewer, answers }, {}, 'settings');
+  const chosen = vera.page.getByRole('combobox', { name: 'Card' });
+  for (const { address } of fullCards) {
+    await chosen.selectOption(address);
+    for (const role of ['textbox', 'checkbox'] as const)
+      assert.equal(await vera.page.getByRole(role).count(), 0, `card ${address}: ${role}`);
+    assert.equal(await vera.page.getByRole('combobox').count(), 1, `card ${address}`);
+  }
+  await vera.page.getByRole('row', { name: 'F.3 Input 3 V 0 5 0 0 –' }).waitFor();
+  await vera.leaves();
+});
 
 test('an empty bench says what to do at each step', async () => {
   const state = (change: object) => ({ snapshot: snapshot([], { bus: { ...bus, ...change } }) });
