@@ -38,6 +38,7 @@ const grip = (person: Person, card: string) =>
   person.page.getByRole('button', { name: `Move ${card}`, exact: true });
 
 async function middleOf(person: Person, card: string): Promise<[number, number]> {
+  await grip(person, card).scrollIntoViewIfNeeded(); // and till it stands still
   const box = await grip(person, card).boundingBox();
   if (!box) throw new Error(`no grip of ${card}`);
   return [box.x + box.width / 2, box.y + box.height / 2];
@@ -84,8 +85,11 @@ test('a card is hidden for everybody, and its bus goes on', async () => {
 test('a finger drags a card by its grip, and the page does not scroll', async () => {
   await ben.page.getByRole('button', { name: /^Arrange/ }).click();
   const [x, y] = await middleOf(ben, 'E Counter');
-  const [toX, toY] = await middleOf(ben, '0 Servos');
-  await ben.drags([x, y], [toX, toY + 12]);
+  // Below the middle of the card: what it is asked stands under its grip.
+  const group = ben.page.getByRole('combobox', { name: 'Group of 0 Servos' });
+  const below = await group.boundingBox();
+  if (!below) throw new Error('no list of groups');
+  await ben.drags([x, y], [x, below.y + below.height / 2]);
   await sees(anna, '5 0 E 3 4 8 F');
 });
 
