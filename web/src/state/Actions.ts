@@ -10,6 +10,7 @@ import type {
   VirtualBus,
   Who,
 } from '../api/Shapes.js';
+import type { Cards } from './cards.js';
 import type { AllOff, State } from './State.js';
 
 export type Action =
@@ -19,6 +20,7 @@ export type Action =
   | { type: 'changes'; changes: Changes; now: number }
   | { type: 'card'; card: Card; now: number } // an answer; the same comes as a change
   | { type: 'channel'; channel: Channel; now: number }
+  | { type: 'board'; board: string; cards: Cards } // of another board, all of them
   | { type: 'virtual'; virtual: VirtualBus | null }
   | { type: 'arrangement'; arrangement: Arrangement }
   | { type: 'refused'; id: number; problem: Problem }

@@ -2,7 +2,13 @@
 import type { CardSettings, CardSetup, ChannelSetup } from '../api/Settled.js';
 import type { Arrangement, Role, Value } from '../api/Shapes.js';
 
-export type Intent = BenchIntent | PlotIntent | ConsoleIntent | JournalIntent | SettingsIntent;
+export type Intent =
+  | BenchIntent
+  | BoardIntent
+  | PlotIntent
+  | ConsoleIntent
+  | JournalIntent
+  | SettingsIntent;
 
 export type BenchIntent =
   | { do: 'set'; id: string; value: Value }
@@ -22,6 +28,15 @@ export type BenchIntent =
   | { do: 'log-out' }
   | { do: 'try-now' } // to connect
   | { do: 'dismiss'; notice: number };
+
+// What can be done to a card of another board, too.
+export type FarIntent = Extract<BenchIntent, { do: 'set' | 'write' | 'control' | 'infrared' }>;
+
+type OnBoard<One extends FarIntent> = One extends FarIntent
+  ? Omit<One, 'do'> & { do: `board-${One['do']}`; board: string }
+  : never;
+
+export type BoardIntent = { do: 'board-read'; board: string } | OnBoard<FarIntent>;
 
 export type PlotIntent =
   | { do: 'plot'; channels: readonly string[] } // these and no others

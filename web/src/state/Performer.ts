@@ -4,6 +4,7 @@ import { Live } from '../api/Live.js';
 import { Refusal } from '../api/Refusal.js';
 import type { Action } from './Actions.js';
 import { benchDeeds } from './deeds/bench.js';
+import { boardDeeds } from './deeds/boards.js';
 import { consoleDeeds } from './deeds/console.js';
 import type { Deeds, Hub } from './deeds/Deeds.js';
 import { keptPlots } from './deeds/kept.js';
@@ -21,6 +22,7 @@ const noticeTime = 12_000; // ms
 
 const deeds: Deeds<Intent> = {
   ...benchDeeds,
+  ...boardDeeds,
   ...sessionDeeds,
   ...plotDeeds,
   ...consoleDeeds,

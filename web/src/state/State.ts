@@ -1,16 +1,8 @@
 // All that the page knows. Plain data that nobody changes in place: what is another object is new.
 import type { Connection } from '../api/Live.js';
-import type {
-  Arrangement,
-  Bus,
-  Card,
-  KeyEvent,
-  Problem,
-  Value,
-  VirtualBus,
-  Who,
-} from '../api/Shapes.js';
-import { type BoardRows } from './boards.js';
+import type { Arrangement, Bus, KeyEvent, Problem, Value, VirtualBus, Who } from '../api/Shapes.js';
+import type { BoardCards, BoardRows } from './boards.js';
+import type { Cards } from './cards.js';
 import { type ConsoleLog, emptyConsole } from './console.js';
 import { emptyJournal, type JournalLog } from './journal.js';
 import { noPlots, type Plots } from './plots.js';
@@ -43,8 +35,9 @@ export interface State {
   lostSince: number | null;
   who: Who | null; // null: not asked yet
   bus: Bus | null;
-  cards: Readonly<Record<string, Card>>; // by address
+  cards: Cards;
   boards: BoardRows; // the others on the broker
+  boardCards: BoardCards; // of those that somebody has looked at
   missed: number; // events that this page has lost
   keys: Readonly<Record<string, readonly KeyEvent[]>>; // the last of each card, newest first
   turns: Readonly<Record<string, number>>; // steps of a card's encoder, right is more
@@ -69,6 +62,7 @@ export const beginning: State = {
   bus: null,
   cards: {},
   boards: {},
+  boardCards: {},
   missed: 0,
   keys: {},
   turns: {},

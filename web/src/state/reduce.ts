@@ -1,7 +1,8 @@
 // The next state after an action. Pure.
 import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
 import type { Action } from './Actions.js';
-import { boardsAfter, boardsOf } from './boards.js';
+import { boardCardsAfter, boardsAfter, boardsOf } from './boards.js';
+import { withChannels } from './cards.js';
 import { addKeys, addTurns, codesAfter, trailsAfter } from './memory.js';
 import { plotsAfter } from './plots.js';
 import type { State } from './State.js';
@@ -22,6 +23,8 @@ export function reduce(state: State, action: Action): State {
       return takeCards(state, [action.card], action.now);
     case 'channel':
       return takeChannels(state, [action.channel], action.now);
+    case 'board':
+      return { ...state, boardCards: { ...state.boardCards, [action.board]: action.cards } };
     case 'virtual':
       return { ...state, virtual: action.virtual };
     case 'arrangement':
@@ -74,6 +77,7 @@ function takeChanges(state: State, changes: Changes, now: number): State {
     bus: changes.bus ?? next.bus,
     arrangement: changes.page ?? next.arrangement,
     boards: boardsAfter(next.boards, changes.boards),
+    boardCards: boardCardsAfter(next.boardCards, changes.boards),
     keys: addKeys(next.keys, changes.events),
     turns: addTurns(next.turns, changes.events),
     missed: next.missed + changes.lost,
@@ -88,23 +92,9 @@ function takeCards(state: State, fresh: readonly Card[], now: number): State {
   return remember({ ...state, cards }, channels, now);
 }
 
-// Channels that are not named stay the same objects, so that nobody draws them again.
 function takeChannels(state: State, fresh: Changes['channels'], now: number): State {
   if (fresh.length === 0) return state;
-  const cards = { ...state.cards };
-  const copied = new Set<string>();
-  for (const channel of fresh) {
-    const [address = '', number = ''] = channel.id.split('.');
-    let card = cards[address];
-    if (!card) continue;
-    if (!copied.has(address)) {
-      card = { ...card, channels: [...card.channels] };
-      cards[address] = card;
-      copied.add(address);
-    }
-    card.channels[Number(number)] = channel;
-  }
-  return remember({ ...state, cards }, fresh, now);
+  return remember({ ...state, cards: withChannels(state.cards, fresh) }, fresh, now);
 }
 
 function remember(state: State, channels: Changes['channels'], now: number): State {

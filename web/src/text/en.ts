@@ -1,11 +1,12 @@
 // All texts of the page in English. Another language is another object of this shape.
-import { arranging, console_, journal, plots, settings } from './views.js';
+import { arranging, boards, console_, journal, plots, settings } from './views.js';
 
 export const en = {
   page: 'qelm',
   nav: {
     label: 'Views',
     bench: 'Bench',
+    boards: 'Boards',
     plots: plots.title,
     console: console_.title,
     journal: journal.title,
@@ -194,6 +195,7 @@ export const en = {
   },
   loading: 'Connecting to the hub',
   arranging,
+  boards,
   plots,
   console: console_,
   journal,

@@ -66,6 +66,14 @@ export const journal = {
   reading: 'Reading',
 };
 
+export const boards = {
+  title: 'Other boards',
+  none: 'This board has told of no card yet.',
+  reading: 'Reading its cards',
+  states: { online: 'online', stale: 'stale', gone: 'gone' },
+  stale: (time: string) => `Away since ${time}: what you see is from then.`,
+};
+
 export const settings = {
   title: 'Settings',
   sections: 'Settings of',

@@ -8,13 +8,12 @@ import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 import { arrange, type Slot } from './arrange.js';
 import { benchStyle } from './benchStyle.js';
-
-const slotsInHalf = 8;
-const slotsInQuarter = 4;
+import { railStyle } from './railStyle.js';
+import { renderEmptySlot, renderRails } from './rails.js';
 
 @customElement('qelm-bench')
 export class Bench extends LitElement {
-  static override styles = [base, benchStyle];
+  static override styles = [base, railStyle, benchStyle];
 
   private readonly cards = new Reads(this, (known) => known.cards);
   private readonly arrangement = new Reads(this, (known) => known.arrangement);
@@ -34,23 +33,7 @@ export class Bench extends LitElement {
     // Missing cards are shown as such; slots of a virtual bus wait for a hand.
     if (isEmpty && !this.hasHands.value && Object.keys(this.cards.value).length === 0) return begin;
     return html`${isEmpty ? begin : html`<h1 class="unseen">${text.nav.bench}</h1>`}
-      <div class="rails ${this.stale.value ? 'stale' : ''}">
-        ${rails.map(
-          ({ title, slots }) =>
-            html`${title === null ? nothing : html`<h2 class="group">${title}</h2>`}
-            ${pieces(slots, slotsInHalf).map(
-              (half) =>
-                html`<div class="half">
-                  ${pieces(half, slotsInQuarter).map(
-                    (quarter) =>
-                      html`<div class="quarter">
-                        ${quarter.map((slot) => this.renderSlot(slot))}
-                      </div>`,
-                  )}
-                </div>`,
-            )}`,
-        )}
-      </div>
+      ${renderRails(rails, this.stale.value, (slot) => this.renderSlot(slot))}
       ${this.renderVirtual()}
       <footer>
         <qelm-legend></qelm-legend>
@@ -93,16 +76,7 @@ export class Bench extends LitElement {
   private renderSlot({ address, card }: Slot) {
     if (!card && this.hasHands.value)
       return html`<qelm-free-slot class="slot empty" .address=${address}></qelm-free-slot>`;
-    if (!card)
-      return html`<div class="slot empty" role="img" aria-label=${text.empty(address)}>
-        <span aria-hidden="true">${address}</span>
-      </div>`;
+    if (!card) return renderEmptySlot(address);
     return html`<qelm-plate class="slot ${card.kind}" .card=${card}></qelm-plate>`;
   }
-}
-
-function pieces<Item>(items: readonly Item[], size: number): Item[][] {
-  return Array.from({ length: Math.ceil(items.length / size) }, (_, at) =>
-    items.slice(at * size, (at + 1) * size),
-  );
 }

@@ -2,11 +2,10 @@
 import { css, html, LitElement, nothing } from 'lit';
 import { customElement, state } from 'lit/decorators.js';
 
-import { may } from '../state/select.js';
 import { Reads, store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
-import { viewAt, views } from './Views.js';
+import { offeredTo, restOf, viewAt } from './Views.js';
 
 @customElement('qelm-page')
 export class Page extends LitElement {
@@ -93,6 +92,11 @@ export class Page extends LitElement {
   private readonly busName = new Reads(this, (known) => known.bus?.name);
   @state() private hash = location.hash;
 
+  constructor() {
+    super();
+    new Reads(this, (known) => offeredTo(known).length);
+  }
+
   override connectedCallback(): void {
     super.connectedCallback();
     window.addEventListener('hashchange', this.onHash);
@@ -114,13 +118,13 @@ export class Page extends LitElement {
     void view.load();
     return html`<header><qelm-state-bar>${this.renderNav()}</qelm-state-bar></header>
       <qelm-notices></qelm-notices>
-      <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render()}</main>
+      <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render(restOf(this.hash))}</main>
       <qelm-channel-menu></qelm-channel-menu>
       <qelm-card-table></qelm-card-table>`;
   }
 
   private get offered() {
-    return views.filter(({ role }) => may(store.state, role));
+    return offeredTo(store.state);
   }
 
   private renderNav() {

@@ -3,9 +3,11 @@ import { html, LitElement, nothing, type TemplateResult } from 'lit';
 import { customElement, property } from 'lit/decorators.js';
 import { repeat } from 'lit/directives/repeat.js';
 
-import type { Card, Channel, Kind } from '../api/Shapes.js';
+import type { BoardRow, Card, Channel, Kind } from '../api/Shapes.js';
 import { want } from '../state/Intent.js';
+import { codesAfter } from '../state/memory.js';
 import { hasHands, isPulled, may } from '../state/select.js';
+import type { SentCode } from '../state/State.js';
 import { Reads } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -19,15 +21,22 @@ export class Plate extends LitElement {
   static override styles = [base, plateStyle];
 
   @property({ attribute: false }) card!: Card;
+  @property({ attribute: false }) board: BoardRow['state'] | null = null; // null: on this bus
   private readonly canUse = new Reads(this, (state) => may(state, 'use'));
-  private readonly canName = new Reads(this, (state) => may(state, 'admin'));
-  private readonly hasHands = new Reads(this, hasHands);
+  private readonly canName = new Reads(this, (state) => this.isOwn && may(state, 'admin'));
+  private readonly hasHands = new Reads(this, (state) => this.isOwn && hasHands(state));
   private readonly isPulled = new Reads(this, (state) => isPulled(state, this.address));
-  private readonly keys = new Reads(this, (state) => state.keys[this.address]);
-  private readonly turns = new Reads(this, (state) => state.turns[this.address] ?? 0);
-  private readonly codes = new Reads(this, (state) => state.codes[`${this.address}.0`]);
+  private readonly keys = new Reads(this, (state) =>
+    this.isOwn ? state.keys[this.address] : undefined,
+  );
+  private readonly turns = new Reads(this, (state) =>
+    this.isOwn ? (state.turns[this.address] ?? 0) : 0,
+  );
+  private readonly codes = new Reads(this, (state) =>
+    this.isOwn ? state.codes[this.codeId] : undefined,
+  );
   private readonly trails = new Reads(this, (state) =>
-    this.kind === 'analogue-input' ? state.trails : undefined,
+    this.isOwn && this.kind === 'analogue-input' ? state.trails : undefined,
   );
 
   override render() {
@@ -67,12 +76,28 @@ export class Plate extends LitElement {
     return (this.card as Card | undefined)?.address ?? '';
   }
 
+  private get codeId(): string {
+    return `${this.address}.0`;
+  }
+
   private get kind(): Kind | undefined {
     return (this.card as Card | undefined)?.kind;
   }
 
+  // Nothing of another board is renamed, pulled or remembered here.
+  private get isOwn(): boolean {
+    return this.board === null;
+  }
+
+  // Infrared: of another board only the last code is known.
+  private get sent(): readonly SentCode[] {
+    const codes = this.isOwn ? this.codes.value : codesAfter({}, this.card.channels)[this.codeId];
+    return codes ?? [];
+  }
+
   private get usable(): boolean {
-    return this.canUse.value && this.card.state !== 'absent';
+    const isReached = this.isOwn || this.board === 'online';
+    return this.canUse.value && isReached && this.card.state !== 'absent';
   }
 
   private get touchable(): boolean {
@@ -99,11 +124,15 @@ export class Plate extends LitElement {
           .usable=${this.touchable}
         ></qelm-keypad>`;
       case 'lcd':
-        return html`<qelm-glass .card=${this.card} .usable=${this.usable}></qelm-glass>`;
+        return html`<qelm-glass
+          .card=${this.card}
+          .usable=${this.usable}
+          .isFar=${!this.isOwn}
+        ></qelm-glass>`;
       case 'ir':
         return html`<qelm-infrared
           .card=${this.card}
-          .codes=${this.codes.value ?? []}
+          .codes=${this.sent}
           .usable=${this.usable}
           .renamable=${this.canName.value}
         ></qelm-infrared>`;

@@ -3,15 +3,18 @@
 import { html, type TemplateResult } from 'lit';
 
 import type { Role } from '../api/Shapes.js';
+import { may } from '../state/select.js';
+import type { State } from '../state/State.js';
 import { text } from '../text/text.js';
 
 export interface View {
   name: string; // "#bench"
   title: string;
   role: Role;
+  isThere?: (state: State) => boolean; // there is something to see; always, where it is missing
   icon: string; // path in a square of 24
   load: () => Promise<unknown>; // its component
-  render: () => TemplateResult;
+  render: (rest: string) => TemplateResult; // what follows in the address: "#boards/shed"
 }
 
 const bench: View = {
@@ -21,6 +24,16 @@ const bench: View = {
   icon: 'M3 5h18M3 19h18M6.5 7v10M12 7v10M17.5 7v10',
   load: () => Promise.resolve(),
   render: () => html`<qelm-bench></qelm-bench>`,
+};
+
+const boards: View = {
+  name: 'boards',
+  title: text.nav.boards,
+  role: 'view',
+  isThere: (state) => Object.keys(state.boards).length > 0,
+  icon: 'M4 4h7v7H4zM13 4h7v7h-7zM4 13h7v7H4zM13 13h7v7h-7z',
+  load: () => import('./boards/Boards.js'),
+  render: (board) => html`<qelm-boards .board=${board}></qelm-boards>`,
 };
 
 const plots: View = {
@@ -59,9 +72,18 @@ const settings: View = {
   render: () => html`<qelm-settings></qelm-settings>`,
 };
 
-export const views: readonly View[] = [bench, plots, console, journal, settings];
+export const views: readonly View[] = [bench, boards, plots, console, journal, settings];
 
 // The bench, where there is no such view, or not for this role.
 export function viewAt(hash: string, offered: readonly View[] = views): View {
-  return offered.find(({ name }) => `#${name}` === hash) ?? bench;
+  const [first = ''] = hash.split('/', 1);
+  return offered.find(({ name }) => `#${name}` === first) ?? bench;
+}
+
+export function restOf(hash: string): string {
+  return decodeURIComponent(hash.split('/').slice(1).join('/'));
+}
+
+export function offeredTo(state: State): View[] {
+  return views.filter(({ role, isThere }) => may(state, role) && (isThere?.(state) ?? true));
 }

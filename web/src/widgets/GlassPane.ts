@@ -17,6 +17,7 @@ export class GlassPane extends LitElement {
 
   @property({ attribute: false }) card!: Card;
   @property({ type: Boolean }) usable = false;
+  @property({ attribute: false }) isFar = false; // of another board: its light is all that is reached
   @state() private row = 0;
 
   override render() {
@@ -78,8 +79,12 @@ export class GlassPane extends LitElement {
         <button class="key">${text.glass.write}</button>
       </form>
       <div class="switches">
-        ${switches.map((what) => this.renderSwitch(what, glass[what]))}
-        <button class="key" @click=${this.control('clear')}>${text.glass.clear}</button>
+        ${(this.isFar ? switches.slice(0, 1) : switches).map((what) =>
+          this.renderSwitch(what, glass[what]),
+        )}
+        ${this.isFar
+          ? nothing
+          : html`<button class="key" @click=${this.control('clear')}>${text.glass.clear}</button>`}
       </div>`;
   }
 

@@ -67,6 +67,7 @@ export const paneStyle = css`
   }
   .switches .key {
     flex: 1 1 auto;
+    max-width: 10rem;
     padding: 0 0.5rem;
     font-size: 0.75rem;
   }

@@ -103,6 +103,22 @@ export function scene(cards: readonly Card[], change: Partial<Scene> = {}): Scen
   };
 }
 
+// Another board on the broker, and one that is away.
+const row = { since: '2026-11-21T11:40:00.000Z', name: null, ignored: 0, ignored_why: null };
+
+export const twoBoards = {
+  snapshot: snapshot([...eightCards], {
+    boards: [
+      { ...row, board: 'shed', state: 'online', name: 'Shed' },
+      { ...row, board: 'yard', state: 'stale' },
+    ],
+  }),
+  answers: {
+    ...answers,
+    'boards.cards.list': { cards: eightCards.filter(({ address }) => '459EF'.includes(address)) },
+  },
+};
+
 export const virtualBus = {
   snapshot: snapshot([...eightCards], { bus: { ...bus, virtual: true } }),
   answers: {

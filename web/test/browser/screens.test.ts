@@ -9,7 +9,7 @@ import { after, before, test } from 'node:test';
 import { snapshot } from '../unit/kit.js';
 import { closeBrowser, type Look, Person } from './Person.js';
 import { differing } from './pictures.js';
-import { eightCards, fullCards, now, scene } from './scenes.js';
+import { eightCards, fullCards, now, scene, twoBoards } from './scenes.js';
 import { type Scene, StandIn } from './StandIn.js';
 
 const kept = join(process.env['QELM_ROOT'] ?? '', 'docs/screens');
@@ -35,6 +35,7 @@ const shots: Shot[] = [
   { name: 'full', shown: {}, view: 'bench', shows: 'Servos', sizes: [desk, wall] },
   { name: 'first-run', shown: { snapshot: snapshot([]) }, view: 'bench', shows: /empty/, sizes },
   { name: 'log-in', shown: nobody, view: 'bench', shows: 'Password', sizes },
+  { name: 'boards', shown: twoBoards, view: 'boards/shed', shows: 'Relays', sizes },
   { name: 'plots', shown: eight, view: 'plots', shows: 'F.3', sizes },
   { name: 'console', shown: eight, view: 'console', shows: /Nothing said/, sizes },
   { name: 'journal', shown: eight, view: 'journal', shows: 'started', sizes },

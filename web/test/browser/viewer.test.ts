@@ -4,10 +4,10 @@ import { after, before, test } from 'node:test';
 
 import { axeFindings } from './axe.js';
 import { closeBrowser, Person } from './Person.js';
-import { fullCards, scene, virtualBus } from './scenes.js';
+import { fullCards, scene, twoBoards, virtualBus } from './scenes.js';
 import { type Scene, StandIn } from './StandIn.js';
 
-const views = ['bench', 'plots', 'journal', 'settings', 'console'];
+const views = ['bench', 'boards', 'plots', 'journal', 'settings', 'console'];
 const viewer = { account: 'vera', role: 'view' as const };
 
 let hub: StandIn;
@@ -29,7 +29,8 @@ function arrives(shown: Partial<Scene>, view: string): Promise<Person> {
 test('a viewer is offered nothing in any view', async () => {
   const meant = /^(Log out|Older entries|Daemon|.*tab)$|^(\d+ (min|h|day|week|year|days)|1 \w+)$/;
   for (const view of views) {
-    const vera = await arrives({ ...virtualBus, who: viewer }, view);
+    const shown = view === 'boards' ? twoBoards : virtualBus;
+    const vera = await arrives({ ...shown, who: viewer }, view);
     assert.equal(await vera.page.getByRole('link', { name: 'Console' }).count(), 0);
     for (const role of ['switch', 'slider', 'textbox', 'spinbutton'] as const)
       assert.equal(await vera.page.getByRole(role).count(), 0, `${view}: ${role}`);

@@ -28,6 +28,9 @@ export class Boards extends LitElement {
         border-bottom: var(--hair) solid var(--line);
         overflow-wrap: anywhere;
       }
+      a {
+        color: inherit;
+      }
       th,
       .stale {
         color: var(--faint);
@@ -57,7 +60,7 @@ export class Boards extends LitElement {
       row.name === null || row.name === row.board ? row.board : `${row.name} (${row.board})`;
     return html`<tr class=${row.state}>
       <td>
-        ${name}
+        <a href="#boards/${encodeURIComponent(row.board)}">${name}</a>
         ${row.ignored > 0
           ? html`<br />${boards.ignored(row.ignored, row.ignored_why ?? '')}`
           : nothing}
