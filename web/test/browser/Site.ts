@@ -36,13 +36,14 @@ export class Site {
     readonly folder: string,
   ) {}
 
-  // With the cards of the bus's own choice where no options say otherwise.
-  static async start(busOptions: string[] = []): Promise<Site> {
+  // With the cards of the bus's own choice where no options say otherwise, and further sections of
+  // the hub's settings.
+  static async start(busOptions: string[] = [], settings = ''): Promise<Site> {
     const folder = mkdtempSync(join(tmpdir(), 'qelm-page-'));
     writeFileSync(
       join(folder, 'hub.toml'),
       `[daemon]\nlog = "/run/qelm/qelm.log"\n[http]\nlisten = ["127.0.0.1:5080"]\n` +
-        `[store]\nfolder = "${folder}/store"\n[virtual-bus]\ncontrol = "${folder}/bus"\n`,
+        `[store]\nfolder = "${folder}/store"\n[virtual-bus]\ncontrol = "${folder}/bus"\n${settings}`,
     );
     const child = spawn(join(root, 'tools/sandbox'), [
       '--host-network',
