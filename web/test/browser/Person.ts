@@ -34,6 +34,7 @@ export interface Look {
   scale?: number; // dots a pixel
   at?: string; // a hub other than the site's, and a view of it
   now?: string; // the time stands still there
+  sleeps?: boolean; // its clock can be put forward
   plots?: string[]; // channels that were drawn before
 }
 
@@ -75,6 +76,7 @@ export class Person {
     const person = new Person(await context.newPage());
     person.page.setDefaultTimeout(patience);
     if (look.now !== undefined) await person.page.clock.setFixedTime(look.now);
+    if (look.sleeps) await person.page.clock.install();
     if (look.plots)
       await person.page.addInitScript(
         (kept) => {

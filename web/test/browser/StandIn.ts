@@ -34,6 +34,7 @@ interface Request {
 export class StandIn {
   isAway = false; // takes no connection
   private readonly sockets = new Set<Socket>();
+  private readonly forgotten = new Set<Socket>();
   private seq: number;
 
   private constructor(
@@ -77,8 +78,19 @@ export class StandIn {
     this.sockets.clear();
   }
 
+  // Connections stay, and nothing comes or goes on them any more.
+  forget(): void {
+    for (const socket of this.sockets) {
+      socket.removeAllListeners('data');
+      socket.resume();
+      this.forgotten.add(socket);
+    }
+    this.sockets.clear();
+  }
+
   async stop(): Promise<void> {
     this.drop();
+    for (const socket of this.forgotten) socket.destroy();
     this.server.closeAllConnections();
     await new Promise((resolve) => this.server.close(resolve));
   }

@@ -1,4 +1,4 @@
-// Two people at one bench, a tab that was asleep, and one who has only keys.
+// Two people at one bench, and one who has only keys.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
@@ -63,15 +63,6 @@ test('two browsers agree after 500 actions at random', async () => {
     async () => (await allValues(anna)) === (await allValues(carl)),
   );
   await carl.leaves();
-});
-
-test('a tab that slept for an hour is true again', async () => {
-  const dora = await Person.arrives();
-  await dora.page.clock.install();
-  await dora.page.clock.fastForward('01:00:00');
-  await site.bus('press 3 06');
-  await eventually('both see it', async () => (await allValues(anna)) === (await allValues(dora)));
-  await dora.leaves();
 });
 
 test('every control is reached by the Tab key, and is seen to be', async () => {
