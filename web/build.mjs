@@ -28,6 +28,7 @@ const result = await build({
   target: ['es2022'],
   minify: true,
   legalComments: 'none',
+  sourcemap: process.env.QELM_MAPS ? 'inline' : false, // for test/coverage
   metafile: true,
   write: false,
   loader: { '.svg': 'copy' },

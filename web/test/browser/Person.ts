@@ -4,6 +4,7 @@ import { strict as assert } from 'node:assert';
 
 import { type Browser, chromium, type Locator, type Page } from 'playwright-core';
 
+import { Coverage } from './Coverage.js';
 import { address } from './Site.js';
 
 // What is seen takes a tenth of a second, a daemon greets seven seconds after its last client went,
@@ -11,6 +12,7 @@ import { address } from './Site.js';
 const patience = 60_000; // ms
 
 let browser: Browser | undefined;
+const coverage = new Coverage();
 
 export async function openBrowser(): Promise<Browser> {
   browser ??= await chromium.launch({
@@ -22,6 +24,7 @@ export async function openBrowser(): Promise<Browser> {
 }
 
 export async function closeBrowser(): Promise<void> {
+  await coverage.keepAll();
   await browser?.close();
   browser = undefined;
 }
@@ -76,6 +79,7 @@ export class Person {
     const person = new Person(await context.newPage());
     person.page.setDefaultTimeout(patience);
     if (look.now !== undefined) await person.page.clock.setFixedTime(look.now);
+    await coverage.begin(person.page);
     if (look.sleeps) await person.page.clock.install();
     if (look.plots)
       await person.page.addInitScript(
@@ -89,7 +93,10 @@ export class Person {
     return person;
   }
 
-  leaves = () => this.page.context().close();
+  async leaves(): Promise<void> {
+    await coverage.keep(this.page);
+    await this.page.context().close();
+  }
 
   // A switch, a dial, a picture: "Lamp", "Lamp, assumed: ...", "Lamp: on".
   part(name: string): Locator {

@@ -153,3 +153,18 @@ test('the rows of other boards come with the state, change, and go', () => {
   assert.deepEqual(after(told, change({ ...shed, state: 'gone' })).boards, {});
   assert.deepEqual(after(told, subscribed).boards, {});
 });
+
+test('cards of another board are kept as soon as somebody has looked at it', () => {
+  const pump = card('5', { name: 'Pumps' });
+  const on = channel('5.1', { value: true });
+  const change = take({ boards: [{ board: 'shed', row: null, cards: [], channels: [on] }] });
+  assert.deepEqual(after(change).boardCards, {});
+  const seen: Action = { type: 'board', board: 'shed', cards: { 5: pump } };
+  const next = after(seen, change);
+  assert.equal(next.boardCards['shed']?.['5']?.channels[1], on);
+  assert.equal(next.boardCards['shed']['5'].channels[0], pump.channels[0]);
+  assert.deepEqual(next.cards, {}); // of this bus
+  const lamp = card('6');
+  const another = take({ boards: [{ board: 'shed', row: null, cards: [lamp], channels: [] }] });
+  assert.deepEqual(after(seen, another).boardCards['shed'], { 5: pump, 6: lamp });
+});
