@@ -81,7 +81,12 @@ export function viewAt(hash: string, offered: readonly View[] = views): View {
 }
 
 export function restOf(hash: string): string {
-  return decodeURIComponent(hash.split('/').slice(1).join('/'));
+  const rest = hash.split('/').slice(1).join('/');
+  try {
+    return decodeURIComponent(rest);
+  } catch {
+    return rest; // typed by hand
+  }
 }
 
 export function offeredTo(state: State): View[] {

@@ -50,7 +50,8 @@ export class BoardsView extends LitElement {
   }
 
   private get row(): BoardRow | undefined {
-    return this.rows.value[this.board] ?? Object.values(this.rows.value)[0];
+    const rows = Object.values(this.rows.value);
+    return rows.find(({ board }) => board === this.board) ?? rows[0];
   }
 
   private renderLink({ board, name, state }: BoardRow, isCurrent: boolean) {
