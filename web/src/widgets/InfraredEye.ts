@@ -43,6 +43,7 @@ export class InfraredEye extends LitElement {
       }
       li {
         display: flex;
+        align-items: baseline;
         gap: 0.5rem;
       }
       code {
