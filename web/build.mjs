@@ -8,6 +8,7 @@ import { build } from 'esbuild';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const dist = join(here, 'dist');
+const isMapped = Boolean(process.env.QELM_MAPS); // line by line, for test/coverage
 
 await rm(dist, { recursive: true, force: true });
 await mkdir(dist);
@@ -26,9 +27,9 @@ const result = await build({
   splitting: true,
   format: 'esm',
   target: ['es2022'],
-  minify: true,
+  minify: !isMapped,
   legalComments: 'none',
-  sourcemap: process.env.QELM_MAPS ? 'inline' : false, // for test/coverage
+  sourcemap: isMapped ? 'inline' : false,
   metafile: true,
   write: false,
   loader: { '.svg': 'copy' },

@@ -6,6 +6,7 @@ import { cpus, loadavg } from 'node:os';
 import { closeBrowser, openBrowser } from '../test/browser/Person.js';
 import { StandIn } from '../test/browser/StandIn.js';
 import { fullCards, scene } from '../test/browser/scenes.js';
+import { firstBytes } from '../test/unit/firstLook.js';
 import { Changing } from './Changing.js';
 import { Look } from './Look.js';
 
@@ -44,6 +45,7 @@ async function loads(): Promise<Row[]> {
   }
   const usable = median(slow);
   return [
+    ['first load, compressed', '80 KB', `${(firstBytes() / 1024).toFixed(1)} KB`],
     ['usable, the processor slowed four times', '1,200 ms', `${usable.toFixed(0)} ms`],
     ['longest task while it loads', '100 ms', `${median(longest).toFixed(0)} ms`],
   ];
