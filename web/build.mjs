@@ -8,7 +8,7 @@ import { build } from 'esbuild';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const dist = join(here, 'dist');
-const isMapped = Boolean(process.env.QELM_MAPS); // line by line, for test/coverage
+const isWhole = Boolean(process.env.QELM_WHOLE); // module by module, for test/coverage
 
 await rm(dist, { recursive: true, force: true });
 await mkdir(dist);
@@ -27,9 +27,8 @@ const result = await build({
   splitting: true,
   format: 'esm',
   target: ['es2022'],
-  minify: !isMapped,
+  minify: !isWhole,
   legalComments: 'none',
-  sourcemap: isMapped ? 'inline' : false,
   metafile: true,
   write: false,
   loader: { '.svg': 'copy' },

@@ -39,7 +39,6 @@ await build({
 const files = readdirSync(out).map((name) => join(out, name));
 const inNamespace = ['unshare', process.getuid() === 0 ? '-n' : '-rn', 'sh', '-c'];
 const env = { ...process.env, QELM_ROOT: process.env.QELM_ROOT ?? join(here, '../..') };
-if (suite === 'unit' && env.QELM_COVERAGE) env.NODE_V8_COVERAGE = env.QELM_COVERAGE;
 
 function run(tests) {
   const node = [process.execPath, '--enable-source-maps', '--test', ...flags, ...tests];

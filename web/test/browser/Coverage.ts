@@ -1,13 +1,11 @@
-// Which lines of the page have run, where QELM_COVERAGE names a folder: a file a page, as Node writes
-// its own, for test/coverage.
+// Which functions of the page were called, where QELM_COVERAGE names a folder: a file a page, for
+// test/coverage.
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { pathToFileURL } from 'node:url';
 
 import type { Page } from 'playwright-core';
 
 const folder = process.env['QELM_COVERAGE'];
-const dist = join(process.env['QELM_ROOT'] ?? '', 'web/dist');
 
 export class Coverage {
   private readonly pages = new Set<Page>();
@@ -24,10 +22,7 @@ export class Coverage {
     const entries = await page.coverage.stopJSCoverage();
     const result = entries
       .filter(({ url }) => url.endsWith('.js'))
-      .map(({ url, scriptId, functions }) => {
-        const file = pathToFileURL(join(dist, new URL(url).pathname)).href;
-        return { scriptId, url: file, functions };
-      });
+      .map(({ url, functions }) => ({ url, functions }));
     const name = `coverage-page-${process.pid}-${++this.count}.json`;
     writeFileSync(join(folder, name), JSON.stringify({ result }));
   }
