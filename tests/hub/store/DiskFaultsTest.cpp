@@ -172,7 +172,7 @@ TEST_F(StoreFaults, AReadOnlyDiskAfterAPowerCutHasOldDocuments) {
   store->PutDocument("accounts", "{}");
   clock.Pass(1s);
   Written(0);
-  CutPower();
+  LosePower();
   MountAgain(MS_RDONLY);
   Start();
   EXPECT_TRUE(store->DocumentsLost());
@@ -251,7 +251,7 @@ TEST_F(StoreFaults, ALossIsMarkedInTheNewFileFromTheFirstMomentOn) {
   RunForAnHour();
   WriteFile(File(), std::string(50'000, 'g'));
   Start();
-  CutPower();
+  LosePower();
   Start();
   EXPECT_FALSE(store->DocumentsLost());
   EXPECT_TRUE(store->Document(Store::kLostMark));

@@ -88,7 +88,7 @@ StoreTest::Curve StoreTest::ReadDay(size_t points, model::ChannelId channel) {
   return ToCurve(Read(channel, Noon(-12h), Noon(12h), points));
 }
 
-void StoreTest::CutPower() {
+void StoreTest::LosePower() {
   const std::string copy = dir.Path("copy");
   std::filesystem::copy(options.folder, copy);
   Stop();

@@ -33,7 +33,7 @@ class StoreTest : public testing::Test {
   void Start();
   void Stop() { store.reset(); }
   void Restart();
-  void CutPower();  // what was written so far is what the next start finds
+  void LosePower();  // what was written so far is what the next start finds
   std::string File() const { return options.folder + "/hub.db"; }
 
   void Add(double value, model::ChannelId channel = kKnob) {
