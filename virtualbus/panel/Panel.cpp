@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <ranges>
 
 namespace virtualbus {
 
@@ -213,18 +214,26 @@ void Panel::OnKey(int key) {
   if (found != kKeys.end()) (this->*found->run)();
 }
 
+// Presses that have come together are one key; the last of them is told first.
 void Panel::OnMouse() {
-  MEVENT event{};
-  if (getmouse(&event) != OK) return;
+  std::vector<Press> presses;
+  for (MEVENT event{}; getmouse(&event) == OK;) {
+    const int wheel = (event.bstate & BUTTON4_PRESSED) != 0   ? 1
+                      : (event.bstate & BUTTON5_PRESSED) != 0 ? -1
+                                                              : 0;
+    presses.push_back({event.y, event.x, wheel});
+  }
+  for (const Press& press : std::ranges::reverse_view(presses)) OnPress(press);
+}
+
+void Panel::OnPress(const Press& press) {
   for (const Spot& spot : spots_) {
-    const int offset = event.x - spot.column;
-    if (event.y != spot.row || offset < 0 || offset >= spot.width) continue;
+    const int offset = press.column - spot.column;
+    if (press.row != spot.row || offset < 0 || offset >= spot.width) continue;
     const auto on_click = spot.on_click;  // the spots are made anew by the next picture
     const auto on_wheel = spot.on_wheel;
-    if ((event.bstate & (BUTTON1_PRESSED | BUTTON1_CLICKED)) != 0) return Report(on_click(offset));
-    if (!on_wheel) return;
-    if ((event.bstate & BUTTON4_PRESSED) != 0) return Report(on_wheel(1));
-    if ((event.bstate & BUTTON5_PRESSED) != 0) return Report(on_wheel(-1));
+    if (press.wheel == 0) return Report(on_click(offset));
+    if (on_wheel) Report(on_wheel(press.wheel));
     return;
   }
 }

@@ -34,6 +34,13 @@ class Panel {
     int to_the_right = 0;
   };
 
+  // Of the mouse: its button, or its wheel where that is 1 (up) or -1.
+  struct Press {
+    int row;
+    int column;
+    int wheel;
+  };
+
   void EverySecond();
   void Redraw();
   void Draw();
@@ -47,6 +54,7 @@ class Panel {
   void OnInput();
   void OnKey(int key);
   void OnMouse();
+  void OnPress(const Press& press);
   void Report(const Problem& problem);
 
   // What the keys do.

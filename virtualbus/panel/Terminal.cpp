@@ -77,7 +77,8 @@ Terminal::Terminal() {
   noecho();
   nodelay(stdscr, TRUE);
   keypad(stdscr, TRUE);
-  mousemask(ALL_MOUSE_EVENTS, nullptr);
+  // Presses alone: of clicks that come together curses would make a double one.
+  mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
   mouseinterval(0);
   curs_set(0);
   ChooseColours();
