@@ -149,16 +149,16 @@ void MeasureCrowd(Results& results, Hub& hub, int count) {
   results.Add("input latency", "us", "the last of " + std::to_string(count) + " WebSockets", times);
 }
 
+void AddMemory(Results& results, Hub& hub, const std::string& system) {
+  results.Add("resident memory", "KiB", system,
+              {static_cast<double>(hub.process.ResidentKilobytes())});
+}
+
 void MeasureMemory(Results& results, Hub& hub) {
   std::vector<std::unique_ptr<Door>> crowd;
-  const auto add = [&](const std::string& system) {
-    results.Add("resident memory", "KiB", system,
-                {static_cast<double>(hub.process.ResidentKilobytes())});
-  };
-  add("at start");
   for (const size_t count : {50U, 1000U}) {
     while (crowd.size() < count) crowd.push_back(OpenWebSocket());
-    add(std::to_string(count) + " WebSockets");
+    AddMemory(results, hub, std::to_string(count) + " WebSockets");
   }
 }
 
@@ -217,6 +217,7 @@ void VisitDirect(Results& results) {
 void VisitHub(Results& results) {
   Hub hub;
   results.Add("start to serving", "ms", "hub", {Seconds(hub.start_time) * 1000});
+  AddMemory(results, hub, "at start");
   {
     const auto door = OpenHttp();
     Visit(results, hub.bus, "HTTP", *door).Commands();
