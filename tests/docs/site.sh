@@ -7,6 +7,8 @@
 # source: the repository
 # where: what fails then is said to be there
 
+log=/run/qelm/qelm.log
+
 fail() {
   echo "$where: $1" >&2
   exit 1
@@ -31,6 +33,13 @@ start_site() {
   until [[ -S bus ]]; do sleep 0.05; done
   # The daemon polls as soon as it knows its cards.
   order_bus 'wait frame 20'
+  # One that got no turn of the processor in time has taken another answer for the adapter's.
+  until [[ $(grep 'hardware found' "$log" | tail -1) == *' version: v1.2' ]]; do
+    order_bus 'cable pull'
+    until tail -1 "$log" | grep -q "couldn't be found"; do sleep 0.05; done
+    order_bus 'cable plug'
+    order_bus 'wait frame 20'
+  done
 }
 
 # The hub has the daemon's three ports from now on. $1: more settings, or none
@@ -38,7 +47,7 @@ start_hub() {
   mkdir /run/qelm-hub
   cat >/etc/qelm/qelm-hub.toml <<TOML
 [daemon]
-log = "/run/qelm/qelm.log"
+log = "$log"
 [store]
 folder = "$PWD/store"
 [names]
