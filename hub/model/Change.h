@@ -40,11 +40,11 @@ struct Change {
   uint64_t after = 0;     // the sequence number before it
   uint64_t sequence = 0;  // and with it
   bool bus = false;
-  bool page = false;                // what the page keeps for everybody
-  std::vector<unsigned> cards;      // by address, each once
-  std::vector<ChannelId> channels;  // each once
-  std::vector<Event> events;        // oldest first
-  std::vector<BoardPlace> boards;   // each once
+  bool page = false;                     // what the page keeps for everybody
+  std::vector<unsigned> cards = {};      // by address, each once
+  std::vector<ChannelId> channels = {};  // each once
+  std::vector<Event> events = {};        // oldest first
+  std::vector<BoardPlace> boards = {};   // each once
 };
 
 // The last events, for whoever comes back after a while.
