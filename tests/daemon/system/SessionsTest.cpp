@@ -130,6 +130,7 @@ TEST_F(Sessions, CaeExitClosesItsSessionOnly) {
 
 TEST_F(Sessions, ExitFollowedByACloseLeavesThePortAlive) {
   StartDaemon();
+  cae = Connect(kCae);
   for (int round = 1; round <= 4; ++round) {
     Client io = Dial(kIo);
     io.ReadUntil("QELM IO interface is ready\r\n\r");
@@ -138,6 +139,7 @@ TEST_F(Sessions, ExitFollowedByACloseLeavesThePortAlive) {
     io.Close();
     // The command may come when the port already listens again.
     ExpectLog("INF", "connection is closed by command on IO interface", round);
+    ExpectAnswer();  // The close follows its line: it must not meet the next client.
   }
   ExpectPortComesBack(kIo);
 }
@@ -214,7 +216,8 @@ TEST_F(Sessions, PortListensAgainFourSecondsAfterACloseAndGreetsThreeLater) {
   const auto begin = steady_clock::now();
   cae.Close();
   ExpectLog("INF", "connection is closed by client on CAE interface");
-  EXPECT_TRUE(Refuses(kCae));
+  // The close follows its line.
+  EXPECT_TRUE(WaitUntil([] { return Refuses(kCae); }));
   ExpectLog("INF", "CAE interface listening on port 5001", 2);
   EXPECT_GE(Since(begin), milliseconds(4000));
   cae = Connect(kCae);
