@@ -1,22 +1,7 @@
 // The table of actions, and how their arguments are drawn.
-#include <array>
-#include <cstdio>
-#include <numeric>
-
 #include "Stateful.h"
 
 namespace {
-
-using Random = std::mt19937;
-
-std::size_t Below(Random& random, std::size_t bound) { return random() % bound; }
-
-template <std::size_t N>
-std::string OneOf(Random& random, const std::array<const char*, N>& choices) {
-  return choices[Below(random, N)];
-}
-
-std::string Nothing(Random&) { return ""; }
 
 // A command to an output card, and where its value stands in the data of its frame.
 std::string OneCommand(Random& random) {
@@ -117,19 +102,4 @@ const std::vector<Stateful::Action>& Stateful::Actions() {
       // clang-format on
   };
   return actions;
-}
-
-Script Stateful::Draw(unsigned seed, int actions) {
-  Random random(seed);
-  const int all = std::accumulate(Actions().begin(), Actions().end(), 0,
-                                  [](int sum, const Action& row) { return sum + row.weight; });
-  Script script;
-  for (int i = 0; i < actions; ++i) {
-    auto place = static_cast<int>(Below(random, static_cast<std::size_t>(all)));
-    auto row = Actions().begin();
-    for (; place >= row->weight; ++row) place -= row->weight;
-    const std::string arguments = row->draw(random);
-    script.push_back(row->words + (arguments.empty() ? "" : " " + arguments));
-  }
-  return script;
 }

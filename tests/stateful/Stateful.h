@@ -1,23 +1,12 @@
-// Random actions on a whole site, one after the other, and after each what the model
-// says must hold. An action is a line of text, so that what failed can be cut down to a
-// short script and given back to the program.
+// Random actions on the daemon and its bus, against the model of Model.h.
 #pragma once
 
-#include <gtest/gtest-spi.h>
-
 #include <map>
-#include <memory>
-#include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "Model.h"
-#include "SiteTest.h"
-
-using Script = std::vector<std::string>;
-
-std::vector<std::string> Words(const std::string& text);
+#include "Scripted.h"
 
 // The link may have to be found again: an exchange without an answer ends after 300,000
 // reads, which take most of a minute where others keep the machine busy.
@@ -26,43 +15,21 @@ inline constexpr std::chrono::minutes kLinkPatience{3};
 // The report of a block that nothing ever changes: what comes before it was before.
 inline constexpr char kSentinel[] = "a2b1d00\r\n\r";
 
-class Stateful : public SiteTest {
- protected:
-  using Random = std::mt19937;
-
-  // A row of the table of actions; those of greater weight are drawn more often.
-  struct Action {
-    const char* words;
-    int weight;
-    std::string (*draw)(Random& random);  // its arguments
-    void (Stateful::*run)(const std::string& arguments);
-  };
-  static const std::vector<Action>& Actions();
-  static Script Draw(unsigned seed, int actions);
-
-  struct Failure {
-    std::size_t actions;  // done until it was seen
-    std::string text;
-  };
-  // Runs the actions on a new daemon and a new bus.
-  std::optional<Failure> Play(const Script& script);
-  // A shorter script that fails too, found by leaving out parts.
-  Script Shrink(Script script, std::chrono::seconds bound);
-
-  void PrintCounts() const;
-
+class Stateful : public Scripted<Stateful, SiteTest> {
  private:
+  friend Scripted;
+
   struct Input {
     std::string card;  // its address
     int block;
     InputBlock state{};
   };
 
+  static const std::vector<Action>& Actions();
   void Begin();
+  void ExpectWell() { ExpectAlive(); }
+  void NoteCounts();
   void End();
-  void Do(const std::string& line);
-  bool HasFailed() const { return problems_->size() > 0; }
-  std::string FirstProblem() const;
 
   // What the actions do.
   void IoConnect(const std::string&);
@@ -122,8 +89,4 @@ class Stateful : public SiteTest {
   int missing_writes_ = 0;
   int threads_ = 0;
   long memory_ = 0;
-
-  // Of the run under way.
-  std::unique_ptr<testing::TestPartResultArray> problems_;
-  std::map<std::string, long> counts_;
 };
