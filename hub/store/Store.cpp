@@ -85,6 +85,7 @@ struct Store::Parts {
   bool writing = false;
   bool stopped = false;
   size_t documents_under_way = 0;
+  uint64_t samples_under_way = 0;
   std::optional<model::SteadyTime> documents_due;
   std::optional<model::SteadyTime> values_due;
   std::optional<model::SteadyTime> retry_due;
@@ -183,7 +184,9 @@ void Store::Parts::StartWriting(Disk::Scope scope) {
   documents_due.reset();
   if (scope == Disk::Scope::kAll) values_due.reset();
   const int64_t now = ToDiskTime(clock.Now());
-  worker.Post([this, scope, now, gathered = HandOver(), store = std::weak_ptr(self)] {
+  auto gathered = HandOver();
+  samples_under_way = disk.samples_waiting;
+  worker.Post([this, scope, now, gathered = std::move(gathered), store = std::weak_ptr(self)] {
     disk.Take(std::move(*gathered));
     disk.Write(scope, now);
     asio::post(context, [store, latest = disk.MakeReport()] {
@@ -195,6 +198,7 @@ void Store::Parts::StartWriting(Disk::Scope scope) {
 void Store::Parts::TakeReport(Disk::Report latest) {
   writing = false;
   documents_under_way = 0;
+  samples_under_way = 0;
   const bool failed_before = !report.failure.empty();
   report = std::move(latest);
   if (!report.failure.empty()) {
@@ -314,7 +318,9 @@ void Store::OnJournal(model::JournalSink sink) {
 Store::Counters Store::Count() const {
   const Parts& parts = *parts_;
   return {
-      parts.report.bytes_written, parts.fresh.Samples().size() + parts.disk.samples_waiting,
+      parts.report.bytes_written,
+      parts.fresh.Samples().size() +
+          std::max<uint64_t>(parts.samples_under_way, parts.disk.samples_waiting),
       parts.dropped + parts.disk.samples_dropped,
       parts.fresh.documents.size() + parts.documents_under_way + parts.report.documents_waiting};
 }

@@ -100,21 +100,21 @@ void HubStateful::SetOne(const std::string& channel_and_value) {
 
 void HubStateful::SetLamps(const std::string& lines) {
   const auto words = Words(lines);
-  const std::string answer = Ask("PATCH", "/api/cards/5",
-                                 "{\"" + words[0] + "\":" + words[2] + ",\"" + words[1] +
-                                     "\":" + words[2] + "}");
+  const std::string answer =
+      Ask("PATCH", "/api/cards/5",
+          "{\"" + words[0] + "\":" + words[2] + ",\"" + words[1] + "\":" + words[2] + "}");
   Count(answer);
   for (int i = 0; i < 2; ++i)
-    Take({kLamps, std::stoi(words[static_cast<std::size_t>(i)])},
-         words[2] == "true" ? kLow : kHigh, StatusOf(answer) == 200);
+    Take({kLamps, std::stoi(words[static_cast<std::size_t>(i)])}, words[2] == "true" ? kLow : kHigh,
+         StatusOf(answer) == 200);
 }
 
 // A hub that dies in the middle leaves the line on.
 void HubStateful::Pulse(const std::string& line_and_time) {
   const auto words = Words(line_and_time);
   const Output output{kLamps, std::stoi(words[0].substr(2))};
-  const std::string answer = Ask("PUT", "/api/channels/" + words[0],
-                                 R"({"value":true,"pulse":)" + words[1] + "}");
+  const std::string answer =
+      Ask("PUT", "/api/channels/" + words[0], R"({"value":true,"pulse":)" + words[1] + "}");
   Count(answer);
   Take(output, kLow, false);
   Take(output, kHigh, StatusOf(answer) == 200);
@@ -235,8 +235,8 @@ void HubStateful::CheckFrames() {
       for (int channel = 0; channel < card.channels; ++channel) {
         const int value = values[static_cast<std::size_t>(channel)];
         if (value == card.start || asked_[{card.digit, channel}].contains(value)) continue;
-        ADD_FAILURE() << "a frame to card " << card.digit << " (" << writes[at] << ") has "
-                      << value << " at channel " << channel << ", asked for was"
+        ADD_FAILURE() << "a frame to card " << card.digit << " (" << writes[at] << ") has " << value
+                      << " at channel " << channel << ", asked for was"
                       << Text(asked_[{card.digit, channel}]);
       }
     }

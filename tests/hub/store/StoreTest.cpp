@@ -58,7 +58,7 @@ void StoreTest::Written(uint64_t values) {
   context.restart();
   while (!is_written() && context.run_one_until(deadline) != 0) {
   }
-  EXPECT_TRUE(is_written());
+  EXPECT_TRUE(is_written()) << store->Trouble();
 }
 
 void StoreTest::WriteGathered() {
