@@ -154,6 +154,7 @@ Hub::Hub(const settings::Settings& settings, Places places)
           {.report = [this](std::string_view line) { text_ports_.ShowReport(line); },
            .monitored = [this](std::string_view line) { text_ports_.ShowMonitored(line); },
            .asked = [this](const protocol::WriteBlock& block) { Keep(block); },
+           .forgotten = [this](uint8_t address, uint8_t block) { Forget(address, block); },
            .journal = [this](model::JournalEntry entry) { store_.AddJournal(std::move(entry)); }}),
       virtual_bus_(context_, control_),
       house_{.context = context_,
@@ -208,6 +209,10 @@ void Hub::Record(const model::Change& change) {
 
 void Hub::Keep(const protocol::WriteBlock& block) {
   if (outputs_.Keep(block)) store_.PutDocument(kOutputs, outputs_.Document());
+}
+
+void Hub::Forget(uint8_t address, uint8_t block) {
+  if (outputs_.Forget(address, block)) store_.PutDocument(kOutputs, outputs_.Document());
 }
 
 // A token alone is no account: what it takes the place of may have had some.

@@ -45,6 +45,7 @@ class Hub {
  private:
   void Record(const model::Change& change);
   void Keep(const protocol::WriteBlock& block);
+  void Forget(uint8_t address, uint8_t block);
   void KeepAccess(std::string text);
   void Journal(std::string text);
   void Say(const std::string& text);  // to the journal, and on standard error

@@ -20,6 +20,7 @@ class KeptOutputs {
 
   // False where it was so before.
   bool Keep(const protocol::WriteBlock& block);
+  bool Forget(uint8_t address, uint8_t block) { return values_.erase({address, block}) > 0; }
 
   std::vector<protocol::WriteBlock> Blocks() const;
   std::string Document() const;

@@ -93,13 +93,18 @@ asio::awaitable<Outcome> Link::Send(IoCommand command) {
   if (!parts->is_up) co_return Outcome::kAbsent;
   const std::vector<IoCommand> pieces = protocol::Pieces(command);
   if (pieces.empty()) co_return Outcome::kIllegal;
-  const model::Card* card = parts->bus.At(protocol::AddressOf(command));
+  const unsigned address = protocol::AddressOf(command);
+  const model::Card* card = parts->bus.At(address);
+  const auto* block = std::get_if<WriteBlock>(&command);
+  if (block == nullptr && !parts->sender.HasPlace(address, pieces.size()))
+    co_return Outcome::kTooFast;
+  const bool is_kept_back = block != nullptr && parts->outputs.IsForOutput(*block);
+  if (!is_kept_back && parts->IsTooMuchWithoutAdapter(address, pieces.size()))
+    co_return Outcome::kTooFast;
   std::vector<Receipt> receipts;
   for (const IoCommand& piece : pieces) {
-    if (const auto* block = std::get_if<WriteBlock>(&piece))
-      receipts.push_back(parts->outputs.Write(*block));
-    else if (parts->IsTooMuchWithoutAdapter(piece))
-      co_return Outcome::kTooFast;
+    if (const auto* level = std::get_if<WriteBlock>(&piece))
+      receipts.push_back(parts->outputs.Write(*level));
     else
       receipts.push_back(parts->sender.Offer(piece, IsDoubtful(piece, card)));
   }

@@ -45,6 +45,7 @@ class Link {
     std::function<void(std::string_view line)> report;       // of IO, as it came, without its end
     std::function<void(std::string_view line)> monitored;    // of MON, likewise
     std::function<void(const protocol::WriteBlock&)> asked;  // what an output is to be, to be kept
+    std::function<void(uint8_t address, uint8_t block)> forgotten;  // it is to be nothing any more
     model::JournalSink journal;
   };
 

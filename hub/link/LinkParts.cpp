@@ -44,6 +44,11 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
                   }}),
       outputs(bus, sender,
               {.asked = [this](const WriteBlock& command) { TellAsked(command); },
+               .forgotten =
+                   [this](uint8_t address, uint8_t block) {
+                     told_.erase({address, block});
+                     sinks.forgotten(address, block);
+                   },
                .restored =
                    [this](unsigned address, size_t) {
                      std::string text = "outputs restored on card ";
@@ -173,9 +178,8 @@ void Link::Parts::BeginIfGreeted() {
 void Link::Parts::Lose() {
   has_prompt_ = false;
   if (std::exchange(is_up, false)) Tell("daemon", "the daemon is gone");
-  outputs.Lose();
+  outputs.Lose(sender.Abandon());
   survey.Lose();
-  sender.Abandon();
   console.Abandon();
   if (is_stopped) return;
   SetDaemon(DaemonState::kAbsent);
@@ -223,10 +227,12 @@ void Link::Parts::TellAsked(const WriteBlock& command) {
   sinks.asked(kept);
 }
 
-bool Link::Parts::IsTooMuchWithoutAdapter(const protocol::IoCommand& command) {
+bool Link::Parts::IsTooMuchWithoutAdapter(unsigned address, size_t count) {
   if (bus.AdapterNow().state != model::AdapterState::kDown) return false;
-  size_t& sent = sent_without_adapter_[protocol::AddressOf(command)];
-  return ++sent > Outbox::kMostWaiting;
+  size_t& sent = sent_without_adapter_[address];
+  if (sent + count > Outbox::kMostWaiting) return true;
+  sent += count;
+  return false;
 }
 
 void Link::Parts::Tell(std::string kind, std::string text) const {

@@ -31,7 +31,7 @@ struct Link::Parts : std::enable_shared_from_this<Link::Parts> {
   // Blocks that bring these channels of an output card where they shall be.
   std::vector<Receipt> Write(unsigned address, const std::vector<Target>& targets);
   // Streams that the daemon keeps while it has no adapter must not become too many.
-  bool IsTooMuchWithoutAdapter(const protocol::IoCommand& command);
+  bool IsTooMuchWithoutAdapter(unsigned address, size_t count);
 
   boost::asio::any_io_executor executor;
   model::Bus& bus;

@@ -15,12 +15,16 @@ std::chrono::microseconds RoundOfFlood(std::chrono::microseconds round) { return
 
 }  // namespace
 
+bool Outbox::HasPlace(unsigned address, size_t count) const {
+  const CardQueue& queue = queues_[address];
+  return queue.levels.empty() && queue.waiting.size() + count <= kMostWaiting;
+}
+
 std::optional<Ticket> Outbox::Offer(const IoCommand& command, SteadyTime now) {
   CardQueue& queue = queues_[protocol::AddressOf(command)];
   if (queue.IsEmpty() && queue.free_at <= now) queue.is_flooded = false;
   const auto* block = std::get_if<protocol::WriteBlock>(&command);
-  const bool has_place = queue.levels.empty() && queue.waiting.size() < kMostWaiting;
-  if (has_place && !(block != nullptr && queue.is_flooded)) {
+  if (HasPlace(protocol::AddressOf(command), 1) && !(block != nullptr && queue.is_flooded)) {
     queue.waiting.push_back({command, {++last_ticket_}});
     return last_ticket_;
   }
@@ -96,21 +100,23 @@ std::optional<Outbox::Received> Outbox::TakeEcho(std::string_view line) {
   return received;
 }
 
-std::vector<Ticket> Outbox::Abandon() {
-  std::vector<Ticket> tickets;
-  const auto add = [&tickets](const Entry& entry) {
+Outbox::Abandoned Outbox::Abandon() {
+  Abandoned abandoned;
+  const auto add = [&abandoned](const Entry& entry, std::vector<IoCommand>& commands) {
+    auto& tickets = abandoned.tickets;
     tickets.insert(tickets.end(), entry.tickets.begin(), entry.tickets.end());
+    commands.push_back(entry.command);
   };
-  for (const UnderWay& sent : under_way_) add(sent.entry);
+  for (const UnderWay& sent : under_way_) add(sent.entry, abandoned.written);
   for (CardQueue& queue : queues_) {
-    for (const Entry& entry : queue.waiting) add(entry);
-    for (const Entry& entry : queue.levels) add(entry);
+    for (const Entry& entry : queue.waiting) add(entry, abandoned.never_written);
+    for (const Entry& entry : queue.levels) add(entry, abandoned.never_written);
     queue = {};
   }
-  std::ranges::sort(tickets);
+  std::ranges::sort(abandoned.tickets);
   under_way_.clear();
   bytes_under_way_ = 0;
-  return tickets;
+  return abandoned;
 }
 
 }  // namespace hub::link

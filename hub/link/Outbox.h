@@ -42,6 +42,9 @@ class Outbox {
     std::vector<Ticket> tickets;  // more than one where commands were merged
   };
 
+  // Whether so many texts or codes would be taken.
+  bool HasPlace(unsigned address, size_t count) const;
+
   // Nothing where the card takes no more: too fast.
   std::optional<Ticket> Offer(const protocol::IoCommand& command, SteadyTime now);
 
@@ -57,8 +60,13 @@ class Outbox {
   // A line of MON. Nothing where it is no command that is under way.
   std::optional<Received> TakeEcho(std::string_view line);
 
-  // The session is over: every ticket that was not received, oldest first. The outbox is empty.
-  std::vector<Ticket> Abandon();
+  // The session is over, and the outbox empty.
+  struct Abandoned {
+    std::vector<Ticket> tickets;               // that were not received, oldest first
+    std::vector<protocol::IoCommand> written;  // perhaps done: only the echo is missing
+    std::vector<protocol::IoCommand> never_written;
+  };
+  Abandoned Abandon();
 
   size_t CardsWaiting() const;  // that have something to be sent
   size_t BytesUnderWay() const { return bytes_under_way_; }

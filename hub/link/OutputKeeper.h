@@ -43,6 +43,9 @@ class OutputKeeper {
   // What the store remembers from before: asked for, and not known to be on record.
   void Remember(const protocol::WriteBlock& command);
 
+  // As if nobody had asked.
+  void Forget(unsigned address, unsigned block) { cards_[address].blocks[block].asked.reset(); }
+
   // A discovery: the daemon's record is at its start values. One that was not forced leaves that
   // of motors as it was, unless the daemon is a new one.
   void NoteDiscovery(bool was_forced = false);

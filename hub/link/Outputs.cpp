@@ -43,9 +43,7 @@ void Outputs::TakeCards(model::Time now) {
 }
 
 Receipt Outputs::Write(const WriteBlock& command) {
-  const model::Card* card = bus_.At(command.address);
-  const bool can_come = card == nullptr && is_held_;  // the daemon does not know its cards yet
-  if (!IsOutput(card) && !can_come) return sender_.Offer(command);
+  if (!IsForOutput(command)) return sender_.Offer(command);
   if (is_held_ && sender_.IsOpen()) return WriteLater(command);
   Keep(command);
   if (!sender_.IsOpen()) return sender_.Answered(Outcome::kAbsent);
@@ -57,12 +55,26 @@ Receipt Outputs::Write(const WriteBlock& command) {
   return Offer(command);
 }
 
-// What the block is to be from now on, whatever becomes of this session.
+bool Outputs::IsForOutput(const WriteBlock& command) const {
+  const model::Card* card = bus_.At(command.address);
+  const bool can_come = card == nullptr && is_held_;  // the daemon does not know its cards yet
+  return IsOutput(card) || can_come;
+}
+
+// What the block is to be from now on. Until the daemon has acted on it, it can be taken back.
 void Outputs::Keep(const WriteBlock& command) {
+  before_.try_emplace({command.address, command.block},
+                      keeper_.Asked(command.address, command.block));
   if (bus_.At(command.address) == nullptr)
     remembered_[{command.address, command.block}] = command.value;
   keeper_.Remember(command);
   sinks_.asked(command);
+}
+
+// Whatever becomes of this session.
+void Outputs::KeepAccepted(const WriteBlock& command) {
+  Keep(command);
+  before_.erase({command.address, command.block});
 }
 
 Receipt Outputs::WriteLater(const WriteBlock& command) {
@@ -70,7 +82,7 @@ Receipt Outputs::WriteLater(const WriteBlock& command) {
   Pending& pending = pending_[{command.address, command.block}];
   pending.value = command.value;
   if (!IsWithoutAdapter()) return pending.receipts.emplace_back(sender_.Unanswered());
-  Keep(command);
+  KeepAccepted(command);
   return sender_.Answered(Outcome::kAccepted);
 }
 
@@ -88,7 +100,7 @@ void Outputs::OfferPending(const WriteBlock& command) {
 void Outputs::AcceptPending() {
   for (auto& [place, pending] : pending_) {
     if (pending.receipts.empty()) continue;
-    Keep({place.first, place.second, pending.value});
+    KeepAccepted({place.first, place.second, pending.value});
     for (const Receipt& receipt : std::exchange(pending.receipts, {}))
       receipt->Give(Outcome::kAccepted);
   }
@@ -139,7 +151,13 @@ void Outputs::TellAsked(unsigned address) {
 // Its frame carries the whole card, as the record has it.
 void Outputs::TakeReceipt(const protocol::IoCommand& command, model::Time now) {
   bus_.TakeOutput(command, now);
-  if (!std::holds_alternative<WriteBlock>(command)) return;
+  const auto* written = std::get_if<WriteBlock>(&command);
+  if (written == nullptr) return;
+  if (const auto before = before_.find({written->address, written->block});
+      before != before_.end()) {
+    before->second = written->value;
+    if (keeper_.Asked(written->address, written->block) == written->value) before_.erase(before);
+  }
   for (const WriteBlock& block : keeper_.TakeFrame(protocol::AddressOf(command)))
     bus_.TakeOutput(block, now);
 }
@@ -155,13 +173,35 @@ void Outputs::SendAgain() {
   sender_.Flush();
 }
 
-void Outputs::Lose() {
+// What was written may have been done: only its echo is missing.
+void Outputs::Lose(const Outbox::Abandoned& abandoned) {
   is_held_ = true;
   keeper_.ForgetRecord();
+  auto before = std::exchange(before_, {});
+  for (const protocol::IoCommand& command : abandoned.written)
+    if (const auto* block = std::get_if<WriteBlock>(&command))
+      if (const auto found = before.find({block->address, block->block}); found != before.end())
+        found->second = block->value;
+  for (const protocol::IoCommand& command : abandoned.never_written)
+    if (const auto* block = std::get_if<WriteBlock>(&command))
+      if (const auto found = before.extract({block->address, block->block}); !found.empty())
+        PutBack(found.key(), found.mapped());
   for (const auto& [place, pending] : std::exchange(pending_, {})) {
     for (const Receipt& receipt : pending.receipts) receipt->Give(Outcome::kAbsent);
     bus_.SetPending(place.first, place.second, false);
   }
+}
+
+void Outputs::PutBack(Place place, std::optional<uint8_t> value) {
+  const auto [address, block] = place;
+  remembered_.erase(place);
+  if (!value) {
+    keeper_.Forget(address, block);
+    return sinks_.forgotten(address, block);
+  }
+  if (bus_.At(address) == nullptr) remembered_[place] = *value;
+  keeper_.Remember({address, block, *value});
+  sinks_.asked({address, block, *value});
 }
 
 bool Outputs::IsKept(unsigned address) const {

@@ -5,8 +5,8 @@
 // Held is the time in which the daemon's record of the cards is about to begin anew, or the
 // adapter is not there: what is asked for then is pending, and goes out at the release. Without the
 // adapter it is accepted at once, as nobody knows when that will be; else it is accepted when the
-// daemon has acted on it, as at any other time. A session that ends before the release takes what
-// was not accepted with it, as if nobody had asked. Owned by the link; one thread.
+// daemon has acted on it, as at any other time. What was neither accepted nor written when a
+// session ends is gone with it, as if nobody had asked. Owned by the link; one thread.
 #pragma once
 
 #include <functional>
@@ -25,6 +25,7 @@ class Outputs {
  public:
   struct Sinks {
     std::function<void(const protocol::WriteBlock& command)> asked;  // to be kept, in motion or not
+    std::function<void(uint8_t address, uint8_t block)> forgotten;   // as if nobody had asked
     std::function<void(unsigned address, size_t blocks)> restored;
   };
 
@@ -47,12 +48,14 @@ class Outputs {
 
   // A block as somebody wants it; also without a session, when only that is noted.
   Receipt Write(const protocol::WriteBlock& command);
+  // A block that is none of an output, nor of a card that may come, goes to the daemon as it is.
+  bool IsForOutput(const protocol::WriteBlock& command) const;
 
   void Hold();
   void Release(Record record);
   void SendAgain();  // all that is kept, whatever is on record
   void NoteSilentLog(bool is_silent) { discoveries_go_unseen_ = is_silent; }
-  void Lose();                                         // the session has ended
+  void Lose(const Outbox::Abandoned& abandoned);       // the session has ended
   void TakeReboot(unsigned address, model::Time now);  // the card has begun anew by itself
   void TakeReceipt(const protocol::IoCommand& command, model::Time now);  // the daemon has acted
 
@@ -74,6 +77,8 @@ class Outputs {
   void NoteRecord(Record record);
   void TellAsked(unsigned address);
   void Keep(const protocol::WriteBlock& command);
+  void KeepAccepted(const protocol::WriteBlock& command);
+  void PutBack(Place place, std::optional<uint8_t> value);
   Receipt WriteLater(const protocol::WriteBlock& command);
   void AcceptPending();
   bool IsWithoutAdapter() const;
@@ -90,6 +95,8 @@ class Outputs {
   bool discoveries_go_unseen_ = true;
   std::map<Place, Pending> pending_;
   std::map<Place, uint8_t> remembered_;  // of cards that did not come yet
+  // What was asked for before that which is not accepted yet.
+  std::map<Place, std::optional<uint8_t>> before_;
   uint64_t release_count_ = 0;
   uint64_t restored_count_ = 0;
 };

@@ -51,6 +51,12 @@ void Sender::PassOn(Receipt receipt, std::vector<Receipt> followers) {
   asio::co_spawn(executor_, GiveTheSame(std::move(receipt), std::move(followers)), asio::detached);
 }
 
+bool Sender::HasPlace(unsigned address, size_t count) {
+  const bool has_place = outbox_.HasPlace(address, count);
+  if (!has_place) ++refused_count_;
+  return has_place;
+}
+
 Receipt Sender::Offer(const protocol::IoCommand& command, bool is_doubtful) {
   if (!is_open_) return Answered(Outcome::kAbsent);
   const auto ticket = outbox_.Offer(command, Clock::now());
@@ -70,13 +76,15 @@ void Sender::Open() {
   last_progress_ = Clock::now();
 }
 
-void Sender::Abandon() {
+Outbox::Abandoned Sender::Abandon() {
   is_open_ = false;
   is_gate_open_ = false;
-  for (const Ticket ticket : outbox_.Abandon()) Answer(ticket, Outcome::kAbsent);
+  Outbox::Abandoned abandoned = outbox_.Abandon();
+  for (const Ticket ticket : abandoned.tickets) Answer(ticket, Outcome::kAbsent);
   doubts_.clear();
   alone_since_.reset();
   if (drained_) drained_->Give(false);
+  return abandoned;
 }
 
 void Sender::SetGate(bool is_open) {

@@ -36,6 +36,8 @@ class Sender {
 
   Sender(boost::asio::any_io_executor executor, Sinks sinks);
 
+  // Whether so many texts or codes would be taken; a refusal counts.
+  bool HasPlace(unsigned address, size_t count);
   // A doubtful command is one that the daemon may refuse.
   Receipt Offer(const protocol::IoCommand& command, bool is_doubtful = false);
   Receipt Answered(Outcome outcome) const;  // a receipt for what needs no sending
@@ -43,8 +45,8 @@ class Sender {
   void PassOn(Receipt receipt, std::vector<Receipt> followers);  // its outcome is theirs, too
 
   bool IsOpen() const { return is_open_; }
-  void Open();     // a session is there
-  void Abandon();  // it has ended: nobody's command was received
+  void Open();                  // a session is there
+  Outbox::Abandoned Abandon();  // it has ended: nobody's command was received
   void SetGate(bool is_open);
   boost::asio::awaitable<void> Drain();  // until all that is under way was received
 

@@ -28,6 +28,12 @@ LinkDriver::LinkDriver(LinkOptions options, const std::vector<protocol::WriteBlo
           .report = [](std::string_view) {},
           .monitored = [this](std::string_view line) { monitored_.emplace_back(line); },
           .asked = [this](const protocol::WriteBlock& command) { asked_.push_back(command); },
+          .forgotten =
+              [this](uint8_t address, uint8_t block) {
+                std::erase_if(asked_, [&](const protocol::WriteBlock& each) {
+                  return each.address == address && each.block == block;
+                });
+              },
           .journal = [this](const model::JournalEntry& entry) { journal_.push_back(entry.text); }});
   link_->Remember(asked);
   link_->Start();

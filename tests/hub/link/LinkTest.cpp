@@ -6,6 +6,7 @@
 
 #include "FakeDaemon.h"
 #include "LinkDriver.h"
+#include "kit/Bytes.h"
 #include "kit/Proc.h"
 #include "kit/TempDir.h"
 
@@ -290,12 +291,20 @@ TEST_F(LinkTest, ADaemonThatStopsReadingHoldsNothingUp) {
   EXPECT_TRUE(link.WaitDown());
 }
 
+// What was written may have been done: it is what the lamps are to be, until they are told anew.
 TEST_F(LinkTest, OneLostSessionEndsTheOthersAndAllComeBack) {
+  std::string last;
+  uint8_t value = 0x10;
   for (const Port port : {Port::kCae, Port::kIo, Port::kMon}) {
     Introduce();
-    auto outcome = link.SendLater(WriteBlock{5, 0, 0x00});
+    if (!last.empty()) {
+      daemon.ExpectCommand(last);
+      daemon.Echo(last);
+    }
+    last = "a5b0d" + ::Hex(++value);
+    auto outcome = link.SendLater(WriteBlock{5, 0, value});
     auto answer = link.AskLater("HELP");
-    daemon.ExpectCommand("a5b0d00");
+    daemon.ExpectCommand(last);
     daemon.client(port).Close();
     EXPECT_EQ(outcome.get(), Outcome::kAbsent);
     EXPECT_EQ(answer.get(), std::nullopt);
@@ -336,6 +345,32 @@ TEST_F(LinkTest, WhatWasNeverSentIsForgottenWithItsSession) {
   daemon.Echo("a5b1dBF");
   EXPECT_EQ(next.get(), Outcome::kAccepted);
   EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFE}, {5, 1, 0xBF}}));
+}
+
+// Texts without an echo leave no room for more bytes: the lamps' commands wait behind them.
+TEST_F(LinkTest, WhatWaitedForItsTurnIsForgottenWithItsSession) {
+  Introduce();
+  auto lamp = link.SendLater(WriteBlock{5, 0, 0xFE});
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.Echo("a5b0dFE");
+  EXPECT_EQ(lamp.get(), Outcome::kAccepted);
+  std::vector<std::future<Outcome>> waiting;
+  for (const size_t length : {34, 34, 34, 34, 34, 7}) {  // 255 bytes
+    const std::string text(length, 'x');
+    waiting.push_back(link.SendLater(WriteText{0xE, 0, 0, text}));
+    daemon.ExpectCommand("aElPAp0000t" + text);
+  }
+  waiting.push_back(link.SendLater(WriteBlock{5, 0, 0xFC}));
+  waiting.push_back(link.SendLater(WriteBlock{5, 1, 0x7F}));
+  ASSERT_TRUE(WaitUntil([&] { return link.Asked().size() == 3; }));
+  daemon.CloseAll();
+  for (auto& each : waiting) EXPECT_EQ(each.get(), Outcome::kAbsent);
+  EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFE}, {5, 0, 0xFC}, {5, 0, 0xFE}}));
+  Introduce();
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.Echo("a5b0dFE");
+  auto next = link.SendLater(WriteBlock{0, 0, 0x10});
+  daemon.ExpectCommand("a0b0d10");
 }
 
 TEST_F(LinkTest, AMotionThatWasNeverSentEndsWithItsSession) {
