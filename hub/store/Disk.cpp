@@ -215,17 +215,15 @@ bool Disk::TryWrite(Scope scope, int64_t now) {
   if (!is_open_ && !OpenFile()) return false;
   database_->Begin();
   WriteDocuments(*database_, waiting_.documents);
-  bool rolled = false;
   if (scope == Scope::kAll) {
     JournalTable(*database_).Write(waiting_.Entries());
     HistoryTables(*database_).Write(waiting_.Samples());
-    rolled = Housekeep(now);
+    Housekeep(now);
   }
   if (!database_->Commit()) {
     failure_ = database_->TakeFailure();
     return false;
   }
-  if (rolled) rolled_at_ = now;
   waiting_.documents.clear();
   if (scope == Scope::kAll) {
     samples_waiting -= waiting_.Samples().size();
@@ -235,18 +233,17 @@ bool Disk::TryWrite(Scope scope, int64_t now) {
   return true;
 }
 
-// True where it has rolled. Only what was old at the last roll already is dropped: a clock that
-// jumps for less than an hour costs nothing.
-bool Disk::Housekeep(int64_t now) {
+// Only what was old at the last roll already is dropped: a clock that jumps for less than an hour
+// costs nothing.
+void Disk::Housekeep(int64_t now) {
   HistoryTables history(*database_);
-  const bool due = history.IsDueToRoll();
-  if (due) {
+  if (history.IsDueToRoll()) {
     history.Roll();
-    if (rolled_at_) history.DropOlder(std::min(*rolled_at_, now), options_.keep_days);
+    const auto before = history.NoteRollTime(now);
+    if (before) history.DropOlder(std::min(*before, now), options_.keep_days);
     JournalTable(*database_).DropPastLimit();
   }
   Trim(now);
-  return due;
 }
 
 int64_t Disk::BytesUsed() {

@@ -65,7 +65,7 @@ class Disk {
   void ReadFromUnwritable(Content& content);
   void SetAside(int64_t now);
   bool TryWrite(Scope scope, int64_t now);
-  bool Housekeep(int64_t now);
+  void Housekeep(int64_t now);
   void Trim(int64_t now);
   int64_t BytesUsed();
   void Shrink();
@@ -80,7 +80,6 @@ class Disk {
   Gathered waiting_;
   std::optional<Failure> failure_;  // of the last Write
   std::vector<std::string> notices_;
-  std::optional<int64_t> rolled_at_;  // the time of the last roll
   bool shrunk_ = false;
 };
 

@@ -40,6 +40,7 @@ HistoryTables::State HistoryTables::ReadState() {
   Statement statement(database_, "SELECT name, value FROM state");
   while (statement.Next()) {
     if (statement.Bytes(0) == "rolled") state.rolled = statement.Integer(1);
+    if (statement.Bytes(0) == "rolled_at") state.rolled_at = statement.Integer(1);
     if (statement.Bytes(0) == "raw_from") state.raw_from = statement.Integer(1);
     if (statement.Bytes(0) == "minutes_from") state.minutes_from = statement.Integer(1);
   }
@@ -89,6 +90,12 @@ void HistoryTables::Roll() {
   for (auto& [row, steps] : blocks) MergeBlock(row, std::move(steps));
   const int64_t newest = database_.Number("SELECT max(id) FROM batch");
   SetState("rolled", std::max(newest, ReadState().rolled));
+}
+
+std::optional<int64_t> HistoryTables::NoteRollTime(int64_t now) {
+  const auto before = ReadState().rolled_at;
+  SetState("rolled_at", now);
+  return before;
 }
 
 void HistoryTables::AddToBlocks(Blocks& blocks, uint32_t channel, const Sample& sample) {

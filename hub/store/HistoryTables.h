@@ -35,8 +35,9 @@ class HistoryTables {
 
   // Inside a transaction.
   void Write(const std::deque<ChannelSample>& samples);
-  bool IsDueToRoll();  // enough batches have come since the last time
-  void Roll();         // adds new batches to the minutes and hours
+  bool IsDueToRoll();                                // enough batches have come since the last time
+  void Roll();                                       // adds new batches to the minutes and hours
+  std::optional<int64_t> NoteRollTime(int64_t now);  // gives the one before
   void DropOlder(int64_t now, int keep_days);
   // Drops a part of the oldest; false when nothing of that level is left.
   bool DropOldestRaw(int64_t now);
@@ -54,7 +55,8 @@ class HistoryTables {
   using Blocks = std::map<int64_t, Steps>;    // by their row
 
   struct State {
-    int64_t rolled = 0;        // the last batch that is in the blocks
+    int64_t rolled = 0;  // the last batch that is in the blocks
+    std::optional<int64_t> rolled_at;
     int64_t raw_from = 0;      // of what came before, not all values are kept ...
     int64_t minutes_from = 0;  // ... nor all minutes
   };

@@ -169,6 +169,18 @@ TEST_F(StoreLimits, ValuesGoAfterTheirDaysAndMinutesAfterAMonth) {
   EXPECT_EQ(all.points.size(), 45 * 24u);
 }
 
+// A board that is on for less than it takes to look what is old.
+TEST_F(StoreLimits, ValuesGoAfterTheirDaysThoughTheHubRunsForHours) {
+  Start();
+  for (int days = 0; days < 45; days += 3) {
+    AddDays(3);
+    Restart();
+  }
+  const History old = Read(kKnob, Noon(20 * 24h), Noon(20 * 24h + 8h), 500);
+  EXPECT_EQ(old.step_ms, 60'000);
+  EXPECT_EQ(Read(kKnob, Noon(), Noon(8h), 500).step_ms, 3'600'000);
+}
+
 TEST_F(StoreLimits, AClockAYearAheadForAMomentDropsNothing) {
   options.keep_days = 30;
   Start();
