@@ -265,6 +265,8 @@ std::variant<std::string, Refusal> Access::AddToken(const std::string& name, Rol
 std::optional<Refusal> Access::RemoveToken(const std::string& name) {
   if (Find(parts_->tokens, name) == nullptr) return Refusal::kMissing;
   std::erase_if(parts_->tokens, [&name](const TokenRecord& row) { return row.name == name; });
+  // Another one of this name must not let them in.
+  parts_->tickets.Drop(std::string(kTokenPrefix) + name);
   parts_->Keep();
   parts_->sinks.token_ended(name);
   return std::nullopt;

@@ -11,6 +11,7 @@ namespace hub::access {
 namespace {
 
 constexpr std::string_view kBlanks = " \t";
+constexpr char kNobodyKnows[] = "unknown";
 
 std::string_view Trimmed(std::string_view text) {
   const size_t begin = text.find_first_not_of(kBlanks);
@@ -39,7 +40,7 @@ std::string ClientAddress(std::string_view peer, std::string_view header,
     const size_t comma = header.rfind(',');
     const size_t begin = comma == std::string_view::npos ? 0 : comma + 1;
     auto before = ReadEntry(Trimmed(header.substr(begin)));
-    if (!before) break;
+    if (!before) return kNobodyKnows;
     client = std::move(*before);
     header = header.substr(0, begin == 0 ? 0 : comma);
   }

@@ -11,7 +11,8 @@ namespace hub::access {
 
 // `peer` is the address of the connection, empty on the Unix socket; `header` is the value of
 // X-Forwarded-For, several of them joined by commas; `proxies` are literal addresses. Gives the
-// first address from the right that is no proxy of ours, or the last that could be read.
+// first address from the right that is no proxy of ours; "unknown" where that is no address: the
+// proxy's own may be loopback, which is trusted more.
 std::string ClientAddress(std::string_view peer, std::string_view header,
                           const std::vector<std::string>& proxies);
 

@@ -27,6 +27,10 @@ std::optional<Caller> Tickets::Take(std::string_view ticket, std::string_view ad
   return caller;
 }
 
+void Tickets::Drop(std::string_view account) {
+  std::erase_if(tickets_, [&](const Ticket& made) { return made.caller.account == account; });
+}
+
 void Tickets::DropOld(model::SteadyTime now) {
   while (!tickets_.empty() && now - tickets_.front().made > kLife) tickets_.pop_front();
 }

@@ -22,6 +22,8 @@ class Tickets {
   std::optional<Caller> Take(std::string_view ticket, std::string_view address,
                              model::SteadyTime now);
 
+  void Drop(std::string_view account);  // those that it has made
+
   size_t Count() const { return tickets_.size(); }
 
  private:

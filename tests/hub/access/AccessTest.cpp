@@ -425,6 +425,14 @@ TEST_F(AccessTest, ATicketDoesNotOutliveWhatItWasMadeFor) {
   EXPECT_TRUE(access->TakeTicket(of_local, "")) << "the Unix socket needs no account";
 }
 
+TEST_F(AccessTest, ATicketOfATokenDoesNotHoldForAnotherOneOfItsName) {
+  access->AddToken("scripts", Role::kAdmin);
+  const std::string ticket = access->MakeTicket({"token:scripts", Role::kAdmin, "", kHere});
+  access->RemoveToken("scripts");
+  access->AddToken("scripts", Role::kView);
+  EXPECT_FALSE(access->TakeTicket(ticket, kHere));
+}
+
 TEST_F(AccessTest, AllIsThereAfterARestart) {
   Add("operator", Role::kAdmin);
   Add("guest", Role::kView);

@@ -34,16 +34,22 @@ TEST(ForwardedFor, CountsAsFarAsListedProxiesWroteIt) {
       {"IPv6 with a port", "10.0.0.1", "[2001:db8::7]:4711", "2001:db8::7"},
       {"our proxy in a long form", "2001:0db8:0:0:0:0:0:1", "192.0.2.7", "192.0.2.7"},
       {"IPv4 inside of IPv6", "::ffff:10.0.0.1", "::ffff:192.0.2.7", "192.0.2.7"},
-      {"no address", "10.0.0.1", "unknown", "10.0.0.1"},
-      {"an empty place", "10.0.0.1", "192.0.2.7,", "10.0.0.1"},
-      {"only commas", "10.0.0.1", ",,,", "10.0.0.1"},
-      {"garbage right of the client", "10.0.0.1", "192.0.2.7, x, 10.0.0.2", "10.0.0.2"},
-      {"a name", "10.0.0.1", "localhost", "10.0.0.1"},
-      {"an octal address", "10.0.0.1", "0177.0.0.1", "10.0.0.1"},
+      {"no address", "10.0.0.1", "unknown", "unknown"},
+      {"an empty place", "10.0.0.1", "192.0.2.7,", "unknown"},
+      {"only commas", "10.0.0.1", ",,,", "unknown"},
+      {"garbage right of the client", "10.0.0.1", "192.0.2.7, x, 10.0.0.2", "unknown"},
+      {"a name", "10.0.0.1", "localhost", "unknown"},
+      {"an octal address", "10.0.0.1", "0177.0.0.1", "unknown"},
       {"the Unix socket", "", "127.0.0.1", ""},
   };
   for (const Row& row : kRows)
     EXPECT_EQ(ClientAddress(row.peer, row.header, proxies), row.client) << row.what;
+}
+
+// Without accounts, loopback may do all.
+TEST(ForwardedFor, NobodyIsTakenForAProxyOnLoopback) {
+  EXPECT_EQ(ClientAddress("127.0.0.1", "unknown", {"127.0.0.1"}), "unknown");
+  EXPECT_EQ(ClientAddress("127.0.0.1", "192.0.2.7, localhost", {"127.0.0.1"}), "unknown");
 }
 
 TEST(ForwardedFor, CountsForNobodyWithoutProxies) {
