@@ -241,7 +241,7 @@ void Hub::AwaitSignal() {
   signals_.async_wait([this](boost::system::error_code error, int signal) {
     if (error) return;
     if (signal != SIGHUP) return Stop();
-    if (!places_.settings_file.empty()) ReadSettingsAgain();
+    ReadSettingsAgain();
     AwaitSignal();
   });
 }
@@ -249,7 +249,7 @@ void Hub::AwaitSignal() {
 // A file with errors changes nothing.
 void Hub::ReadSettingsAgain() {
   NotifyReloading();
-  const auto read = settings::Load(places_.settings_file);
+  const auto read = settings::Load(places_.settings_file, !places_.is_file_given);
   if (const auto* errors = std::get_if<settings::SettingsErrors>(&read)) {
     for (const settings::SettingsError& error : *errors)
       std::cerr << ToText(error, places_.settings_file) << '\n';

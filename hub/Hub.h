@@ -25,7 +25,8 @@
 namespace hub {
 
 struct Places {
-  std::string settings_file;  // read again on SIGHUP; empty: there was none
+  std::string settings_file;   // read again on SIGHUP
+  bool is_file_given = false;  // else all defaults hold where it is not there
   std::string socket = "/run/qelm-hub/hub.sock";
   bool is_socket_given = false;  // else the hub serves without one that it cannot have
   std::string page = "/usr/share/qelm-hub/page";

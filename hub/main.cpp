@@ -1,6 +1,5 @@
 // qelm-hub: one bus for everybody.
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -29,20 +28,14 @@ void AllowManyFiles() {
   setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-// Nothing where the file is not there and nobody has asked for it: all defaults hold.
-std::variant<hub::settings::Settings, hub::settings::SettingsErrors> ReadSettings(
-    const std::string& file) {
-  if (file.empty()) return hub::settings::Settings{};
-  return hub::settings::Load(file);
-}
-
 int Complain(const hub::settings::SettingsErrors& errors, const std::string& file) {
   for (const auto& error : errors) std::cerr << ToText(error, file) << '\n';
   return EXIT_FAILURE;
 }
 
 int Serve(const Options& options) {
-  const auto settings = ReadSettings(options.places.settings_file);
+  const auto settings =
+      hub::settings::Load(options.places.settings_file, !options.places.is_file_given);
   if (const auto* errors = std::get_if<hub::settings::SettingsErrors>(&settings))
     return Complain(*errors, options.places.settings_file);
   if (options.check) return EXIT_SUCCESS;
@@ -66,8 +59,8 @@ int main(int argc, char** argv) {
   app.add_option("--page", options.places.page, "folder of the page")->capture_default_str();
   app.set_version_flag("--version", "qelm-hub " QELM_VERSION);
   CLI11_PARSE(app, argc, argv);
-  if (file.empty() && access(kSettingsFile, F_OK) == 0) file = kSettingsFile;
-  options.places.settings_file = file;
+  options.places.is_file_given = !file.empty();
+  options.places.settings_file = file.empty() ? kSettingsFile : file;
   options.places.is_socket_given = app.count("--socket") > 0;
   try {
     return Serve(options);

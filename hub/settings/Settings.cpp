@@ -154,10 +154,11 @@ std::variant<Settings, SettingsErrors> Parse(std::string_view text) {
   }
 }
 
-std::variant<Settings, SettingsErrors> Load(const std::string& path) {
+std::variant<Settings, SettingsErrors> Load(const std::string& path, bool may_be_missing) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   std::ostringstream text;
+  if (!file.is_open() && errno == ENOENT && may_be_missing) return Settings{};
   const bool is_empty = file.peek() == std::ifstream::traits_type::eof();
   if (!is_empty) text << file.rdbuf();
   if (!file.is_open() || file.bad() || text.bad())

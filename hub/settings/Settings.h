@@ -82,7 +82,7 @@ std::string ToText(const SettingsError& error, std::string_view path);
 
 std::variant<Settings, SettingsErrors> Parse(std::string_view text);
 
-// A file that is not there is an error too: only the caller knows whether somebody has named it.
-std::variant<Settings, SettingsErrors> Load(const std::string& path);
+// A file that is not there is an error, unless nobody has named it: then all defaults hold.
+std::variant<Settings, SettingsErrors> Load(const std::string& path, bool may_be_missing = false);
 
 }  // namespace hub::settings
