@@ -96,6 +96,10 @@ Findings CheckHub(const Facts& facts) {
 
 Findings CheckPage(const Facts& facts) {
   const HubFacts& hub = facts.hub;
+  // A hub that could not have its port does not run.
+  if (!hub.page_owner.empty() && !hub.processes.empty())
+    return {{Verdict::kNote, "port 5080 belongs to " + hub.page_owner + ", not to the hub",
+             "\"listen\" in /etc/qelm/qelm-hub.toml says where the page is"}};
   if (!hub.page_owner.empty())
     return {{Verdict::kWrong, "port 5080 belongs to " + hub.page_owner + ", not to the hub",
              "end that program, or give \"listen\" in /etc/qelm/qelm-hub.toml another port"}};

@@ -91,6 +91,16 @@ TEST(Checks, ASilentCardIsNotedAndNoneAtAllIsWrong) {
   EXPECT_EQ(CheckCards(facts).front().verdict, Verdict::kWrong);
 }
 
+// A hub that runs has the ports of its settings.
+TEST(Checks, AnotherProgramOnThePagesPortIsWrongOnlyWithoutAHub) {
+  Facts facts;
+  facts.hub.page_is_open = true;
+  facts.hub.page_owner = "nc (process 77)";
+  EXPECT_EQ(CheckPage(facts).front().verdict, Verdict::kWrong);
+  facts.hub.processes = {{.pid = 78, .name = "qelm-hub"}};
+  EXPECT_EQ(CheckPage(facts).front().verdict, Verdict::kNote);
+}
+
 TEST(Sockets, AreReadAsTheKernelListsThem) {
   const std::vector<Socket> sockets = ReadSockets(
       "  sl  local_address rem_address   st tx_queue rx_queue tr tm->when retrnsmt   uid  timeout "
