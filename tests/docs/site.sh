@@ -6,8 +6,10 @@
 # quick: has a sleep that takes less than it says
 # source: the repository
 # where: what fails then is said to be there
+# first: the first digit of all ports, which is another one for a second board
 
 log=/run/qelm/qelm.log
+first=${first:-5}
 
 fail() {
   echo "$where: $1" >&2
@@ -23,7 +25,7 @@ pattern_of() {
 
 # Leaves the socket of the bus here, as "bus", and what happens on it, as "events".
 start_site() {
-  cp "$source/docs/reference/qelmconf.xml" /etc/qelm/
+  sed "s/Port=\"5/Port=\"$first/" "$source/docs/reference/qelmconf.xml" >/etc/qelm/qelmconf.xml
   (cd / && PATH=$quick:$PATH "$build/qelm")
   "$build/qelm-bus" --plain --link /dev/ttyUSB0 --control bus >events &
   bus=$!
@@ -44,10 +46,21 @@ start_site() {
 
 # The hub has the daemon's three ports from now on. $1: more settings, or none
 start_hub() {
+  local ports=''
+  [[ $first == 5 ]] || ports="cae = ${first}010
+io = ${first}011
+mon = ${first}012
+[http]
+listen = [\"127.0.0.1:${first}080\"]
+[text]
+cae = ${first}110
+io = ${first}111
+mon = ${first}112"
   mkdir /run/qelm-hub
   cat >/etc/qelm/qelm-hub.toml <<TOML
 [daemon]
 log = "$log"
+$ports
 [store]
 folder = "$PWD/store"
 [names]
@@ -61,9 +74,9 @@ TOML
   local _
   for _ in {1..400}; do
     # Commands go out some seconds after the start; the answer to this one says that it has.
-    if curl -s localhost:5080/healthz | grep -q '"adapter":"up"' &&
-      curl -s localhost:5080/api/cards/F | grep -q '"id":"F.5".*"known":true' &&
-      curl -s --json '{"do":"clear"}' localhost:5080/api/cards/E/control | grep -q '"known":true'
+    if curl -s localhost:${first}080/healthz | grep -q '"adapter":"up"' &&
+      curl -s localhost:${first}080/api/cards/F | grep -q '"id":"F.5".*"known":true' &&
+      curl -s --json '{"do":"clear"}' localhost:${first}080/api/cards/E/control | grep -q '"known":true'
     then return; fi
     sleep 0.05
   done
