@@ -43,7 +43,8 @@ TEST_F(BrokerCommands, EachKindReachesItsCard) {
   EXPECT_EQ(Heard().find("error"), std::string::npos);
   const std::string journal = AskLocally("GET", "/api/journal");
   EXPECT_NE(journal.find(R"("text":"5.0: on","by":"broker")"), std::string::npos) << journal;
-  EXPECT_EQ(Metric(R"(qelm_commands_total{door="broker",outcome="done"})"), 10);
+  EXPECT_TRUE(WaitUntil(
+      [] { return Metric(R"(qelm_commands_total{door="broker",outcome="done"})") == 10; }));
 }
 
 TEST_F(BrokerCommands, WhatIsNotRightIsAnsweredAndDoesNothing) {
