@@ -48,3 +48,8 @@ std::vector<std::string> DescriptorsOf(pid_t pid) {
     targets.push_back(fs::read_symlink(entry.path(), gone).string());
   return targets;
 }
+
+bool HasSanitizerReport(const std::string& errors) {
+  return errors.find("Sanitizer") != std::string::npos ||
+         errors.find("runtime error:") != std::string::npos;
+}

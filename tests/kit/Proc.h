@@ -1,4 +1,4 @@
-// What /proc says about a process.
+// What /proc, and it itself, say about a process.
 #pragma once
 
 #include <sys/types.h>
@@ -16,3 +16,6 @@ int ThreadsOf(pid_t pid);
 long ResidentKilobytesOf(pid_t pid);
 std::vector<pid_t> ChildrenOf(pid_t pid);
 std::vector<std::string> DescriptorsOf(pid_t pid);  // what each open one points at
+
+// A sanitizer's report is in what a program wrote on its standard error.
+bool HasSanitizerReport(const std::string& errors);

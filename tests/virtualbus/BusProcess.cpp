@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "kit/Proc.h"
+
 namespace virtualbus {
 
 Program::Program(const TempDir& folder, std::vector<std::string> arguments)
@@ -31,9 +33,12 @@ Program::Program(const TempDir& folder, const std::string& binary,
 }
 
 Program::~Program() {
-  if (!IsRunning()) return;
-  Signal(SIGTERM);
-  WaitForExit();
+  if (IsRunning()) {
+    Signal(SIGTERM);
+    WaitForExit();
+  }
+  const std::string errors = Errors();
+  EXPECT_FALSE(HasSanitizerReport(errors)) << errors;
 }
 
 // Somebody else may have waited for it: whoever ends all children of the test.
