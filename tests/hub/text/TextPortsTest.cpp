@@ -24,6 +24,8 @@ namespace {
 using std::chrono::seconds;
 
 constexpr char kAskForToken[] = "QELM: a token is needed: TOKEN ...\r\n\r";
+constexpr char kConsoleGreeting[] =
+    "QELM CAE interface is ready\r\n(Type HELP for help)\r\n>\r\n\r";
 constexpr char kGreeting[] = "QELM IO interface is ready\r\n\r";
 
 class TextPortsTest : public testing::Test {
@@ -37,7 +39,7 @@ class TextPortsTest : public testing::Test {
                 .token_ended = [this](const std::string& name) { ports.EndToken(name); }},
                {.memory = 8192, .passes = 1}),
         house{context, bus, link, store, access, clock},
-        ports(house, {"127.0.0.1", {static_cast<uint16_t>(FreePort()), io, mon}}) {
+        ports(house, {"127.0.0.1", {cae, io, mon}}) {
     ports.Start();
     thread = std::jthread([this] { context.run(); });
   }
@@ -61,19 +63,17 @@ class TextPortsTest : public testing::Test {
   }
 
   // An account, so that a token is asked for; the secret of one.
-  std::string AddToken() {
+  std::string AddToken(access::Role role = access::Role::kUse) {
     boost::asio::co_spawn(context,
                           access.AddAccount("operator", "correct horse", access::Role::kAdmin),
                           boost::asio::use_future)
         .get();
-    return Run([this] { return std::get<std::string>(access.AddToken("script", kUse)); });
+    return Run([=, this] { return std::get<std::string>(access.AddToken("script", role)); });
   }
 
   std::vector<std::string> Sent() {
     return Run([this] { return fake_link.sent; });
   }
-
-  static constexpr access::Role kUse = access::Role::kUse;
 
   FakeClock clock;
   FakeLink fake_link;
@@ -84,6 +84,7 @@ class TextPortsTest : public testing::Test {
   store::Store store;
   access::Access access;
   api::House house;
+  uint16_t cae = static_cast<uint16_t>(FreePort());
   uint16_t io = static_cast<uint16_t>(FreePort());
   uint16_t mon = static_cast<uint16_t>(FreePort());
   TextPorts ports;
@@ -144,6 +145,35 @@ TEST_F(TextPortsTest, ATokenThatIsTakenAwayCommandsNothingMore) {
   EXPECT_EQ(Sent(), std::vector<std::string>{"a5b0d01"});
 }
 
+TEST_F(TextPortsTest, ATokenOfALowerRoleIsRefusedByRoleAndNothingGoesOn) {
+  struct Case {
+    access::Role role;
+    uint16_t port;
+    const char* greeting;
+    const char* line;
+    const char* answer;
+  };
+  const Case cases[] = {
+      {access::Role::kView, io, kGreeting, "a5b0d01",
+       "COE:a caller of the role use is needed -> a5b0d01\r\n\r"},
+      {access::Role::kView, io, kGreeting, "aElPAp0000tHello",
+       "COE:a caller of the role use is needed -> aElPAp0000tHello\r\n\r"},
+      {access::Role::kUse, cae, kConsoleGreeting, "DRVVER",
+       "CIE: a caller of the role admin is needed\r\n\r>\r\n\r"},
+      {access::Role::kView, mon, "QELM MON interface is ready\r\n\r", "", ""},
+  };
+  for (const Case& refused : cases) {
+    const std::string secret = AddToken(refused.role);
+    Client client(refused.port);
+    client.Send("TOKEN " + secret + "\r\n" + refused.line + "\r\n");
+    client.ExpectBytes(std::string(refused.greeting) + refused.answer);
+    Run([this] { access.RemoveToken("script"); });
+    client.ExpectClosed();
+  }
+  EXPECT_EQ(Sent(), std::vector<std::string>{});
+  EXPECT_EQ(Run([this] { return fake_link.asked; }), std::vector<std::string>{});
+}
+
 TEST_F(TextPortsTest, TheBodyOfARequestOfABrowserIsNoCommand) {
   for (const char* const version : {"HTTP/1.0", "HTTP/1.1"}) {
     Client client(io);
@@ -167,6 +197,19 @@ TEST_F(TextPortsTest, ALaterLineMayLookLikeARequest) {
   client.ExpectBytes("COE:Illegal command -> GET / HTTP/1.1\r\n\r");
 }
 
+// Nothing goes to the system between the reports.
+TEST_F(TextPortsTest, AClientForWhomMoreThanSixtyFourKilobytesWaitIsClosed) {
+  Client client(io);
+  client.ExpectBytes(kGreeting);
+  const std::string kilobyte(1024, 'x');
+  EXPECT_EQ(Run([&] {
+              for (int i = 0; i < 64; ++i) ports.ShowReport(kilobyte);
+              return ports.ClientCount();
+            }),
+            0U);
+}
+
+// What the system holds for it comes on top of that.
 TEST_F(TextPortsTest, AClientThatDoesNotReadIsClosedWellBeforeAMegabyte) {
   Client client(io);
   client.ExpectBytes(kGreeting);
