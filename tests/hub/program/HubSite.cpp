@@ -18,6 +18,11 @@ std::string RequestText(const std::string& verb, const std::string& path, const 
   return request + "\r\n" + body;
 }
 
+std::string Between(const std::string& text, const std::string& before, const std::string& after) {
+  const size_t begin = text.find(before) + before.size();
+  return text.substr(begin, text.find(after, begin) - begin);
+}
+
 }  // namespace
 
 std::string WholeAnswer::ReadAll() {
@@ -93,6 +98,20 @@ void HubSite::AddAccount(const std::string& name, const std::string& role) {
       "POST", "/api/accounts",
       R"({"account":")" + name + R"(","password":"correct horse","role":")" + role + R"("})");
   EXPECT_EQ(StatusOf(answer), 200) << answer;
+}
+
+std::string HubSite::LogIn(const std::string& name) {
+  const std::string answer =
+      Ask("POST", "/api/session", R"({"account":")" + name + R"(","password":"correct horse"})");
+  EXPECT_EQ(StatusOf(answer), 200) << answer;
+  return "Cookie: " + Between(answer, "Set-Cookie: ", ";") + "\r\n";
+}
+
+std::string HubSite::AddToken(const std::string& name, const std::string& role) {
+  const std::string answer =
+      AskLocally("POST", "/api/tokens", R"({"name":")" + name + R"(","role":")" + role + R"("})");
+  EXPECT_EQ(StatusOf(answer), 200) << answer;
+  return Between(answer, R"("token":")", "\"");
 }
 
 Client HubSite::Greeted(int port) {

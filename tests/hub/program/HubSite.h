@@ -43,6 +43,9 @@ class HubSite : public SiteTest {
                                 const std::string& body = "");
   static int StatusOf(const std::string& answer);
   static void AddAccount(const std::string& name, const std::string& role);
+  // Of an account of that kind: the header of its new session.
+  static std::string LogIn(const std::string& name);
+  static std::string AddToken(const std::string& name, const std::string& role);  // its secret
 
   static Client Greeted(int port);
 

@@ -2,9 +2,11 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "HubSite.h"
+#include "kit/Ports.h"
 
 class HubTest : public HubSite {};
 
@@ -107,6 +109,43 @@ TEST_F(HubTest, ItMakesTheFolderOfItsSocketAndCanBeWithoutIt) {
   EXPECT_TRUE(WaitUntil([&second] {
     return second.Errors().find("cannot listen on /run/qelm-hub/hub.sock: ") != std::string::npos;
   }));
+}
+
+TEST_F(HubTest, WithoutSettingsItFindsADaemonOnItsUsualPortsAndServesLoopback) {
+  ASSERT_EQ(std::system("mount -t tmpfs tmpfs /var/lib"), 0);  // its store
+  WriteConfig({.percent = "80", .poll = "TRUE"});
+  std::string config = ReadFile(kConfigPath);
+  for (const char port : {'1', '2', '3'})  // 5001 to 5003
+    config.replace(config.find(std::string("500") + port), 4, std::string("501") + char(port - 1));
+  WriteConfigText(config);
+  StartBus();
+  StartDaemon();
+  std::filesystem::remove("/etc/qelm/qelm-hub.toml");
+  const TempDir folder;
+  virtualbus::Program bare(folder, QELM_HUB_BINARY, {"--socket", kHubSocket});
+  ASSERT_TRUE(WaitUntil([] { return IsListening(kTextIo) && IsListening(kWeb); }));
+  EXPECT_TRUE(WaitUntil([] {
+    return Ask("GET", "/api/cards/5").find(R"("state":"present")") != std::string::npos;
+  })) << bare.Errors();
+}
+
+// A pulse that was under way comes back to what it began from.
+TEST_F(HubTest, WhatWasAskedForOutlivesAPowerCut) {
+  StartAll();
+  EXPECT_EQ(StatusOf(Ask("PUT", "/api/channels/5.0", R"({"value":true})")), 200);
+  EXPECT_EQ(StatusOf(Ask("PUT", "/api/channels/5.1", R"({"value":true,"pulse":600000})")), 200);
+  ExpectHeld("5", "Lines FC FF");
+  ASSERT_TRUE(WaitUntil([] {
+    return AskLocally("GET", "/metrics").find("\nqelm_store_documents_waiting 0\n") !=
+           std::string::npos;
+  }));
+  hub->Signal(SIGKILL);
+  EXPECT_EQ(hub->WaitForExit(), -1);
+  daemon.Kill(SIGKILL);
+  daemon.WaitForEnd();
+  StartDaemon();
+  StartHub();
+  ExpectHeld("5", "Lines FE FF");
 }
 
 TEST_F(HubTest, WhatWasAskedForOutlivesHubAndDaemon) {

@@ -6,7 +6,10 @@
 #include <filesystem>
 
 #include "HubSite.h"
+#include "WebClient.h"
 #include "kit/Ports.h"
+
+using hub::http::WebClient;
 
 namespace {
 
@@ -92,9 +95,13 @@ TEST_F(LoginTest, NoRouteAnswersWithoutALogin) {
     EXPECT_EQ(StatusOf(answer), 401) << route.verb << ' ' << route.path << '\n' << answer;
     const std::string body = Ask(route.verb, route.path, "{}", "Authorization: Bearer \r\n");
     EXPECT_EQ(StatusOf(body), 401) << route.verb << ' ' << route.path << '\n' << body;
+    const char* const other = route.verb == std::string("GET") ? "HEAD" : "OPTIONS";
+    for (const char* verb : {other, "OPTIONS"})
+      EXPECT_EQ(StatusOf(Ask(verb, route.path)), 401) << verb << ' ' << route.path;
   }
   for (const char* path : {"/metrics", "/api/openapi.json", "/api/live"})
-    EXPECT_EQ(StatusOf(Ask("GET", path)), 401) << path;
+    for (const char* verb : {"GET", "HEAD", "OPTIONS"})
+      EXPECT_EQ(StatusOf(Ask(verb, path)), 401) << verb << ' ' << path;
   const std::string table = AskLocally("GET", "/api/openapi.json");
   EXPECT_EQ(Count(table, "\"operationId\""), std::size(kRoutes) + kRoutesElsewhere);
 }
@@ -147,23 +154,48 @@ TEST_F(LoginTest, NoTextPortServesWithoutAToken) {
 
 TEST_F(LoginTest, ThePageAndItsHealthAreThereBeforeTheLogin) {
   StartWithAccount();
-  for (const char* path : {"/", "/healthz", "/api/session"})
+  for (const char* path : {"/", "/healthz", "/api/session"}) {
     EXPECT_EQ(StatusOf(Ask("GET", path)), 200) << path;
+    EXPECT_EQ(StatusOf(Ask("OPTIONS", path)), 204) << path;
+  }
   EXPECT_EQ(StatusOf(Ask("DELETE", "/api/session")), 200);
 }
 
 TEST_F(LoginTest, ALoginBringsACookieThatOpensTheDoors) {
   StartWithAccount();
-  const std::string answer =
-      Ask("POST", "/api/session", R"({"account":"operator","password":"correct horse"})");
-  ASSERT_EQ(StatusOf(answer), 200) << answer;
-  const size_t at = answer.find("Set-Cookie: ") + 12;
-  const std::string cookie = "Cookie: " + answer.substr(at, answer.find(';', at) - at) + "\r\n";
+  const std::string cookie = LogIn("operator");
   EXPECT_EQ(StatusOf(Ask("GET", "/api/bus", "", cookie)), 200);
   EXPECT_EQ(StatusOf(Ask("POST", "/api/bus/discover", "", cookie)), 200)
       << "without a body or type";
   EXPECT_EQ(StatusOf(Ask("DELETE", "/api/session", "", cookie)), 200);
   EXPECT_EQ(StatusOf(Ask("GET", "/api/bus", "", cookie)), 401);
+}
+
+TEST_F(LoginTest, FurtherHostsAndProxiesAreThoseOfTheSettings) {
+  StartAll("[http]\nhosts = [\"bench.local\"]\nproxies = [\"127.0.0.1\"]\n");
+  AddAccount("operator", "admin");
+  for (const auto& [host, status] : {std::pair{"bench.local", 200}, {"shed.local", 403}}) {
+    const std::string request = std::string("GET /api/session HTTP/1.1\r\nHost: ") + host;
+    EXPECT_EQ(WebClient::ToPort(kWeb).Ask(request + "\r\n\r\n").status, status) << host;
+  }
+  const std::string body = R"({"account":"operator","password":"correct horse"})";
+  const auto cookie = [&](const std::string& fields) {
+    return WebClient::ToPort(kWeb)
+        .Write("POST", "/api/session", body, fields)
+        .fields.at("set-cookie");
+  };
+  EXPECT_NE(cookie("X-Forwarded-Proto: https\r\n").find("; Secure"), std::string::npos);
+  EXPECT_EQ(cookie("").find("; Secure"), std::string::npos);
+}
+
+TEST_F(LoginTest, AsManyConnectionsAsTheSettingsSay) {
+  StartAll("[http]\nmax-connections = 2\n");
+  std::vector<WebClient> clients;
+  for (int i = 0; i < 2; ++i) {
+    clients.push_back(WebClient::ToPort(kWeb));
+    EXPECT_EQ(clients.back().Get("/healthz").status, 200);
+  }
+  EXPECT_EQ(WebClient::ToPort(kWeb).Read().status, 503);
 }
 
 TEST_F(LoginTest, TheFirstAccountClosesTheTextPortsToWhoCameWithoutOne) {
@@ -202,9 +234,7 @@ TEST_F(LoginTest, WhatOthersReachIsNotServedBeforeThereIsAnAccountAndTls) {
 TEST_F(LoginTest, QelmctlSpeaksTlsAndSaysWhatToDoWhereItTrustsNobody) {
   StartAll();
   AddAccount("operator", "admin");
-  const std::string made = AskLocally("POST", "/api/tokens", R"({"name":"ctl","role":"view"})");
-  const size_t at = made.find("\"token\":\"") + 9;
-  WriteFile("/run/test/token", made.substr(at, made.find('"', at) - at) + "\n");
+  WriteFile("/run/test/token", AddToken("ctl", "view") + "\n");
   ASSERT_EQ(std::system("ip address add 10.9.8.7/32 dev lo && cd /run/test && "
                         "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes "
                         "-config /dev/null -subj /CN=hub -days 2 -addext "

@@ -148,3 +148,23 @@ TEST_F(ServiceTest, ItMayOpenAsManyFilesAsTheSystemAllows) {
   ASSERT_EQ(prlimit(hub->Pid(), RLIMIT_NOFILE, nullptr, &limit), 0);
   EXPECT_EQ(limit.rlim_cur, 4096U);
 }
+
+TEST_F(ServiceTest, ACheckOfTheSettingsSaysWhatIsWrongAndServesNobody) {
+  const TempDir folder;
+  const auto outcome = [&folder](const std::string& text) {
+    const std::string file = folder.Write("hub.toml", text);
+    virtualbus::Program check(folder, QELM_HUB_BINARY, {"--config", file, "--check"});
+    const int status = check.WaitForExit();
+    EXPECT_EQ(check.Output(), "");
+    std::string said = check.Errors();
+    for (size_t at; (at = said.find(file)) != std::string::npos;)
+      said.replace(at, file.size(), "F");
+    return std::to_string(status) + ' ' + said;
+  };
+  EXPECT_EQ(outcome("[http]\nmax-connections = 2\n"), "0 ");
+  EXPECT_EQ(outcome("[htpp]\n"), "1 F:1:2: unknown section `htpp`; is it `http`?\n");
+  EXPECT_EQ(outcome("[daemon]\ncea = 1\n[htpp]\n"),
+            "1 F:2:1: unknown key `cea`; is it `cae`?\n"
+            "F:3:2: unknown section `htpp`; is it `http`?\n");
+  EXPECT_FALSE(IsListening(kWeb));
+}
