@@ -38,11 +38,22 @@ constexpr std::array<VerbRow, 6> kVerbs{{
     {"DELETE", Verb::kDelete, false},  // no page of another site can send one unasked
 }};
 
-std::string AllowedOn(std::string_view path) {
-  std::string allowed;
-  for (const VerbRow& row : kVerbs)
-    if (api::FindRoute(row.verb, path).method != nullptr) allowed += std::string(row.method) + ", ";
-  return allowed.empty() ? allowed : allowed + "OPTIONS";
+// What a path takes, and who may know: whoever may do the least of it.
+struct Allowed {
+  std::string verbs;  // empty: there is no such path
+  Role role = Role::kAdmin;
+};
+
+Allowed AllowedOn(std::string_view path) {
+  Allowed allowed;
+  for (const VerbRow& row : kVerbs) {
+    const api::Method* const method = api::FindRoute(row.verb, path).method;
+    if (method == nullptr) continue;
+    allowed.verbs += std::string(row.method) + ", ";
+    allowed.role = std::min(allowed.role, method->role);
+  }
+  if (!allowed.verbs.empty()) allowed.verbs += "OPTIONS";
+  return allowed;
 }
 
 Response WithAllow(Response response, std::string allowed) {
@@ -171,8 +182,8 @@ Answer Router::AskLive(const Request& request) const {
   const auto admitted = gate_.Admit(request, TicketIn(request));
   if (const auto* problem = std::get_if<Problem>(&admitted)) return {Refusal(*problem), {}};
   const Caller& caller = std::get<Caller>(admitted);
-  if (request.method != "GET") return {OtherVerb("GET"), {}};
   if (auto problem = CheckRole(caller, Role::kView)) return {Refusal(*problem), {}};
+  if (request.method != "GET") return {OtherVerb("GET"), {}};
   if (!request.is_upgrade) {
     Response response = Refusal(ProblemOf(426, "this is a WebSocket"));
     response.fields.push_back({"Upgrade", "websocket"});
@@ -182,13 +193,16 @@ Answer Router::AskLive(const Request& request) const {
 }
 
 asio::awaitable<Response> Router::AskApi(Request request, Caller caller) {
-  const std::string allowed = AllowedOn(request.path);
-  if (allowed.empty()) co_return NotFound();
-  if (request.method == "OPTIONS") co_return WithAllow({204, {}, {}}, allowed);
+  const auto [verbs, role] = AllowedOn(request.path);
+  if (verbs.empty()) co_return NotFound();
+  if (request.method == "OPTIONS") {
+    if (const auto problem = CheckRole(caller, role)) co_return Refusal(*problem);
+    co_return WithAllow({204, {}, {}}, verbs);
+  }
   const auto* verb = std::ranges::find(kVerbs, request.method, &VerbRow::method);
-  if (verb == kVerbs.end()) co_return OtherVerb(allowed);
+  if (verb == kVerbs.end()) co_return OtherVerb(verbs);
   api::RouteMatch match = api::FindRoute(verb->verb, request.path);
-  if (match.method == nullptr) co_return OtherVerb(allowed);
+  if (match.method == nullptr) co_return OtherVerb(verbs);
   if (const auto problem = CheckRole(caller, match.method->role)) co_return Refusal(*problem);
   if (const auto problem = CheckSite(request)) co_return Refusal(*problem);
   if (const auto problem = CheckType(request, *verb)) co_return Refusal(*problem);
@@ -203,12 +217,13 @@ asio::awaitable<Response> Router::AskApi(Request request, Caller caller) {
 
 // What only reads, and is no method.
 Response Router::AskRest(const Request& request, const Caller& caller) const {
+  const bool is_open = request.path != kOpenApi && request.path != "/metrics";
+  if (!is_open)
+    if (const auto problem = CheckRole(caller, Role::kView)) return Refusal(*problem);
   if (request.method == "OPTIONS") return WithAllow({204, {}, {}}, "GET, HEAD, OPTIONS");
   if (request.method != "GET" && request.method != "HEAD") return OtherVerb("GET, HEAD, OPTIONS");
   if (request.path == "/healthz") return Health(house_.bus);
-  const bool is_open = request.path != kOpenApi && request.path != "/metrics";
   if (is_open) return page_.Answer(request);
-  if (const auto problem = CheckRole(caller, Role::kView)) return Refusal(*problem);
   if (request.path == kOpenApi) return Json(api::ToText(api::OpenApiDocument()));
   Response response = Json(metrics_());
   response.fields[0].value = "text/plain; version=0.0.4; charset=utf-8";
