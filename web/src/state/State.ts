@@ -25,7 +25,8 @@ export interface Notice {
 
 // Outputs that were switched off together, and what they were.
 export interface AllOff {
-  until: number; // ms, this machine's clock: it can be undone till then
+  stage: 'going' | 'off' | 'waiting' | 'partly'; // waiting for the adapter; not all were reached
+  until: number | null; // ms, this machine's clock: it can be undone till then
   before: Record<string, Record<string, Value>>; // by address and number
 }
 

@@ -6,16 +6,24 @@ import { numberOf } from './select.js';
 
 export type Values = Record<string, Value>; // by the number of the channel
 
-const middle = 0x80; // where a motor with a silent range stands
+const middle = 0x80; // where a drive with a silent range stands; less is backward
 const drives = 3; // the fourth channel of a motor is its control byte
 
-export function offValues(card: Card, silentRanges: readonly (number | null)[]): Values {
+// null: how a drive stands still is not known before the card has told its silent ranges.
+export function offValues(card: Card, silentRanges: readonly (number | null)[]): Values | null {
   if (card.kind === 'digital-output') return valuesOf(card.channels, () => false);
   if (card.kind !== 'motor') return {};
-  return valuesOf(card.channels.slice(0, drives), (channel) => {
-    const isSigned = channel.min !== null && channel.min < 0;
-    return !isSigned && (silentRanges[numberOf(channel)] ?? 0) > 0 ? middle : 0;
-  });
+  const own = card.channels.slice(0, drives);
+  const values = valuesOf(own, (drive) => standstill(drive, silentRanges[numberOf(drive)] ?? null));
+  return Object.values(values).includes(null) ? null : values;
+}
+
+// Signed drives are those that somebody has said to have a silent range.
+function standstill({ min }: Channel, silentRange: number | null): number | null {
+  const isSigned = min !== null && min < 0;
+  if (silentRange === 0) return isSigned ? min : 0;
+  if (isSigned) return 0;
+  return silentRange === null ? null : middle;
 }
 
 // What is not known cannot be put back.

@@ -176,7 +176,14 @@ export const en = {
     hold: 'All outputs off',
     hint: 'Hold for a second. Lines go off, motors stand still; servos and displays stay.',
     undo: (seconds: number) => `Undo, ${seconds} s`,
-    done: 'All outputs are off.',
+    stages: {
+      going: 'Switching off. A motor card whose silent ranges nobody has asked for takes 3 s.',
+      off: 'All outputs are off.',
+      waiting: 'All outputs go off as soon as the adapter is back.',
+      partly: 'Not all outputs are off.',
+    },
+    missed: (cards: readonly string[], why: string) => `Not off: ${cards.join(', ')} (${why})`,
+    unknown: 'it does not say how its drives stand still',
   },
   reach: {
     noAnswer: 'The hub does not answer.',

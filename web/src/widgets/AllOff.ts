@@ -1,5 +1,5 @@
 // All outputs off: held for a second, and undone for ten.
-import { css, html, LitElement } from 'lit';
+import { css, html, LitElement, nothing } from 'lit';
 import { customElement, property } from 'lit/decorators.js';
 
 import { want } from '../state/Intent.js';
@@ -38,15 +38,9 @@ export class AllOffButton extends LitElement {
 
   override render() {
     const undo = this.allOff
-      ? html`<span>${text.allOff.done}</span>
-          <button
-            class="key"
-            @click=${() => {
-              want(this, { do: 'undo-all-off' });
-            }}
-          >
-            ${text.allOff.undo(secondsTill(this.allOff.until))}
-          </button>`
+      ? html`<span>${text.allOff.stages[this.allOff.stage]}</span> ${this.renderUndo(
+            this.allOff.until,
+          )}`
       : html`<qelm-hold
           .hint=${text.allOff.hint}
           @held=${() => {
@@ -57,5 +51,17 @@ export class AllOffButton extends LitElement {
           ><span>${text.allOff.hold}</span></qelm-hold
         >`;
     return html`<div role="status">${undo}</div>`;
+  }
+
+  private renderUndo(until: number | null) {
+    if (until === null) return nothing;
+    return html`<button
+      class="key"
+      @click=${() => {
+        want(this, { do: 'undo-all-off' });
+      }}
+    >
+      ${text.allOff.undo(secondsTill(until))}
+    </button>`;
   }
 }

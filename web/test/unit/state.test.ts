@@ -3,7 +3,6 @@ import { test } from 'node:test';
 
 import { Backoff } from '../../src/api/Backoff.js';
 import { Rpc } from '../../src/api/Rpc.js';
-import { offValues, valuesBefore } from '../../src/state/allOff.js';
 import { progressOf } from '../../src/state/firstRun.js';
 import { healthOf } from '../../src/state/health.js';
 import { Latest } from '../../src/state/Latest.js';
@@ -50,23 +49,6 @@ test('whoever asks faster than the hub answers ends with the latest', async () =
   };
   await Promise.all([1, 2, 3, 4].map((value) => latest.run('0.0', task(value))));
   assert.deepEqual(done, [1, 4]);
-});
-
-test('all off: lines go off, motors stand still, the rest stays', () => {
-  const drive = (number: number, min: number) =>
-    channel(`4.${number}`, { type: 'drive', value: 200, min, max: 255 });
-  const motor = card('4', { kind: 'motor', channels: [0, 1, 2, 3].map((n) => drive(n, 0)) });
-  assert.deepEqual(offValues(card('5'), []), { 0: false, 1: false });
-  assert.deepEqual(offValues(motor, [0, 8, null]), { 0: 0, 1: 128, 2: 0 });
-  const signed = card('4', { kind: 'motor', channels: [0, 1, 2].map((n) => drive(n, -100)) });
-  assert.deepEqual(offValues(signed, [8, 8, 8]), { 0: 0, 1: 0, 2: 0 });
-  assert.deepEqual(offValues(card('0', { kind: 'servo' }), []), {});
-});
-
-test('undoing puts back what was known', () => {
-  const lines = [channel('5.0', { value: true }), channel('5.1', { known: false, value: null })];
-  const relays = card('5', { channels: lines });
-  assert.deepEqual(valuesBefore(relays, { 0: false, 1: false }), { 0: true });
 });
 
 test('a value says how sure it is', () => {
