@@ -174,8 +174,10 @@ export const en = {
   theme: { label: 'Appearance', system: 'As the system', dark: 'Dark', light: 'Light' },
   allOff: {
     hold: 'All outputs off',
+    short: 'All off',
     hint: 'Hold for a second. Lines go off, motors stand still; servos and displays stay.',
-    undo: (seconds: number) => `Undo, ${seconds} s`,
+    undo: 'Undo',
+    seconds: (seconds: number) => `${seconds} s`,
     stages: {
       going: 'Switching off. A motor card whose silent ranges nobody has asked for takes 3 s.',
       off: 'All outputs are off.',

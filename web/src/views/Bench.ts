@@ -18,11 +18,9 @@ export class Bench extends LitElement {
   private readonly cards = new Reads(this, (known) => known.cards);
   private readonly arrangement = new Reads(this, (known) => known.arrangement);
   private readonly stale = new Reads(this, isStale);
-  private readonly canUse = new Reads(this, (known) => may(known, 'use'));
   private readonly canArrange = new Reads(this, (known) => may(known, 'admin'));
   private readonly isEmpty = new Reads(this, (known) => presentCards(known).length === 0);
   private readonly hasHands = new Reads(this, hasHands);
-  private readonly allOff = new Reads(this, (known) => known.allOff);
   @state() private isArranging = false;
 
   override render() {
@@ -38,9 +36,6 @@ export class Bench extends LitElement {
       <footer>
         <qelm-legend></qelm-legend>
         ${this.canArrange.value ? this.renderArrange() : nothing}
-        ${this.canUse.value
-          ? html`<qelm-all-off .allOff=${this.allOff.value}></qelm-all-off>`
-          : nothing}
       </footer>`;
   }
 

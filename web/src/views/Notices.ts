@@ -38,6 +38,12 @@ export class Notices extends LitElement {
         gap: 0.5rem;
         width: min(26rem, calc(100vw - 2rem));
       }
+      /* Beside the thumb, what is said of "all outputs off" comes first. */
+      @media (max-width: 639px) {
+        .slips.raised {
+          bottom: calc(5rem + var(--thumb, 0px));
+        }
+      }
       .slip {
         display: flex;
         align-items: center;
@@ -60,6 +66,7 @@ export class Notices extends LitElement {
   ];
 
   private readonly notices = new Reads(this, (state) => state.notices);
+  private readonly allOff = new Reads(this, (state) => state.allOff);
   private readonly connection = new Reads(this, (state) => state.connection);
   private readonly bus = new Reads(this, (state) => state.bus);
 
@@ -70,7 +77,7 @@ export class Notices extends LitElement {
 
   override render() {
     return html`<div role="status">${this.renderStrip()}</div>
-      <div class="slips" role="alert">
+      <div class="slips ${this.allOff.value ? 'raised' : ''}" role="alert">
         ${repeat(
           this.notices.value,
           ({ id }) => id,

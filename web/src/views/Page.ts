@@ -2,6 +2,7 @@
 import { css, html, LitElement, nothing } from 'lit';
 import { customElement, state } from 'lit/decorators.js';
 
+import { may } from '../state/select.js';
 import { Reads, store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -81,6 +82,21 @@ export class Page extends LitElement {
         nav.many a[aria-current] {
           box-shadow: inset 0 2px var(--ink);
         }
+        /* At the thumb, too; the views leave it its place. */
+        qelm-all-off {
+          position: fixed;
+          z-index: 1;
+          inset: auto 0 0 auto;
+          width: 3.5rem;
+          height: calc(var(--thumb) + env(safe-area-inset-bottom));
+          padding-bottom: env(safe-area-inset-bottom);
+          border-top: var(--hair) solid var(--line);
+          border-left: var(--hair) solid var(--line);
+          background: var(--plate);
+        }
+        nav.beside {
+          right: 3.5rem;
+        }
         main.above {
           padding-bottom: calc(var(--thumb) + env(safe-area-inset-bottom));
         }
@@ -89,6 +105,8 @@ export class Page extends LitElement {
   ];
 
   private readonly ownRole = new Reads(this, (known) => known.who?.role);
+  private readonly canUse = new Reads(this, (known) => may(known, 'use'));
+  private readonly allOff = new Reads(this, (known) => known.allOff);
   private readonly busName = new Reads(this, (known) => known.bus?.name);
   @state() private hash = location.hash;
 
@@ -116,7 +134,9 @@ export class Page extends LitElement {
         <qelm-notices></qelm-notices>`;
     const view = viewAt(this.hash, this.offered);
     void view.load();
-    return html`<header><qelm-state-bar>${this.renderNav()}</qelm-state-bar></header>
+    return html`<header>
+        <qelm-state-bar>${this.renderNav()}${this.renderAllOff()}</qelm-state-bar>
+      </header>
       <qelm-notices></qelm-notices>
       <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render(restOf(this.hash))}</main>
       <qelm-channel-menu></qelm-channel-menu>
@@ -131,7 +151,7 @@ export class Page extends LitElement {
     const offered = this.offered;
     if (offered.length < 2) return nothing;
     const current = viewAt(this.hash, offered);
-    return html`<nav class="many" aria-label=${text.nav.label}>
+    return html`<nav class="many ${this.canUse.value ? 'beside' : ''}" aria-label=${text.nav.label}>
       ${offered.map(
         (view) =>
           html`<a href="#${view.name}" aria-current=${view === current ? 'page' : nothing}>
@@ -140,6 +160,11 @@ export class Page extends LitElement {
           </a>`,
       )}
     </nav>`;
+  }
+
+  private renderAllOff() {
+    if (!this.canUse.value) return nothing;
+    return html`<qelm-all-off slot="end" .allOff=${this.allOff.value}></qelm-all-off>`;
   }
 
   private readonly onHash = (): void => {

@@ -43,7 +43,7 @@ export class StateBar extends LitElement {
       ${this.missed.value > 0
         ? html`<span class="missed">${text.state.missed(this.missed.value)}</span>`
         : nothing}
-      ${this.renderWho()}`;
+      ${this.renderWho()}<slot name="end"></slot>`;
   }
 
   private renderPart({ part, sign, word, detail }: Health) {

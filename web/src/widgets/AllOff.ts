@@ -1,4 +1,5 @@
-// All outputs off: held for a second, and undone for ten.
+// All outputs off: held for a second, and undone for ten. What has become of it is said in a slip
+// beside it, and the keyboard goes there and back.
 import { css, html, LitElement, nothing } from 'lit';
 import { customElement, property } from 'lit/decorators.js';
 
@@ -13,11 +14,8 @@ export class AllOffButton extends LitElement {
   static override styles = [
     base,
     css`
-      div {
-        display: flex;
-        align-items: center;
-        gap: 0.75rem;
-        font-size: 0.8125rem;
+      :host {
+        position: relative;
       }
       svg {
         width: 1rem;
@@ -26,42 +24,111 @@ export class AllOffButton extends LitElement {
         stroke: var(--wrong);
         stroke-width: 1.5;
       }
+      .short {
+        display: none;
+      }
+      .slip {
+        position: absolute;
+        right: 0;
+        top: calc(100% + 0.5rem);
+        display: flex;
+        align-items: center;
+        gap: 0.75rem;
+        width: max-content;
+        max-width: min(26rem, calc(100vw - 1rem));
+        padding: 0.5rem 0.5rem 0.5rem 0.75rem;
+        border: var(--hair) solid var(--edge);
+        border-radius: 2px;
+        background: var(--plate);
+        font-size: 0.875rem;
+      }
+      .seconds {
+        color: var(--faint);
+      }
+      @media (max-width: 639px) {
+        qelm-hold,
+        qelm-hold::part(button) {
+          width: 100%;
+          height: 100%;
+        }
+        qelm-hold::part(button) {
+          flex-direction: column;
+          gap: 0.125rem;
+          padding: 0;
+          border: 0;
+          font-size: 0.6875rem;
+        }
+        svg {
+          width: 1.25rem;
+          height: 1.25rem;
+        }
+        .long {
+          position: absolute;
+          clip-path: inset(50%);
+        }
+        .short {
+          display: inline;
+        }
+        .slip {
+          top: auto;
+          right: 0.5rem;
+          bottom: calc(100% + 0.5rem);
+        }
+      }
     `,
   ];
 
   @property({ attribute: false }) allOff: AllOff | null = null;
+  private hadUndo = false; // and the keyboard was there
 
   constructor() {
     super();
     new Ticking(this);
   }
 
-  override render() {
-    const undo = this.allOff
-      ? html`<span>${text.allOff.stages[this.allOff.stage]}</span> ${this.renderUndo(
-            this.allOff.until,
-          )}`
-      : html`<qelm-hold
-          .hint=${text.allOff.hint}
-          @held=${() => {
-            want(this, { do: 'all-off' });
-          }}
-          ><svg viewBox="0 0 16 16" aria-hidden="true">
-            <path d="M8 1.5v6M4.6 3.6a5.75 5.75 0 1 0 6.8 0"></path></svg
-          ><span>${text.allOff.hold}</span></qelm-hold
-        >`;
-    return html`<div role="status">${undo}</div>`;
+  override willUpdate(): void {
+    this.hadUndo = this.shadowRoot?.activeElement?.matches('.undo') ?? false;
   }
 
-  private renderUndo(until: number | null) {
+  override render() {
+    const { allOff } = this;
+    return html`<qelm-hold
+        .hint=${text.allOff.hint}
+        @held=${() => {
+          want(this, { do: 'all-off' });
+        }}
+        ><svg viewBox="0 0 16 16" aria-hidden="true">
+          <path d="M8 1.5v6M4.6 3.6a5.75 5.75 0 1 0 6.8 0"></path></svg
+        ><span class="long">${text.allOff.hold}</span
+        ><span class="short" aria-hidden="true">${text.allOff.short}</span></qelm-hold
+      >
+      <div class=${allOff ? 'slip' : ''}>
+        <span role="status">${allOff ? text.allOff.stages[allOff.stage] : nothing}</span>
+        ${this.renderUndo()}
+      </div>`;
+  }
+
+  override updated(): void {
+    const undo = this.renderRoot.querySelector<HTMLElement>('.undo');
+    if (this.hadUndo && !undo) this.renderRoot.querySelector<HTMLElement>('qelm-hold')?.focus();
+    if (undo && !this.hadUndo && this.shadowRoot?.activeElement) undo.focus();
+  }
+
+  // The key that held the other button is still down: its repetitions are not meant for this one.
+  private renderUndo() {
+    const until = this.allOff?.until ?? null;
     if (until === null) return nothing;
     return html`<button
-      class="key"
+      class="key undo"
+      @keydown=${(event: KeyboardEvent) => {
+        if (event.repeat) event.preventDefault();
+      }}
       @click=${() => {
         want(this, { do: 'undo-all-off' });
       }}
     >
-      ${text.allOff.undo(secondsTill(until))}
+      ${text.allOff.undo}
+      <span class="seconds" aria-hidden="true">${text.allOff.seconds(secondsTill(until))}</span>
     </button>`;
   }
 }

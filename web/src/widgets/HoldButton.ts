@@ -8,6 +8,7 @@ const holdTime = 1000; // ms
 
 @customElement('qelm-hold')
 export class HoldButton extends LitElement {
+  static override shadowRootOptions = { ...LitElement.shadowRootOptions, delegatesFocus: true };
   static override styles = [
     base,
     css`
@@ -43,6 +44,7 @@ export class HoldButton extends LitElement {
 
   override render() {
     return html`<button
+      part="button"
       class="key ${this.isHolding ? 'holding' : ''}"
       aria-description=${this.hint}
       title=${this.hint}

@@ -141,12 +141,12 @@ export class Person {
     await this.page.getByRole('button', { name: button }).click();
   }
 
-  // Till it has done what it is held for.
+  // Till it has done what it is held for, and offers to undo it.
   async holds(button: string): Promise<void> {
     const held = this.page.getByRole('button', { name: button });
     await held.hover();
     await this.page.mouse.down();
-    await held.waitFor({ state: 'detached' });
+    await this.page.getByRole('button', { name: 'Undo', exact: true }).waitFor();
     await this.page.mouse.up();
   }
 

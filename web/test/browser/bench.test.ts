@@ -120,6 +120,17 @@ test('a code that gets a name is a button', async () => {
   );
 });
 
+test('a motor whose silent range nobody has asked for stands still, not backward', async () => {
+  await site.api('POST', '/api/console', { line: 'SETMSR0:4=10' });
+  await site.api('PUT', '/api/channels/4.0', { value: 200 });
+  await anna.sees('Belt, drive', '200');
+  await site.frame('10 04 04 80 00 00', () => anna.holds('All outputs off'));
+  await anna.reads('All outputs are off.');
+  await anna.sees('Belt, drive', '128');
+  await anna.presses('Undo');
+  await anna.sees('Belt, drive', '200');
+});
+
 test('all outputs off needs a second, and is undone', async () => {
   await site.api('PATCH', '/api/cards/5', { 0: true, 7: true });
   await anna.sees('Fan', 'on');
@@ -131,6 +142,26 @@ test('all outputs off needs a second, and is undone', async () => {
   await anna.presses(/^Undo/);
   await anna.sees('Lamp', 'on');
   await anna.sees('Fan', 'on');
+});
+
+test('all outputs off and its undoing are within reach of the keyboard', async () => {
+  const { keyboard } = anna.page;
+  await site.api('PATCH', '/api/cards/5', { 0: true, 7: true });
+  await anna.sees('Lamp', 'on');
+  await anna.page.getByRole('button', { name: 'All outputs off' }).focus();
+  await keyboard.down('Space');
+  const undo = anna.page.getByRole('button', { name: 'Undo', exact: true });
+  await undo.waitFor();
+  await keyboard.down('Space'); // it repeats as long as it is held
+  await keyboard.up('Space');
+  await anna.sees('Lamp', 'off');
+  await keyboard.press('Space');
+  await undo.waitFor({ state: 'detached' });
+  await anna.sees('Lamp', 'on');
+  const hold = anna.page.getByRole('button', { name: 'All outputs off' });
+  await eventually('the keyboard is back', async () =>
+    hold.evaluate((button) => button.matches(':focus')),
+  );
 });
 
 test('what the hub refuses is said in its words', async () => {

@@ -66,7 +66,7 @@ test('nothing is called off before it is off', async () => {
   assert.equal(hub.asked.length, 1);
   answer(card('5', { channels: [channel('5.0', { pending: true })] }));
   await switching;
-  assert.equal(hub.state.allOff?.stage, 'waiting');
+  assert.equal(hub.state.allOff.stage, 'waiting');
 });
 
 test('a card that fails keeps no other from being switched, and is named', async () => {
