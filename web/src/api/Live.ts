@@ -20,6 +20,7 @@ export interface Hearer {
 // A socket can be dead unnoticed, after a sleep or a pulled cable: whoever is silent is asked.
 const lookEvery = 15_000;
 const answerWithin = 5000;
+const openWithin = 10_000; // a handshake can stay without an answer for minutes
 
 export class Live {
   private socket: WebSocket | null = null;
@@ -27,6 +28,7 @@ export class Live {
   private readonly backoff = new Backoff();
   private retry: ReturnType<typeof setTimeout> | undefined;
   private look: ReturnType<typeof setInterval> | undefined;
+  private giveUp: ReturnType<typeof setTimeout> | undefined; // while it opens
   private sequence: number | null = null; // of the last message
   private isSubscribed = false;
   private heard = 0;
@@ -49,7 +51,10 @@ export class Live {
       },
     );
     this.socket = socket;
-    socket.onopen = () => void this.subscribe();
+    socket.onopen = () => {
+      clearTimeout(this.giveUp);
+      void this.subscribe();
+    };
     socket.onmessage = (event: MessageEvent<string>) => {
       this.heard = Date.now();
       this.rpc?.take(event.data);
@@ -57,6 +62,9 @@ export class Live {
     socket.onclose = () => {
       this.lose();
     };
+    this.giveUp = setTimeout(() => {
+      this.lose();
+    }, openWithin);
     this.look = setInterval(() => {
       this.probe(lookEvery);
     }, lookEvery);
@@ -65,6 +73,7 @@ export class Live {
   stop(): void {
     clearTimeout(this.retry);
     clearInterval(this.look);
+    clearTimeout(this.giveUp);
     this.isSubscribed = false;
     const socket = this.socket;
     this.socket = null;
@@ -74,9 +83,10 @@ export class Live {
     this.rpc = null;
   }
 
-  // When the tab or the network comes back: no waiting for the next look or try.
+  // When the tab or the network comes back: no waiting for the next look or try, nor for a
+  // handshake that began in the network of before.
   wake(): void {
-    if (this.socket) {
+    if (this.socket?.readyState === WebSocket.OPEN) {
       this.probe(0);
       return;
     }
