@@ -17,6 +17,7 @@ export type Action =
   | { type: 'connection'; state: Connection; nextTry: number | null; now: number }
   | { type: 'who'; who: Who }
   | { type: 'snapshot'; snapshot: Snapshot; now: number }
+  | { type: 'counted' } // it is time to know of all cards
   | { type: 'changes'; changes: Changes; now: number }
   | { type: 'card'; card: Card; now: number } // an answer; the same comes as a change
   | { type: 'channel'; channel: Channel; now: number }

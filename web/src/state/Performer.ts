@@ -19,6 +19,7 @@ import type { Store } from './Store.js';
 import { VirtualHands } from './VirtualHands.js';
 
 const noticeTime = 12_000; // ms
+const countTime = 12_000; // within which a daemon that is up has found its cards
 
 const deeds: Deeds<Intent> = {
   ...benchDeeds,
@@ -35,6 +36,7 @@ export class Performer implements Hub {
   readonly latest = new Latest();
   readonly hands: VirtualHands;
   private lastNotice = 0;
+  private counting: ReturnType<typeof setTimeout> | undefined;
 
   constructor(
     private readonly store: Store,
@@ -48,9 +50,11 @@ export class Performer implements Hub {
       },
       snapshot: (snapshot) => {
         this.dispatch({ type: 'snapshot', snapshot, now: Date.now() });
+        this.endCounting();
       },
       changes: (changes) => {
         this.dispatch({ type: 'changes', changes, now: Date.now() });
+        if (changes.bus) this.endCounting();
       },
     });
     this.hands = new VirtualHands(store, (method, params) => this.live.call(method, params));
@@ -90,6 +94,15 @@ export class Performer implements Hub {
     setTimeout(() => {
       this.dispatch({ type: 'noticed', id });
     }, noticeTime);
+  }
+
+  // Where no card is left, none is told of.
+  private endCounting(): void {
+    clearTimeout(this.counting);
+    if (!this.state.isCounting || this.state.bus?.daemon.state !== 'up') return;
+    this.counting = setTimeout(() => {
+      this.dispatch({ type: 'counted' });
+    }, countTime);
   }
 
   private hold(doing: Promise<unknown> | undefined): void {

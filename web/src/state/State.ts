@@ -37,6 +37,7 @@ export interface State {
   who: Who | null; // null: not asked yet
   bus: Bus | null;
   cards: Cards;
+  isCounting: boolean; // a hub that began anew has told of no card yet: these are from before
   boards: BoardRows; // the others on the broker
   boardCards: BoardCards; // of those that somebody has looked at
   missed: number; // events that this page has lost
@@ -62,6 +63,7 @@ export const beginning: State = {
   who: null,
   bus: null,
   cards: {},
+  isCounting: false,
   boards: {},
   boardCards: {},
   missed: 0,

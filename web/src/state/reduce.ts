@@ -1,7 +1,7 @@
 // The next state after an action. Pure.
 import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
 import type { Action } from './Actions.js';
-import { boardCardsAfter, boardsAfter, boardsOf } from './boards.js';
+import { boardCardsAfter, boardsAfter, boardsOf, byAddress } from './boards.js';
 import { withChannels } from './cards.js';
 import { addKeys, addTurns, codesAfter, trailsAfter } from './memory.js';
 import { plotsAfter } from './plots.js';
@@ -19,6 +19,8 @@ export function reduce(state: State, action: Action): State {
       return takeSnapshot(state, action.snapshot, action.now);
     case 'changes':
       return takeChanges(state, action.changes, action.now);
+    case 'counted':
+      return counted(state, []);
     case 'card':
       return takeCards(state, [action.card], action.now);
     case 'channel':
@@ -46,20 +48,17 @@ function connected(state: State, action: Action & { type: 'connection' }): State
   return { ...state, connection: action.state, nextTry, lostSince };
 }
 
-// Cards that were here and are not in it any more are kept as absent: the bench shows that they
-// are missing.
+// A hub that begins anew has no card before the daemon has greeted it: then all at once.
 function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
-  const present = new Set(snapshot.cards.map((card) => card.address));
-  const gone = Object.values(state.cards)
-    .filter((card) => !present.has(card.address))
-    .map((card) => ({ ...card, state: 'absent' as const }));
   const isSameBus = state.bus?.id === snapshot.bus.id;
   const base: State = isSameBus
     ? state
     : { ...state, cards: {}, keys: {}, turns: {}, codes: {}, trails: {} };
-  const next = takeCards(base, [...(isSameBus ? gone : []), ...snapshot.cards], now);
+  const isCounting = snapshot.cards.length === 0 && Object.keys(base.cards).length > 0;
+  const next = takeCards(isCounting ? base : counted(base, snapshot.cards), snapshot.cards, now);
   return {
     ...next,
+    isCounting,
     bus: snapshot.bus,
     arrangement: snapshot.page,
     boards: boardsOf(snapshot.boards),
@@ -70,7 +69,8 @@ function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
 }
 
 function takeChanges(state: State, changes: Changes, now: number): State {
-  let next = takeCards(state, changes.cards, now);
+  const isCounted = state.isCounting && changes.cards.length > 0;
+  let next = takeCards(isCounted ? counted(state, changes.cards) : state, changes.cards, now);
   next = takeChannels(next, changes.channels, now);
   return {
     ...next,
@@ -82,6 +82,16 @@ function takeChanges(state: State, changes: Changes, now: number): State {
     turns: addTurns(next.turns, changes.events),
     missed: next.missed + changes.lost,
   };
+}
+
+// Cards that were here and are not any more are kept as absent: the bench shows that they are
+// missing.
+function counted(state: State, present: readonly Card[]): State {
+  const found = new Set(present.map(({ address }) => address));
+  const cards = Object.values(state.cards).map(
+    (card): Card => (found.has(card.address) ? card : { ...card, state: 'absent' }),
+  );
+  return { ...state, cards: byAddress(cards), isCounting: false };
 }
 
 function takeCards(state: State, fresh: readonly Card[], now: number): State {

@@ -20,7 +20,7 @@ export function isPulled({ virtual }: State, address: string): boolean {
 
 // What the page shows was true once, and nobody knows whether it still is.
 export function isStale(state: State): boolean {
-  return state.connection !== 'open' || state.bus?.daemon.state !== 'up';
+  return state.connection !== 'open' || state.bus?.daemon.state !== 'up' || state.isCounting;
 }
 
 // No output follows: the cable is out.

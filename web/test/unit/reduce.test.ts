@@ -4,6 +4,7 @@ import { test } from 'node:test';
 import type { BoardRow, Changes, KeyEvent } from '../../src/api/Shapes.js';
 import type { Action } from '../../src/state/Actions.js';
 import { reduce } from '../../src/state/reduce.js';
+import { isStale } from '../../src/state/select.js';
 import { beginning, type State } from '../../src/state/State.js';
 import { bus, card, channel, snapshot } from './kit.js';
 
@@ -60,6 +61,23 @@ test('a card that a later snapshot leaves out is missing', () => {
   const next = after(subscribed, { type: 'snapshot', snapshot: snapshot([card('5')]), now: 1 });
   assert.equal(next.cards['3']?.state, 'absent');
   assert.equal(next.cards['5']?.state, 'present');
+});
+
+test('cards are kept as from before while a hub that began anew has told of none', () => {
+  const greeting = { ...bus, daemon: { ...bus.daemon, state: 'waiting' as const } };
+  const begun: Action = { type: 'snapshot', snapshot: snapshot([], { bus: greeting }), now: 1 };
+  const open: Action = { type: 'connection', state: 'open', nextTry: null, now: 1 };
+  const before = after(open, subscribed, begun, take({ bus }));
+  assert.deepEqual(
+    Object.values(before.cards).map(({ state }) => state),
+    ['present', 'present'],
+  );
+  assert.equal(isStale(before), true);
+  const next = reduce(before, take({ cards: [card('5')] }));
+  assert.equal(isStale(next), false);
+  assert.equal(next.cards['5']?.state, 'present');
+  assert.equal(next.cards['3']?.state, 'absent');
+  assert.equal(reduce(before, { type: 'counted' }).cards['5']?.state, 'absent');
 });
 
 test('another bus behind the same address begins anew', () => {
