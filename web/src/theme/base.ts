@@ -17,6 +17,10 @@ export const base = css`
     color: inherit;
     letter-spacing: inherit;
   }
+  ::placeholder {
+    color: var(--faint);
+    opacity: 1;
+  }
   button {
     padding: 0;
     border: 0;
