@@ -8,10 +8,13 @@ export class Latest {
       this.next.set(key, task);
       return;
     }
+    let last = Promise.resolve();
     for (let now: (() => Promise<void>) | null = task; now; now = this.next.get(key) ?? null) {
       this.next.set(key, null);
-      await now();
+      last = now();
+      await last.catch(() => undefined); // the latest comes behind a failure, too
     }
     this.next.delete(key);
+    await last;
   }
 }
