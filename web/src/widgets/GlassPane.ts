@@ -1,6 +1,7 @@
 // A display: its glass dot by dot, a line to write in each row, its light, cursor and blinking.
 import { html, LitElement, nothing, svg } from 'lit';
 import { customElement, property, state } from 'lit/decorators.js';
+import { guard } from 'lit/directives/guard.js';
 
 import type { Card, Glass } from '../api/Shapes.js';
 import { allDots, dotsOfRow, drawBlink, drawCursor, glassBox, glassStyle } from '../cards/glass.js';
@@ -50,6 +51,7 @@ export class GlassPane extends LitElement {
     </svg>`;
   }
 
+  // What comes from elsewhere is not written over what somebody is typing.
   private renderControls(glass: Glass) {
     const line = glass.rows[this.row] ?? '';
     return html`<form @submit=${this.write}>
@@ -74,7 +76,7 @@ export class GlassPane extends LitElement {
           spellcheck="false"
           autocomplete="off"
           pattern="[ -~]*"
-          .value=${line.trimEnd()}
+          .value=${guard([this.row], () => line.trimEnd())}
         />
         <button class="key">${text.glass.write}</button>
       </form>
