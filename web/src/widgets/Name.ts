@@ -97,8 +97,8 @@ export class Name extends LitElement {
   }
 
   private onKey(event: KeyboardEvent): void {
-    if (event.key === 'Enter') (event.target as HTMLElement).blur();
-    if (event.key !== 'Escape') return;
+    if (event.key !== 'Enter' && event.key !== 'Escape') return;
+    if (event.key === 'Enter') this.keep(event);
     this.isEdited = false;
     void this.leave();
   }
