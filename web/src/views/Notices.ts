@@ -98,9 +98,9 @@ export class Notices extends LitElement {
   }
 
   private renderStrip() {
-    const { lostSince, nextTry } = store.state;
+    const { lostSince, nextTry, who } = store.state;
     const bus = this.bus.value;
-    if (!bus) return nothing;
+    if (!bus || who?.role === null) return nothing; // who has to log in first waits for nothing
     if (this.connection.value !== 'open' && lostSince !== null)
       return html`<div class="strip">
         ${text.state.lost(formatTime(lostSince))}
