@@ -1,22 +1,23 @@
 // The lines of the virtual bus's control language that a person's hands become. Pure.
 import type { Channel } from '../api/Shapes.js';
 import { numberOf } from './select.js';
+import { isReversed, mostSteps } from './steps.js';
 
 const twoDigits = (byte: number) => byte.toString(16).toUpperCase().padStart(2, '0');
-const most = 255; // of a byte
 
 export type Verb = 'pull' | 'plug';
 
 // A contact stays as it was left: closed by one press, opened by the next.
-export function contactLine(channel: Channel): string {
-  const verb = channel.raw === 1 ? 'release' : 'press';
+export function contactLine(channel: Channel, isClosed = channel.raw === 1): string {
+  const verb = isClosed ? 'release' : 'press';
   return `${verb} ${channel.id.charAt(0)} ${twoDigits(numberOf(channel))}`;
 }
 
 export function levelLine(channel: Channel, value: number): string {
   const { min, max } = channel;
-  const [least, greatest] = [min ?? 0, max ?? most];
-  const byte = Math.round(((value - least) / (greatest - least)) * most);
+  const [least, greatest] = [min ?? 0, max ?? mostSteps];
+  const steps = Math.round(((value - least) / (greatest - least)) * mostSteps);
+  const byte = isReversed(channel) ? mostSteps - steps : steps;
   return `set ${channel.id.charAt(0)} ${twoDigits(numberOf(channel))} ${twoDigits(byte)}`;
 }
 

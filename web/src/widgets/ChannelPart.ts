@@ -2,7 +2,8 @@
 import { html, LitElement, nothing, type TemplateResult } from 'lit';
 import { property } from 'lit/decorators.js';
 
-import type { Channel } from '../api/Shapes.js';
+import type { Channel, Value } from '../api/Shapes.js';
+import { Asked } from '../state/Asked.js';
 import { want } from '../state/Intent.js';
 import { type Certainty, certainty, numberOf } from '../state/select.js';
 import { nameOf, numberedName } from './format.js';
@@ -13,6 +14,7 @@ export abstract class ChannelPart extends LitElement {
   @property({ attribute: false }) channel!: Channel;
   @property({ type: Boolean }) usable = false; // the person may move it
   @property({ type: Boolean }) renamable = false;
+  protected readonly asked = new Asked<Value>();
 
   protected get certainty(): Certainty {
     return certainty(this.channel);
@@ -50,7 +52,13 @@ export abstract class ChannelPart extends LitElement {
       : nothing;
   }
 
+  // What the channel is, or will be as soon as the hub has done what was asked last.
+  protected get wanted(): Value {
+    return this.asked.or(this.channel.value);
+  }
+
   protected set(value: boolean | number): void {
+    this.asked.note(value);
     want(this, { do: 'set', id: this.channel.id, value });
   }
 }

@@ -16,6 +16,9 @@ export class ContactLine extends LinePart {
   protected override readonly draw = drawContact;
 
   protected override flip(): void {
-    want(this, { do: 'hand', line: contactLine(this.channel) });
+    const { raw, value } = this.channel;
+    const isClosed = (raw === 1) === (this.wanted === value);
+    want(this, { do: 'hand', line: contactLine(this.channel, isClosed) });
+    this.asked.note(this.wanted !== true);
   }
 }

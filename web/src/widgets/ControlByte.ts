@@ -79,7 +79,7 @@ export class ControlByte extends ChannelPart {
       aria-checked=${isOn}
       aria-label=${label}
       @click=${() => {
-        this.set(this.byte ^ (1 << bit));
+        this.set(Number(this.wanted ?? 0) ^ (1 << bit));
       }}
     >
       ${drawing}

@@ -11,10 +11,10 @@ import {
 import { property, state } from 'lit/decorators.js';
 
 import { type Dial, valueAt } from '../cards/geometry.js';
+import { mostSteps, stepsOf } from '../state/steps.js';
 import { formatNumber, formatValue } from './format.js';
 import { ChannelPart } from './ChannelPart.js';
 
-const bytes = 255;
 const page = 10; // steps
 const settle = 800; // ms till the hub's value is shown again
 const slop = 6; // pixels that a finger goes before it turns anything: it may want to scroll
@@ -34,7 +34,7 @@ export abstract class DialPart extends ChannelPart {
   }
 
   protected get max(): number {
-    return this.channel.max ?? bytes;
+    return this.channel.max ?? mostSteps;
   }
 
   protected get value(): number | null {
@@ -42,8 +42,18 @@ export abstract class DialPart extends ChannelPart {
     return this.hand ?? (typeof value === 'number' ? value : null);
   }
 
+  private get isSigned(): boolean {
+    return this.min < 0 && this.channel.unit === null;
+  }
+
   private get step(): number {
-    return this.min < 0 && this.channel.unit === null ? 1 : (this.max - this.min) / bytes;
+    return this.isSigned ? 1 : (this.max - this.min) / mostSteps;
+  }
+
+  // Where a key goes on from, in steps: what is shown is rounded, and would stay.
+  private get place(): number {
+    const known = this.hand === null && !this.isSigned ? stepsOf(this.channel) : null;
+    return known ?? ((this.value ?? this.min) - this.min) / this.step;
   }
 
   override willUpdate(changed: PropertyValues<this>): void {
@@ -118,21 +128,21 @@ export abstract class DialPart extends ChannelPart {
   }
 
   private onKey(event: KeyboardEvent): void {
-    const value = this.value ?? this.min;
+    const { place } = this;
     const targets: Record<string, number> = {
-      ArrowUp: value + this.step,
-      ArrowRight: value + this.step,
-      ArrowDown: value - this.step,
-      ArrowLeft: value - this.step,
-      PageUp: value + page * this.step,
-      PageDown: value - page * this.step,
-      Home: this.min,
-      End: this.max,
+      ArrowUp: place + 1,
+      ArrowRight: place + 1,
+      ArrowDown: place - 1,
+      ArrowLeft: place - 1,
+      PageUp: place + page,
+      PageDown: place - page,
+      Home: 0,
+      End: (this.max - this.min) / this.step,
     };
     const target = targets[event.key];
     if (target === undefined) return;
     event.preventDefault();
-    this.choose(target);
+    this.choose(this.min + target * this.step);
     this.letSettle();
   }
 

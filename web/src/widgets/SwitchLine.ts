@@ -14,6 +14,6 @@ export class SwitchLine extends LinePart {
   protected override readonly draw = drawRocker;
 
   protected override flip(): void {
-    this.set(!this.isOn);
+    this.set(this.wanted !== true);
   }
 }

@@ -17,12 +17,15 @@ test('a contact is pressed while its line is low, else let go', () => {
   assert.equal(contactLine(channel('3.6', { raw: 0 })), 'press 3 06');
   assert.equal(contactLine(channel('3.12', { raw: 1 })), 'release 3 0C');
   assert.equal(contactLine(channel('3.6', { raw: null })), 'press 3 06');
+  assert.equal(contactLine(channel('3.6', { raw: 0 }), true), 'release 3 06');
 });
 
 test('a level in its unit becomes a byte', () => {
   assert.equal(levelLine(channel('F.3'), 160), 'set F 03 A0');
   assert.equal(levelLine(channel('F.3', { min: 0, max: 5 }), 2.5), 'set F 03 80');
   assert.equal(levelLine(channel('F.0', { min: -10, max: 10 }), -10), 'set F 00 00');
+  const reversed = channel('F.0', { min: -90, max: 90, value: -90, raw: 255 });
+  assert.equal(levelLine(reversed, 90), 'set F 00 00');
 });
 
 test('keys, turns and cards', () => {

@@ -4,9 +4,11 @@ import { test } from 'node:test';
 import { Backoff } from '../../src/api/Backoff.js';
 import { Rpc } from '../../src/api/Rpc.js';
 import { progressOf } from '../../src/state/firstRun.js';
+import { Asked } from '../../src/state/Asked.js';
 import { healthOf } from '../../src/state/health.js';
 import { Latest } from '../../src/state/Latest.js';
 import { certainty, namedCodes } from '../../src/state/select.js';
+import { stepsOf } from '../../src/state/steps.js';
 import { arrange } from '../../src/views/arrange.js';
 import { bus, card, channel } from './kit.js';
 
@@ -49,6 +51,31 @@ test('whoever asks faster than the hub answers ends with the latest', async () =
   };
   await Promise.all([1, 2, 3, 4].map((value) => latest.run('0.0', task(value))));
   assert.deepEqual(done, [1, 4]);
+});
+
+test('after a failure the latest is asked all the same, and others later', async () => {
+  const latest = new Latest();
+  const done: string[] = [];
+  const fails = () => Promise.reject(new Error('no'));
+  const works = () => Promise.resolve(void done.push('works'));
+  await assert.rejects(latest.run('F.0', fails), { message: 'no' });
+  await Promise.all([latest.run('F.0', fails), latest.run('F.0', works)]);
+  assert.deepEqual(done, ['works']);
+});
+
+test('a press goes on from what was asked last, till the hub has answered', () => {
+  const asked = new Asked<number>();
+  assert.equal(asked.or(0, 0), 0);
+  asked.note(0x80, 1000);
+  assert.equal(asked.or(0, 1200), 0x80);
+  assert.equal(asked.or(0, 1800), 0);
+});
+
+test('a channel stands where its byte says, on the end that its value says', () => {
+  const level = { min: 0, max: 5, value: 3, raw: 140 };
+  assert.equal(stepsOf(level), 140);
+  assert.equal(stepsOf({ min: -90, max: 90, value: 90, raw: 0 }), 255);
+  assert.equal(stepsOf({ ...level, raw: null }), null);
 });
 
 test('a value says how sure it is', () => {
