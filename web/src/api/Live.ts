@@ -12,7 +12,8 @@ import type { Changes, Snapshot } from './Shapes.js';
 export type Connection = 'connecting' | 'open' | 'lost';
 
 export interface Hearer {
-  connection(state: Connection, nextTry: number | null): void; // ms until the next try
+  // In how many ms is the next try, and when (ms) was the hub heard last: null, where not at all.
+  connection(state: Connection, nextTry: number | null, heard: number | null): void;
   snapshot(snapshot: Snapshot): void;
   changes(changes: Changes): void;
 }
@@ -40,7 +41,7 @@ export class Live {
 
   start(): void {
     this.stop();
-    this.hearer.connection('connecting', null);
+    this.tell('connecting', null);
     const socket = new WebSocket(this.url);
     this.rpc = new Rpc(
       (text) => {
@@ -109,10 +110,14 @@ export class Live {
       this.isSubscribed = true;
       this.backoff.reset();
       this.hearer.snapshot(snapshot);
-      this.hearer.connection('open', null);
+      this.tell('open', null);
     } catch {
       this.lose();
     }
+  }
+
+  private tell(state: Connection, nextTry: number | null): void {
+    this.hearer.connection(state, nextTry, this.heard || null);
   }
 
   private takeChanges(changes: Changes): void {
@@ -139,7 +144,7 @@ export class Live {
     if (!this.socket) return; // an answer that failed because it was lost
     this.stop();
     const wait = this.backoff.next();
-    this.hearer.connection('lost', wait);
+    this.tell('lost', wait);
     this.retry = setTimeout(() => {
       this.start();
     }, wait);

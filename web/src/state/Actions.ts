@@ -14,7 +14,13 @@ import type { Cards } from './cards.js';
 import type { AllOff, State } from './State.js';
 
 export type Action =
-  | { type: 'connection'; state: Connection; nextTry: number | null; now: number }
+  | {
+      type: 'connection';
+      state: Connection;
+      nextTry: number | null;
+      heard: number | null;
+      now: number;
+    }
   | { type: 'who'; who: Who }
   | { type: 'snapshot'; snapshot: Snapshot; now: number }
   | { type: 'counted' } // it is time to know of all cards

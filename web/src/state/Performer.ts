@@ -43,8 +43,8 @@ export class Performer implements Hub {
     url: string,
   ) {
     this.live = new Live(url, {
-      connection: (state, nextTry) => {
-        this.dispatch({ type: 'connection', state, nextTry, now: Date.now() });
+      connection: (state, nextTry, heard) => {
+        this.dispatch({ type: 'connection', state, nextTry, heard, now: Date.now() });
         if (state === 'open') void this.hands.look();
         if (state === 'lost') void askWho(this);
       },

@@ -18,6 +18,11 @@ export function addKeys(keys: State['keys'], events: readonly KeyEvent[]): State
   return next;
 }
 
+// A hub that began anew counts from 0: events of before would be taken for newer than its own.
+export function keysBefore(keys: State['keys'], seq: number): State['keys'] {
+  return Object.values(keys).some(([last]) => last && last.seq > seq) ? {} : keys;
+}
+
 export function addTurns(turns: State['turns'], events: readonly KeyEvent[]): State['turns'] {
   const steps = { left: -1, right: 1, press: 0, release: 0 };
   let next = turns;

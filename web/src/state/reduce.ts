@@ -3,7 +3,7 @@ import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
 import type { Action } from './Actions.js';
 import { boardCardsAfter, boardsAfter, boardsOf, byAddress } from './boards.js';
 import { withChannels } from './cards.js';
-import { addKeys, addTurns, codesAfter, trailsAfter } from './memory.js';
+import { addKeys, addTurns, codesAfter, keysBefore, trailsAfter } from './memory.js';
 import { plotsAfter } from './plots.js';
 import type { State } from './State.js';
 
@@ -43,7 +43,8 @@ export function reduce(state: State, action: Action): State {
 }
 
 function connected(state: State, action: Action & { type: 'connection' }): State {
-  const lostSince = action.state === 'open' ? null : (state.lostSince ?? action.now);
+  const lostSince =
+    action.state === 'open' ? null : (state.lostSince ?? action.heard ?? action.now);
   const nextTry = action.nextTry === null ? null : action.now + action.nextTry;
   return { ...state, connection: action.state, nextTry, lostSince };
 }
@@ -62,7 +63,7 @@ function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
     bus: snapshot.bus,
     arrangement: snapshot.page,
     boards: boardsOf(snapshot.boards),
-    keys: addKeys(next.keys, snapshot.events),
+    keys: addKeys(keysBefore(next.keys, snapshot.seq), snapshot.events),
     turns: addTurns(next.turns, snapshot.events),
     missed: next.missed + snapshot.lost,
   };

@@ -66,7 +66,7 @@ test('a card that a later snapshot leaves out is missing', () => {
 test('cards are kept as from before while a hub that began anew has told of none', () => {
   const greeting = { ...bus, daemon: { ...bus.daemon, state: 'waiting' as const } };
   const begun: Action = { type: 'snapshot', snapshot: snapshot([], { bus: greeting }), now: 1 };
-  const open: Action = { type: 'connection', state: 'open', nextTry: null, now: 1 };
+  const open: Action = { type: 'connection', state: 'open', nextTry: null, heard: null, now: 1 };
   const before = after(open, subscribed, begun, take({ bus }));
   assert.deepEqual(
     Object.values(before.cards).map(({ state }) => state),
@@ -80,6 +80,31 @@ test('cards are kept as from before while a hub that began anew has told of none
   assert.equal(reduce(before, { type: 'counted' }).cards['5']?.state, 'absent');
 });
 
+test('what is shown is from when the hub was heard last, not from when that was noticed', () => {
+  const lost: Action = {
+    type: 'connection',
+    state: 'lost',
+    nextTry: 1,
+    heard: 40_000,
+    now: 60_000,
+  };
+  assert.equal(after(subscribed, lost).lostSince, 40_000);
+});
+
+test('keys of a hub that began anew are not taken for old ones', () => {
+  const again: Action = { type: 'snapshot', snapshot: snapshot([card('8')], { seq: 2 }), now: 1 };
+  const next = after(
+    subscribed,
+    take({ events: [key(11, 'press', 5)] }),
+    again,
+    take({ events: [key(3, 'press', 6)] }),
+  );
+  assert.deepEqual(
+    next.keys['8']?.map(({ code }) => code),
+    [6],
+  );
+});
+
 test('another bus behind the same address begins anew', () => {
   const other = snapshot([card('5')], { bus: { ...bus, id: '00000001' } });
   const next = after(subscribed, { type: 'snapshot', snapshot: other, now: 1 });
@@ -87,9 +112,21 @@ test('another bus behind the same address begins anew', () => {
 });
 
 test('the time of a loss stays through all tries, till the connection is back', () => {
-  const lost = (now: number): Action => ({ type: 'connection', state: 'lost', nextTry: 1000, now });
-  const trying: Action = { type: 'connection', state: 'connecting', nextTry: null, now: 60 };
-  const open: Action = { type: 'connection', state: 'open', nextTry: null, now: 90 };
+  const lost = (now: number): Action => ({
+    type: 'connection',
+    state: 'lost',
+    nextTry: 1000,
+    heard: null,
+    now,
+  });
+  const trying: Action = {
+    type: 'connection',
+    state: 'connecting',
+    nextTry: null,
+    heard: null,
+    now: 60,
+  };
+  const open: Action = { type: 'connection', state: 'open', nextTry: null, heard: null, now: 90 };
   assert.equal(after(lost(50), trying, lost(70)).lostSince, 50);
   assert.equal(after(lost(50)).nextTry, 1050);
   assert.equal(after(lost(50), open).lostSince, null);
