@@ -1,4 +1,5 @@
 // How the daemon, the adapter, the broker and this connection are, a row each. Pure.
+import { text } from '../text/text.js';
 import type { State } from './State.js';
 
 export type Sign = 'good' | 'busy' | 'wrong' | 'none';
@@ -35,7 +36,11 @@ const signs: Record<Word, Sign> = {
 };
 
 export function healthOf({ connection, bus }: Pick<State, 'connection' | 'bus'>): Health[] {
-  const row = (part: Part, word: Word, ...details: (string | null | undefined)[]): Health => ({
+  const row = (
+    part: Part,
+    word: Word,
+    ...details: (string | false | null | undefined)[]
+  ): Health => ({
     part,
     word,
     sign: signs[word],
@@ -43,9 +48,15 @@ export function healthOf({ connection, bus }: Pick<State, 'connection' | 'bus'>)
   });
   // What the hub said last is not news while it is not there.
   const now = connection === 'open' ? bus : null;
+  const isBlind = now?.daemon.state === 'up' && now.adapter.state === 'unknown';
   const rows = [
     row('daemon', now?.daemon.state ?? 'unknown'),
-    row('adapter', now?.adapter.state ?? 'unknown', now?.adapter.device),
+    row(
+      'adapter',
+      now?.adapter.state ?? 'unknown',
+      now?.adapter.device,
+      isBlind && text.wait.adapterUnknown,
+    ),
   ];
   const broker = bus?.broker;
   if (broker) rows.push(row('broker', now ? broker.state : 'unknown', broker.host, broker.detail));

@@ -81,8 +81,13 @@ export class FirstRun extends LitElement {
   }
 
   private renderStep({ step, state }: Progress) {
-    const signs = { done: 'good', now: 'busy', later: 'none' } as const;
-    const lines = { done: text.wait.done, now: this.advice(step), later: text.wait.later };
+    const signs = { done: 'good', unsure: 'none', now: 'busy', later: 'none' } as const;
+    const lines = {
+      done: text.wait.done,
+      unsure: text.wait.adapterUnknown,
+      now: this.advice(step),
+      later: text.wait.later,
+    };
     return html`<li class=${state}>
       <svg viewBox="-7 -7 14 14" aria-hidden="true">${drawSign(signs[state])}</svg>
       <h2>${text.wait.steps[step]}</h2>
@@ -96,7 +101,7 @@ export class FirstRun extends LitElement {
     const advices: Record<Step, string> = {
       hub: this.connection.value === 'lost' ? text.wait.hubLost : text.loading,
       daemon: port ? text.wait.daemonWaiting(port) : text.wait.daemonAbsent,
-      adapter: bus?.adapter.state === 'down' ? text.wait.adapterDown : text.wait.adapterUnknown,
+      adapter: text.wait.adapterDown,
       cards: text.wait.cardsNone,
     };
     return advices[step];

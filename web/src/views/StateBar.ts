@@ -1,6 +1,6 @@
 // The bar above every view: whose bench it is, how all parts of the way to it are, who is here.
 import { html, LitElement, nothing } from 'lit';
-import { customElement } from 'lit/decorators.js';
+import { customElement, state } from 'lit/decorators.js';
 
 import { drawSign, signStyle } from '../cards/sign.js';
 import { type Health, healthOf } from '../state/health.js';
@@ -16,11 +16,13 @@ import { stateBarStyle } from './stateBarStyle.js';
 export class StateBar extends LitElement {
   static override styles = [base, signStyle, stateBarStyle];
 
-  private readonly bus = new Reads(this, (state) => state.bus);
-  private readonly connection = new Reads(this, (state) => state.connection);
-  private readonly who = new Reads(this, (state) => state.who);
-  private readonly canName = new Reads(this, (state) => may(state, 'admin'));
-  private readonly missed = new Reads(this, (state) => state.missed);
+  private readonly bus = new Reads(this, (known) => known.bus);
+  private readonly connection = new Reads(this, (known) => known.connection);
+  private readonly who = new Reads(this, (known) => known.who);
+  private readonly canName = new Reads(this, (known) => may(known, 'admin'));
+  private readonly missed = new Reads(this, (known) => known.missed);
+
+  @state() private open: Health['part'] | null = null;
 
   override render() {
     const bus = this.bus.value;
@@ -43,15 +45,31 @@ export class StateBar extends LitElement {
       ${this.missed.value > 0
         ? html`<span class="missed">${text.state.missed(this.missed.value)}</span>`
         : nothing}
-      ${this.renderWho()}<slot name="end"></slot>`;
+      ${this.renderWho()}<slot name="end"></slot>${this.renderOpen(health)}`;
   }
 
   private renderPart({ part, sign, word, detail }: Health) {
-    return html`<li class=${sign} title=${detail ?? nothing}>
-      <svg viewBox="-7 -7 14 14" aria-hidden="true">${drawSign(sign)}</svg>
+    const said = html`<svg viewBox="-7 -7 14 14" aria-hidden="true">${drawSign(sign)}</svg>
       <span class="part">${text.state.parts[part]}</span>
-      <span class="word">${text.state.words[word]}</span>
+      <span class="word">${text.state.words[word]}</span>`;
+    if (detail === null) return html`<li class=${sign}>${said}</li>`;
+    return html`<li class=${sign}>
+      <button
+        title=${detail}
+        aria-expanded=${this.open === part}
+        @click=${() => {
+          this.open = this.open === part ? null : part;
+        }}
+      >
+        ${said}
+      </button>
     </li>`;
+  }
+
+  // Where and why, for those who have no pointer to rest on it.
+  private renderOpen(health: readonly Health[]) {
+    const detail = health.find(({ part }) => part === this.open)?.detail;
+    return html`<p class=${detail ? 'why' : ''} role="status">${detail ?? nothing}</p>`;
   }
 
   private renderWho() {

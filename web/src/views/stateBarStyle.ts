@@ -34,12 +34,25 @@ export const stateBarStyle = css`
     gap: 0.25rem 1.25rem;
     margin-left: auto;
   }
-  li {
+  li,
+  li button {
     display: flex;
     align-items: center;
     gap: 0.375rem;
     min-height: 1.5rem;
     white-space: nowrap;
+  }
+  .why {
+    flex: 1 0 100%;
+    padding: 0.375rem 0;
+    color: var(--faint);
+    text-align: end;
+  }
+  @media (pointer: coarse) {
+    li button {
+      min-height: var(--touch);
+      margin-block: calc((1.5rem - var(--touch)) / 2);
+    }
   }
   li svg {
     width: 0.75rem;

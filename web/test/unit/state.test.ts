@@ -91,6 +91,8 @@ test('an empty bench waits for one step at a time', () => {
     progressOf({ connection: 'open', bus: found }).map(({ state }) => state);
   assert.deepEqual(states(absent), ['done', 'now', 'later', 'later']);
   assert.deepEqual(states(bus), ['done', 'done', 'done', 'now']);
+  const blind = { ...bus, adapter: { ...bus.adapter, state: 'unknown' as const } };
+  assert.deepEqual(states(blind), ['done', 'done', 'unsure', 'now']);
 });
 
 test('a lost connection says nothing about the daemon', () => {
@@ -98,6 +100,12 @@ test('a lost connection says nothing about the daemon', () => {
     healthOf({ connection, bus }).map(({ word }) => word);
   assert.deepEqual(words('open'), ['up', 'up', 'open']);
   assert.deepEqual(words('lost'), ['unknown', 'unknown', 'lost']);
+});
+
+test('an adapter of which nothing is known says why', () => {
+  const blind = { ...bus, adapter: { state: 'unknown' as const, device: null, version: null } };
+  const [, adapter] = healthOf({ connection: 'open', bus: blind });
+  assert.match(adapter?.detail ?? '', /cannot read the daemon's log/);
 });
 
 test('a broker is told with its host, and why it refuses', () => {
