@@ -35,6 +35,10 @@ export const plateStyle = css`
     font-weight: 600;
     line-height: 1.25rem;
   }
+  /* A finger finds the title in all of the head, and the head stays as it is. */
+  h2 {
+    --name-overlap: calc((1.25rem - var(--touch)) / 2);
+  }
   .kind {
     color: var(--faint);
     font-size: 0.6875rem;

@@ -37,7 +37,14 @@ export class Name extends LitElement {
       button {
         width: 100%;
         min-height: inherit;
+        -webkit-box-pack: center;
         cursor: text;
+      }
+      @media (pointer: coarse) {
+        button {
+          min-height: var(--touch);
+          margin-block: var(--name-overlap, 0);
+        }
       }
       button:hover,
       button:focus-visible {
