@@ -41,9 +41,11 @@ export function numberOf(channel: Channel): number {
 }
 
 export function presentCards(state: Pick<State, 'cards'>): Card[] {
-  return Object.values(state.cards)
-    .filter((card) => card.state !== 'absent')
-    .sort((a, b) => a.address.localeCompare(b.address));
+  return inOrder(state.cards).filter((card) => card.state !== 'absent');
+}
+
+export function inOrder(cards: State['cards']): Card[] {
+  return Object.values(cards).sort((a, b) => a.address.localeCompare(b.address));
 }
 
 export interface NamedCode {

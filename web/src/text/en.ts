@@ -2,6 +2,7 @@
 import { arranging, boards, console_, journal, plots, settings } from './views.js';
 
 export const en = {
+  locale: 'en-GB', // of times and dates
   page: 'qelm',
   nav: {
     label: 'Views',
@@ -200,6 +201,7 @@ export const en = {
     value: 'Value',
     doubt: 'Certainty',
     since: 'Since',
+    stale: 'These values are from before: hub or daemon are not there.',
     at: (bus: string, time: string) => `${bus}, ${time}`,
   },
   loading: 'Connecting to the hub',

@@ -3,7 +3,7 @@ import { css, html, LitElement, nothing } from 'lit';
 import { customElement, state } from 'lit/decorators.js';
 
 import type { Card, Channel } from '../api/Shapes.js';
-import { certainty, presentCards } from '../state/select.js';
+import { certainty, inOrder, isStale } from '../state/select.js';
 import { Reads, store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -46,36 +46,42 @@ export class CardTable extends LitElement {
     `,
   ];
 
+  private readonly stale = new Reads(this, isStale);
   private readonly cards = new Reads(this, (known) => known.cards);
+  private readonly print = window.matchMedia('print');
   @state() private isPrinting = false;
 
   override connectedCallback(): void {
     super.connectedCallback();
-    window.matchMedia('print').addEventListener('change', this.onPrint);
+    this.print.addEventListener('change', this.onPrint);
   }
 
   override disconnectedCallback(): void {
     super.disconnectedCallback();
-    window.matchMedia('print').removeEventListener('change', this.onPrint);
+    this.print.removeEventListener('change', this.onPrint);
   }
 
   override render() {
     if (!this.isPrinting) return nothing;
     const { card, channel, name, value, doubt, since, at } = text.table;
     const heads = [card, channel, name, value, doubt, since];
-    return html`<h1>${at(store.state.bus?.name ?? text.page, new Date().toLocaleString())}</h1>
+    return html`<h1>
+        ${at(store.state.bus?.name ?? text.page, new Date().toLocaleString(text.locale))}
+      </h1>
+      ${this.stale.value ? html`<p>${text.table.stale}</p>` : nothing}
       <table>
         <thead>
           <tr>
             ${heads.map((head) => html`<th scope="col">${head}</th>`)}
           </tr>
         </thead>
-        ${presentCards({ cards: this.cards.value }).map((each) => this.renderCard(each))}
+        ${inOrder(this.cards.value).map((each) => this.renderCard(each))}
       </table>`;
   }
 
   private renderCard(card: Card) {
-    const title = `${card.address} ${card.name ?? text.kinds[card.kind]}`;
+    const state = card.state === 'present' ? '' : `\n${text.states[card.state]}`;
+    const title = `${card.address} ${card.name ?? text.kinds[card.kind]}${state}`;
     const rows = card.glass?.rows.map(
       (row, place) =>
         html`<tr>
@@ -89,7 +95,11 @@ export class CardTable extends LitElement {
       this.renderChannel(place === 0 ? title : '', channel),
     );
     return html`<tbody>
-      ${rows ?? channels}
+      ${(rows ?? channels).length > 0
+        ? (rows ?? channels)
+        : html`<tr>
+            <td colspan="6">${title}</td>
+          </tr>`}
     </tbody>`;
   }
 
@@ -100,7 +110,7 @@ export class CardTable extends LitElement {
       <td>${nameOf(channel)}</td>
       <td>${formatValue(channel)} ${channel.unit ?? ''}</td>
       <td>${text.certainty[certainty(channel)]}</td>
-      <td>${channel.since === null ? '' : new Date(channel.since).toLocaleString()}</td>
+      <td>${channel.since === null ? '' : new Date(channel.since).toLocaleString(text.locale)}</td>
     </tr>`;
   }
 

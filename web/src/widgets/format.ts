@@ -14,7 +14,7 @@ export function formatValue(channel: Channel): string {
 }
 
 export function formatTime(time: number): string {
-  return new Date(time).toLocaleTimeString('en-GB');
+  return new Date(time).toLocaleTimeString(text.locale);
 }
 
 // A channel without a name is called by its kind and number.

@@ -45,7 +45,7 @@ export class BoardsView extends LitElement {
       </div>
       ${row.state === 'online'
         ? nothing
-        : html`<p class="lost">${words.stale(new Date(row.since).toLocaleString('en-GB'))}</p>`}
+        : html`<p class="lost">${words.stale(new Date(row.since).toLocaleString(text.locale))}</p>`}
       ${this.renderCards(row)}`;
   }
 

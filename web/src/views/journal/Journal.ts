@@ -96,7 +96,7 @@ export class JournalView extends LitElement {
             ${isNew ? html`<h2>${own}</h2>` : nothing}
             <div class="entry">
               <time datetime=${entry.time}
-                >${new Date(entry.time).toLocaleTimeString('en-GB')}</time
+                >${new Date(entry.time).toLocaleTimeString(text.locale)}</time
               >
               <span class="kind">${nameOf(entry.kind)}</span>
               <span class="what">${entry.text}</span>
@@ -142,5 +142,5 @@ function nameOf(kind: string): string {
 
 function dayOf(time: string): string {
   const form = { weekday: 'long', day: 'numeric', month: 'long', year: 'numeric' } as const;
-  return new Date(time).toLocaleDateString('en-GB', form);
+  return new Date(time).toLocaleDateString(text.locale, form);
 }

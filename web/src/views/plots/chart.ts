@@ -5,6 +5,7 @@ import type { Point } from '../../api/Past.js';
 import type { Channel } from '../../api/Shapes.js';
 import type { Span } from '../../state/plots.js';
 import { formatNumber } from '../../widgets/format.js';
+import { text } from '../../text/text.js';
 
 export interface Inks {
   curve: string;
@@ -45,7 +46,7 @@ export function tableOf(points: readonly Point[]): uPlot.AlignedData {
 // A mark of the time axis, as fine as the marks are apart (s).
 export function timeMark(time: number, apart: number): string {
   const at = new Date(time * 1000);
-  const form = (options: Intl.DateTimeFormatOptions) => at.toLocaleString('en-GB', options);
+  const form = (options: Intl.DateTimeFormatOptions) => at.toLocaleString(text.locale, options);
   if (apart >= 27 * day) return form({ month: 'short', year: 'numeric' });
   const isMidnight = at.getHours() === 0 && at.getMinutes() === 0 && at.getSeconds() === 0;
   if (apart >= day || isMidnight) return form({ day: 'numeric', month: 'short' });

@@ -1,5 +1,6 @@
 // A moment as exactly as the window shows it. Pure.
 import type { Span } from '../../state/plots.js';
+import { text } from '../../text/text.js';
 
 const second = 1000;
 const day = 86_400_000;
@@ -7,9 +8,13 @@ const day = 86_400_000;
 export function momentText(time: number, { from, to }: Span): string {
   const whole = to - from;
   const at = new Date(time);
-  const hours = at.toLocaleTimeString('en-GB');
+  const hours = at.toLocaleTimeString(text.locale);
   if (whole <= 120 * second) return `${hours}.${String(Math.floor(at.getMilliseconds() / 100))}`;
   if (whole < day / 2) return hours;
-  const date = at.toLocaleDateString('en-GB', { day: 'numeric', month: 'short', year: 'numeric' });
+  const date = at.toLocaleDateString(text.locale, {
+    day: 'numeric',
+    month: 'short',
+    year: 'numeric',
+  });
   return `${date}, ${hours.slice(0, 5)}`;
 }

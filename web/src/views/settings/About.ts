@@ -46,7 +46,7 @@ export class About extends LitElement {
     const joined = (...parts: (string | null)[]) =>
       parts.filter((part) => part !== null).join(', ');
     const since = bus.daemon.since
-      ? `${facts.since} ${new Date(bus.daemon.since).toLocaleString('en-GB')}`
+      ? `${facts.since} ${new Date(bus.daemon.since).toLocaleString(text.locale)}`
       : null;
     const broker = bus.broker;
     const yes = (flag: boolean | null) =>

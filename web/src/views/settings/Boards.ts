@@ -66,7 +66,7 @@ export class Boards extends LitElement {
           : nothing}
       </td>
       <td>${boards.states[row.state]}</td>
-      <td>${new Date(row.since).toLocaleString('en-GB')}</td>
+      <td>${new Date(row.since).toLocaleString(text.locale)}</td>
     </tr>`;
   }
 }
