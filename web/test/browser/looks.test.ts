@@ -1,32 +1,19 @@
 // How the page looks where it is narrow, wide, enlarged, without colours, on paper.
 import assert from 'node:assert/strict';
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 
 import type { Card } from '../../src/api/Shapes.js';
 import { bus, snapshot } from '../unit/kit.js';
 import { axeFindings } from './axe.js';
-import { closeBrowser, eventually, type Look, Person } from './Person.js';
+import { eventually, type Person } from './Person.js';
 import { differing } from './pictures.js';
-import { cardOf, eightCards, fullCards, scene, virtualBus } from './scenes.js';
-import { type Scene, StandIn } from './StandIn.js';
+import { cardOf, eightCards, fullCards, virtualBus } from './scenes.js';
+import { Stage } from './Stage.js';
+import type { Scene } from './StandIn.js';
 
 const views = ['bench', 'plots', 'journal', 'settings'];
 
-let hub: StandIn;
-
-before(async () => {
-  hub = await StandIn.start(scene(fullCards));
-});
-
-after(async () => {
-  await closeBrowser();
-  await hub.stop();
-});
-
-function arrives(shown: Partial<Scene>, look: Look = {}, view = 'bench'): Promise<Person> {
-  hub.show({ ...scene(fullCards), ...shown });
-  return Person.arrives({ at: `${hub.address}/#${view}`, ...look });
-}
+const stage = new Stage();
 
 function sizeOf({ page }: Person): Promise<{ width: number; height: number }> {
   return page.evaluate(() => {
@@ -40,7 +27,7 @@ for (const size of [
   { width: 2560, height: 1440 },
 ])
   test(`sixteen cards stand at ${size.width} by ${size.height} without scrolling`, async () => {
-    const anna = await arrives({}, size);
+    const anna = await stage.arrives({}, size);
     await anna.page.locator('qelm-plate').nth(15).waitFor();
     assert.deepEqual(await sizeOf(anna), size);
     await anna.leaves();
@@ -72,7 +59,7 @@ test('states of a card, and how sure a value is, differ without their colours', 
 });
 
 async function greyPlate(shown: Partial<Scene>): Promise<Buffer> {
-  const anna = await arrives(shown, { width: 360, height: 1200 });
+  const anna = await stage.arrives(shown, { width: 360, height: 1200 });
   const session = await anna.page.context().newCDPSession(anna.page);
   await session.send('Emulation.setEmulatedVisionDeficiency', { type: 'achromatopsia' });
   const plate = anna.page.locator('qelm-plate').last();
@@ -88,7 +75,7 @@ async function greyPlate(shown: Partial<Scene>): Promise<Buffer> {
 }
 
 test('on a phone nothing wraps that belongs together, and keys are as wide as a finger', async () => {
-  const anna = await arrives(virtualBus, { width: 320, height: 640, touch: true });
+  const anna = await stage.arrives(virtualBus, { width: 320, height: 640, touch: true });
   const box = async (name: string) => {
     const found = await anna.page.getByRole('button', { name, exact: true }).boundingBox();
     return found ?? { x: 0, y: 0, width: 0, height: 0 };
@@ -104,14 +91,14 @@ test('on a phone nothing wraps that belongs together, and keys are as wide as a 
 
 test('enlarged to 200 %, no view is wider than the screen', async () => {
   for (const view of [...views, 'console']) {
-    const anna = await arrives({}, { width: 640, height: 400 }, view);
+    const anna = await stage.arrives({}, { width: 640, height: 400 }, view);
     assert.equal((await sizeOf(anna)).width, 640, view);
     await anna.leaves();
   }
 });
 
 test('whoever has colours of his own sees what is on', async () => {
-  const anna = await arrives({ snapshot: snapshot([...eightCards]) });
+  const anna = await stage.arrives({ snapshot: snapshot([...eightCards]) });
   await anna.page.emulateMedia({ forcedColors: 'active' });
   const lens = (value: string) =>
     anna.page
@@ -124,7 +111,7 @@ test('whoever has colours of his own sees what is on', async () => {
 });
 
 test('nothing moves where the system asks for it', async () => {
-  const anna = await arrives({ snapshot: snapshot([...eightCards]) });
+  const anna = await stage.arrives({ snapshot: snapshot([...eightCards]) });
   const times = () =>
     anna.page
       .locator('qelm-servo .hand')
@@ -138,7 +125,7 @@ test('nothing moves where the system asks for it', async () => {
 
 test('on paper the cards are a table, with what is not sure', async () => {
   const doubtful = cardOf('5', 'digital-output', { assumed: true });
-  const anna = await arrives({ snapshot: snapshot([doubtful, cardOf('E', 'lcd')]) });
+  const anna = await stage.arrives({ snapshot: snapshot([doubtful, cardOf('E', 'lcd')]) });
   await anna.page.emulateMedia({ media: 'print' });
   const table = anna.page.getByRole('table');
   await table.waitFor();
@@ -159,7 +146,7 @@ test('an empty bench says what to do at each step', async () => {
     [{}, /No card answers/],
   ];
   for (const [change, advice] of steps) {
-    const anna = await arrives(state(change));
+    const anna = await stage.arrives(state(change));
     await anna.reads(advice);
     await anna.leaves();
   }
@@ -169,7 +156,7 @@ test('a virtual bus without cards offers to plug some in', async () => {
   const empty = { ...virtualBus, snapshot: { ...virtualBus.snapshot, cards: [] } };
   const answers = virtualBus.answers;
   const none = { ...answers, 'virtual.get': { ...answers['virtual.get'], cards: [] } };
-  const anna = await arrives({ ...empty, answers: none });
+  const anna = await stage.arrives({ ...empty, answers: none });
   await anna.reads('The bench is empty');
   assert.equal(await anna.page.getByRole('combobox', { name: /^Plug a new card/ }).count(), 16);
   await anna.page.getByRole('button', { name: 'Pull the cable' }).waitFor();
@@ -177,9 +164,9 @@ test('a virtual bus without cards offers to plug some in', async () => {
 });
 
 test('all cards that are pulled are shown as missing, with the way back', async () => {
-  const anna = await arrives({});
+  const anna = await stage.arrives();
   await anna.reads('Servos');
-  hub.tell({ cards: fullCards.map((card) => ({ ...card, state: 'absent' as const })) });
+  stage.hub.tell({ cards: fullCards.map((card) => ({ ...card, state: 'absent' as const })) });
   await anna.reads('The bench is empty');
   await eventually(
     'sixteen missing',
@@ -191,7 +178,7 @@ test('all cards that are pulled are shown as missing, with the way back', async 
 test('a broker that refuses is seen in the bar and in the settings', async () => {
   const broker = { state: 'refused' as const, host: 'mqtt.local', detail: 'not authorised' };
   const shown = { snapshot: snapshot([...eightCards], { bus: { ...bus, broker } }) };
-  const anna = await arrives(shown, {}, 'settings');
+  const anna = await stage.arrives(shown, {}, 'settings');
   await anna.page
     .getByRole('listitem')
     .filter({ hasText: /Broker\s*refused/ })
@@ -202,14 +189,14 @@ test('a broker that refuses is seen in the bar and in the settings', async () =>
 });
 
 test('a connection that is lost is said, and what is shown is not called current', async () => {
-  const anna = await arrives({});
+  const anna = await stage.arrives();
   await anna.reads('Servos');
-  hub.isAway = true;
-  hub.drop();
+  stage.hub.isAway = true;
+  stage.hub.drop();
   await anna.reads(/Lost at/);
   await anna.reads('lost');
   assert.equal(await anna.page.locator('.rails.stale').count(), 1);
-  hub.isAway = false;
+  stage.hub.isAway = false;
   await anna.doesNotRead(/Lost at/);
   await anna.leaves();
 });

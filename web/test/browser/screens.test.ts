@@ -4,13 +4,14 @@ import assert from 'node:assert/strict';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 
 import { snapshot } from '../unit/kit.js';
-import { closeBrowser, type Look, Person } from './Person.js';
+import type { Look, Person } from './Person.js';
 import { differing } from './pictures.js';
-import { eightCards, fullCards, now, scene, twoBoards } from './scenes.js';
-import { type Scene, StandIn } from './StandIn.js';
+import { eightCards, now, twoBoards } from './scenes.js';
+import { Stage } from './Stage.js';
+import type { Scene } from './StandIn.js';
 
 const kept = join(process.env['QELM_ROOT'] ?? '', 'docs/screens');
 const failed = process.env['QELM_SCREENS'] ?? join(tmpdir(), 'qelm-screens');
@@ -41,22 +42,11 @@ const shots: Shot[] = [
   { name: 'journal', shown: eight, view: 'journal', shows: 'started', sizes },
   { name: 'settings', shown: eight, view: 'settings', shows: 'Cards and channels', sizes },
 ];
-let hub: StandIn;
-
-before(async () => {
-  hub = await StandIn.start(scene(fullCards));
-});
-
-after(async () => {
-  await closeBrowser();
-  await hub.stop();
-});
+const stage = new Stage();
 
 async function taken(shot: Shot, look: Look): Promise<Person> {
-  hub.show({ ...scene(fullCards), ...shot.shown });
   const plots = shot.name === 'plots' ? ['F.3', '5.0'] : [];
-  const at = `${hub.address}/#${shot.view}`;
-  const person = await Person.arrives({ ...look, at, now, plots });
+  const person = await stage.arrives(shot.shown, { ...look, now, plots }, shot.view);
   await person.page.getByText(shot.shows).first().waitFor();
   return person;
 }

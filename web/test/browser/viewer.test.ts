@@ -1,36 +1,21 @@
 // What whoever may only look sees: all of it, and nothing that he could not do.
 import assert from 'node:assert/strict';
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 
 import { axeFindings } from './axe.js';
-import { closeBrowser, Person } from './Person.js';
-import { fullCards, scene, twoBoards, virtualBus } from './scenes.js';
-import { type Scene, StandIn } from './StandIn.js';
+import { fullCards, twoBoards, virtualBus } from './scenes.js';
+import { Stage } from './Stage.js';
 
 const views = ['bench', 'boards', 'plots', 'journal', 'settings', 'console'];
 const viewer = { account: 'vera', role: 'view' as const };
 
-let hub: StandIn;
-
-before(async () => {
-  hub = await StandIn.start(scene(fullCards));
-});
-
-after(async () => {
-  await closeBrowser();
-  await hub.stop();
-});
-
-function arrives(shown: Partial<Scene>, view: string): Promise<Person> {
-  hub.show({ ...scene(fullCards), ...shown });
-  return Person.arrives({ at: `${hub.address}/#${view}` });
-}
+const stage = new Stage();
 
 test('a viewer is offered nothing in any view', async () => {
   const meant = /^(Log out|Older entries|Daemon|.*tab)$|^(\d+ (min|h|day|week|year|days)|1 \w+)$/;
   for (const view of views) {
     const shown = view === 'boards' ? twoBoards : virtualBus;
-    const vera = await arrives({ ...shown, who: viewer }, view);
+    const vera = await stage.arrives({ ...shown, who: viewer }, {}, view);
     assert.equal(await vera.page.getByRole('link', { name: 'Console' }).count(), 0);
     for (const role of ['switch', 'slider', 'textbox', 'spinbutton'] as const)
       assert.equal(await vera.page.getByRole(role).count(), 0, `${view}: ${role}`);
@@ -60,7 +45,7 @@ test('a viewer reads the settings of each card as text', async () => {
     'setup.get': { cards: {}, channels: { 'F.3': { unit: 'V', max: 5 } } },
     'session.who': viewer,
   };
-  const vera = await arrives({ who: viewer, answers }, 'settings');
+  const vera = await stage.arrives({ who: viewer, answers }, {}, 'settings');
   const chosen = vera.page.getByRole('combobox', { name: 'Card' });
   for (const { address } of fullCards) {
     await chosen.selectOption(address);
