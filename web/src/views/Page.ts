@@ -58,6 +58,14 @@ export class Page extends LitElement {
         stroke: currentcolor;
         stroke-width: 1.5;
       }
+      @media (min-width: 640px) and (max-width: 1279px) {
+        a {
+          padding: 0 0.5rem;
+        }
+        a svg {
+          display: none;
+        }
+      }
       @media (max-width: 639px) {
         :host {
           --thumb: 3.5rem;

@@ -73,6 +73,18 @@ export const stateBarStyle = css`
     align-items: center;
     gap: 0.5rem;
   }
+  /* One line on a tablet: what is good needs no word. */
+  @media (max-width: 1279px) {
+    :host {
+      gap: 0 1rem;
+    }
+    .states {
+      gap: 0.25rem 0.875rem;
+    }
+    .good .word {
+      display: none;
+    }
+  }
   @media (max-width: 639px) {
     :host {
       padding: 0.5rem 0.75rem;
@@ -84,9 +96,6 @@ export const stateBarStyle = css`
       justify-content: space-between;
       gap: 0 0.5rem;
       font-size: 0.75rem;
-    }
-    .good .word {
-      display: none;
     }
     .who {
       margin-left: auto;

@@ -130,19 +130,19 @@ export class PlotsView extends LitElement {
         >
           ${text.plots.live}
         </button>
-      </div>
-      <button
-        class="key push"
-        aria-label=${text.plots.saveCsv}
-        title=${text.plots.saveCsv}
-        ?disabled=${this.shown.length === 0}
-        @click=${this.save}
-      >
-        <svg viewBox="0 0 16 16" aria-hidden="true">
-          <path d="M8 2v8M5 7l3 3 3-3M2 13h12"></path>
-        </svg>
-        ${text.plots.csv}
-      </button>`;
+        <button
+          class="key push"
+          aria-label=${text.plots.saveCsv}
+          title=${text.plots.saveCsv}
+          ?disabled=${this.shown.length === 0}
+          @click=${this.save}
+        >
+          <svg viewBox="0 0 16 16" aria-hidden="true">
+            <path d="M8 2v8M5 7l3 3 3-3M2 13h12"></path>
+          </svg>
+          <span class="word">${text.plots.csv}</span>
+        </button>
+      </div>`;
   }
 
   private renderNone() {

@@ -20,6 +20,9 @@ export const plotsStyle = css`
     box-shadow: inset 0 -2px var(--ink);
     font-weight: 600;
   }
+  .tools {
+    flex: 1 0 auto;
+  }
   .icon {
     width: var(--touch);
     padding: 0;
@@ -104,20 +107,36 @@ export const plotsStyle = css`
     right: 0.375rem;
     left: auto;
   }
+  @media (max-width: 1023px) {
+    .spans .key {
+      padding: 0 0.375rem;
+    }
+  }
   @media (max-width: 639px) {
     .lanes {
       left: 0;
       right: 3rem;
     }
-    .spans {
+    .spans,
+    .tools {
+      flex: none;
       flex-wrap: nowrap;
       width: 100%;
     }
-    .spans .key {
+    .spans .key,
+    .tools .key {
       flex: 1 1 0;
       min-width: 0;
       padding: 0;
+    }
+    .spans .key {
       font-size: 0.6875rem;
+    }
+    .tools {
+      gap: 0.25rem;
+    }
+    .tools .word {
+      display: none;
     }
   }
 `;

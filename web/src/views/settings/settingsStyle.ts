@@ -40,6 +40,7 @@ export const settingsStyle = css`
       flex-wrap: wrap;
     }
     .list button {
+      padding: 0 0.5rem;
       border-left: 0;
       border-bottom: 2px solid transparent;
       font-size: 0.8125rem;
