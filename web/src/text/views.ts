@@ -90,7 +90,8 @@ export const settings = {
     state: 'State',
     since: 'Since',
     states: { online: 'online', stale: 'stale', gone: 'gone' },
-    ignored: (count: number, why: string) => `${count} messages say nothing: ${why}`,
+    ignored: (count: number, why: string) =>
+      count === 1 ? `A message says nothing: ${why}` : `${count} messages say nothing: ${why}`,
   },
   readOnly: 'You may look at these; an administrator may change them.',
   noCards: 'There is no card to set up.',

@@ -87,6 +87,16 @@ test('nothing of it is renamed here, nor taken for a card of this bus', async ()
   await anna.sees('Lamp', 'on');
 });
 
+test('the settings list it, with what of it says nothing, and lead to it', async () => {
+  await shed.tell('qelm/shed/5/0', 'perhaps');
+  await anna.page.goto(`${address}/#settings`);
+  await anna.presses('Other boards');
+  const row = anna.page.getByRole('row', { name: /^Shed \(shed\)/ });
+  await row.filter({ hasText: 'online' }).filter({ hasText: 'A message says nothing: ' }).waitFor();
+  await anna.page.getByRole('link', { name: 'Shed (shed)' }).click();
+  await anna.sees('Lamp', 'on');
+});
+
 test('a board that goes away is said to be away, and can not be switched', async () => {
   await shed.tell('qelm/shed/status', 'offline');
   await anna.reads(/^Away since/);
