@@ -109,6 +109,20 @@ export const sectionStyle = css`
   td.end {
     text-align: right;
   }
+  input[type='file'] {
+    max-width: 100%;
+    font-size: 0.8125rem;
+  }
+  input[type='file']::file-selector-button {
+    min-height: var(--touch);
+    margin-right: 0.75rem;
+    padding: 0 0.75rem;
+    border: var(--hair) solid var(--edge);
+    border-radius: 2px;
+    background: var(--part);
+    color: inherit;
+    font: inherit;
+  }
   .secret {
     display: grid;
     gap: 0.5rem;
