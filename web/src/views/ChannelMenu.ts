@@ -24,6 +24,9 @@ export class ChannelMenu extends LitElement {
   static override styles = [
     base,
     css`
+      :host {
+        display: contents;
+      }
       .menu {
         position: fixed;
         z-index: 3;

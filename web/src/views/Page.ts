@@ -146,8 +146,9 @@ export class Page extends LitElement {
         <qelm-state-bar>${this.renderNav()}${this.renderAllOff()}</qelm-state-bar>
       </header>
       <qelm-notices></qelm-notices>
-      <main class=${this.offered.length > 1 ? 'above' : ''}>${view.render(restOf(this.hash))}</main>
-      <qelm-channel-menu></qelm-channel-menu>
+      <main class=${this.offered.length > 1 ? 'above' : ''}>
+        ${view.render(restOf(this.hash))}<qelm-channel-menu></qelm-channel-menu>
+      </main>
       <qelm-card-table></qelm-card-table>`;
   }
 

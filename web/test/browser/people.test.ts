@@ -1,8 +1,7 @@
-// Who may do what, what markup in names does, and what axe finds.
+// Who may do what, and what markup in names does.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
-import { axeFindings } from './axe.js';
 import { closeBrowser, Person } from './Person.js';
 import { Site } from './Site.js';
 
@@ -28,15 +27,6 @@ async function logsIn(person: Person, who: { account: string; password: string }
   await person.presses('Log in');
 }
 
-test('axe finds nothing on the bench, in either theme', async () => {
-  for (const theme of ['dark', 'light'] as const) {
-    const anna = await Person.arrives({ theme });
-    await anna.reads('Servos');
-    assert.deepEqual(await axeFindings(anna), []);
-    await anna.leaves();
-  }
-});
-
 test('markup in a name stays text', async () => {
   await site.api('PATCH', '/api/names', { cards: { 5: markup }, channels: { '5.0': markup } });
   const anna = await Person.arrives();
@@ -49,7 +39,6 @@ test('markup in a name stays text', async () => {
 test('a viewer sees all, is offered nothing, and is refused what he asks by hand', async () => {
   await site.api('POST', '/api/accounts', admin);
   const vera = await Person.arrives();
-  assert.deepEqual(await axeFindings(vera), []); // of the log-in
   await logsIn(vera, admin);
   await vera.page.getByRole('switch').first().waitFor();
   await vera.page.evaluate(

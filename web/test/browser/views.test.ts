@@ -2,7 +2,6 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
-import { axeFindings } from './axe.js';
 import { closeBrowser, Person } from './Person.js';
 import { address, Site } from './Site.js';
 
@@ -21,8 +20,8 @@ after(async () => {
   await site.stop();
 });
 
-async function goes(view: string, theme: 'dark' | 'light' = 'dark'): Promise<Person> {
-  const anna = await Person.arrives({ theme });
+async function goes(view: string): Promise<Person> {
+  const anna = await Person.arrives();
   await anna.page.goto(`${address}/#${view}`);
   await anna.page.getByRole('heading', { level: 1 }).waitFor();
   return anna;
@@ -78,11 +77,3 @@ test('a new token is shown once', async () => {
   await anna.doesNotRead(/shown this once/);
   await anna.leaves();
 });
-
-for (const view of ['plots', 'console', 'journal', 'settings'])
-  for (const theme of ['dark', 'light'] as const)
-    test(`axe finds nothing in ${view}, ${theme}`, async () => {
-      const anna = await goes(view, theme);
-      assert.deepEqual(await axeFindings(anna), []);
-      await anna.leaves();
-    });
