@@ -1,5 +1,4 @@
-// Which functions of the page were called, where QELM_COVERAGE names a folder: a file a page, for
-// test/coverage.
+// What of the page has run, where QELM_COVERAGE names a folder: a file a page, for test/coverage.
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 

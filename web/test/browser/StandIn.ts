@@ -29,10 +29,12 @@ export interface Scene {
 interface Request {
   id: number;
   method: string;
+  params: object;
 }
 
 export class StandIn {
   isAway = false; // takes no connection
+  readonly asked: string[] = []; // 'channels.set {"id":"5.0","value":true}'
   private readonly sockets = new Set<Socket>();
   private readonly forgotten = new Set<Socket>();
   private seq: number;
@@ -132,7 +134,8 @@ export class StandIn {
     });
   }
 
-  private answer(socket: Socket, { id, method }: Request): void {
+  private answer(socket: Socket, { id, method, params }: Request): void {
+    this.asked.push(`${method} ${JSON.stringify(params)}`);
     const { snapshot, who, answers } = this.scene;
     const known: Record<string, unknown> = {
       'live.subscribe': { ...snapshot, seq: this.seq },

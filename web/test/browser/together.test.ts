@@ -1,5 +1,4 @@
-// Two people at one bench, and one who has only keys.
-import assert from 'node:assert/strict';
+// Two people at one bench.
 import { after, before, test } from 'node:test';
 
 import { closeBrowser, eventually, Person } from './Person.js';
@@ -63,28 +62,4 @@ test('two browsers agree after 500 actions at random', async () => {
     async () => (await allValues(anna)) === (await allValues(carl)),
   );
   await carl.leaves();
-});
-
-test('every control is reached by the Tab key, and is seen to be', async () => {
-  const reachable = await anna.page
-    .locator('css=button, input, select, a[href], [tabindex="0"]')
-    .evaluateAll((all) => all.filter((each) => each.checkVisibility()).length);
-  await anna.page.evaluate(() => {
-    (document.activeElement as HTMLElement | null)?.blur();
-  });
-  const reached = new Set<string>();
-  for (let step = 0; step < reachable; ++step) {
-    await anna.page.keyboard.press('Tab');
-    const place = await anna.page.evaluate(() => {
-      let at: Element | null | undefined = document.activeElement;
-      while (at?.shadowRoot?.activeElement) at = at.shadowRoot.activeElement;
-      if (!at) return 'nothing';
-      const { x, y } = at.getBoundingClientRect();
-      const look = at instanceof HTMLSelectElement ? 'solid' : getComputedStyle(at).outlineStyle;
-      return `${look} ${at.getAttribute('aria-label') ?? at.textContent} ${x} ${y + scrollY}`;
-    });
-    assert.doesNotMatch(place, /^none/);
-    reached.add(place);
-  }
-  assert.equal(reached.size, reachable);
 });
