@@ -8,7 +8,7 @@ import { build } from 'esbuild';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const dist = join(here, 'dist');
-const isWhole = Boolean(process.env.QELM_WHOLE); // module by module, for test/coverage
+const isWhole = Boolean(process.env.QELM_WHOLE); // with maps, for test/coverage
 
 await rm(dist, { recursive: true, force: true });
 await mkdir(dist);
@@ -28,6 +28,7 @@ const result = await build({
   format: 'esm',
   target: ['es2022'],
   minify: !isWhole,
+  sourcemap: isWhole && 'inline',
   legalComments: 'none',
   metafile: true,
   write: false,
