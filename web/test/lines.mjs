@@ -2,6 +2,7 @@
 // the numbers of those that have not, and all. Bundles tell by their maps where each line went.
 //
 //   node test/lines.mjs FOLDER
+import { Buffer } from 'node:buffer';
 import { readdirSync, readFileSync } from 'node:fs';
 import { SourceMap } from 'node:module';
 import { basename, dirname, join, relative } from 'node:path';

@@ -48,6 +48,8 @@ export class Keys {
       let at = document.activeElement;
       while (at?.shadowRoot?.activeElement) at = at.shadowRoot.activeElement;
       if (!at || at === document.body) return null;
+      const known = ((window as { stops?: Map<Element, string> }).stops ??= new Map());
+      if (!known.has(at)) known.set(at, `stop ${known.size}`);
       const top = (x: number, y: number) => {
         let found = document.elementFromPoint(x, y);
         for (;;) {
@@ -56,7 +58,7 @@ export class Keys {
           found = inner;
         }
       };
-      const { left, right, top: upper, bottom, width, height } = at.getBoundingClientRect();
+      const { left, right, top: upper, bottom, height } = at.getBoundingClientRect();
       const isOf = (whole: Element) => (found: Element | null) => {
         for (let each: Node | null = found; each; ) {
           if (each === whole) return true;
@@ -79,7 +81,7 @@ export class Keys {
       const name = at.getAttribute('aria-label') ?? said.map((node) => node.textContent).join('');
       return {
         name: name.trim().replace(/\s+/g, ' '),
-        key: `${at.tagName} ${name} ${Math.round(left + scrollX)} ${Math.round(upper + scrollY)} ${Math.round(width)}`,
+        key: known.get(at) ?? '',
         isMarked: outlined(at) || outlined(at.nextElementSibling),
         isCovered: !seen,
       };
