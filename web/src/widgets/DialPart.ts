@@ -17,7 +17,7 @@ import { ChannelPart } from './ChannelPart.js';
 
 const page = 10; // steps
 const settle = 800; // ms till the hub's value is shown again
-const slop = 6; // pixels that a finger goes before it turns anything: it may want to scroll
+const slop = 6; // pixels that a finger goes across before it turns anything: down it scrolls
 
 export abstract class DialPart extends ChannelPart {
   @property({ type: Boolean, reflect: true }) held = false;
@@ -107,8 +107,9 @@ export abstract class DialPart extends ChannelPart {
 
   private onMove(event: PointerEvent): void {
     if (!this.start) return;
-    const way = Math.hypot(event.clientX - this.start.x, event.clientY - this.start.y);
-    if (!this.held && way < slop) return;
+    const across = Math.abs(event.clientX - this.start.x);
+    const down = Math.abs(event.clientY - this.start.y);
+    if (!this.held && (across < slop || across <= down)) return;
     this.grip(event);
   }
 
