@@ -169,6 +169,7 @@ export const en = {
     account: 'Account',
     password: 'Password',
     go: 'Log in',
+    going: 'Logging in',
     out: 'Log out',
   },
   roles: { view: 'may look', use: 'may use', admin: 'may do all' },

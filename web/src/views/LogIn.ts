@@ -1,7 +1,9 @@
 import { css, html, LitElement } from 'lit';
-import { customElement } from 'lit/decorators.js';
+import { customElement, state } from 'lit/decorators.js';
 
 import { want } from '../state/Intent.js';
+import type { State } from '../state/State.js';
+import { Reads } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 
@@ -39,6 +41,9 @@ export class LogIn extends LitElement {
     `,
   ];
 
+  private readonly notices = new Reads(this, (known) => known.notices);
+  @state() private asked: State['notices'] | null = null; // a refusal is a notice more than then
+
   override render() {
     return html`<form @submit=${this.send}>
       <h1>${text.logIn.title}</h1>
@@ -57,7 +62,9 @@ export class LogIn extends LitElement {
           maxlength="1024"
         />
       </label>
-      <button class="key">${text.logIn.go}</button>
+      <button class="key" ?disabled=${this.asked === this.notices.value}>
+        ${this.asked === this.notices.value ? text.logIn.going : text.logIn.go}
+      </button>
     </form>`;
   }
 
@@ -68,6 +75,8 @@ export class LogIn extends LitElement {
       const value = data.get(name);
       return typeof value === 'string' ? value : '';
     };
+    if (this.asked === this.notices.value) return;
+    this.asked = this.notices.value;
     want(this, { do: 'log-in', account: field('account'), password: field('password') });
   }
 }

@@ -17,6 +17,12 @@ export function formatTime(time: number): string {
   return new Date(time).toLocaleTimeString(text.locale);
 }
 
+// As the person's calendar has it, for the names of files: "2026-11-21".
+export function formatDay(time: Date): string {
+  const two = (number: number) => String(number).padStart(2, '0');
+  return `${time.getFullYear()}-${two(time.getMonth() + 1)}-${two(time.getDate())}`;
+}
+
 // A channel without a name is called by its kind and number.
 export function nameOf(channel: Channel): string {
   return channel.name ?? numberedName(channel);

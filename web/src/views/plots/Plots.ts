@@ -9,7 +9,7 @@ import { heldCurve, moved, type Plots, type Span, spans, windowOf } from '../../
 import { Reads, store } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
-import { nameOf } from '../../widgets/format.js';
+import { formatDay, nameOf } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import './Chooser.js';
 import { isSwitched } from './chart.js';
@@ -225,7 +225,7 @@ export class PlotsView extends LitElement {
       unit: channel.unit ?? '',
       points: this.pointsOf(channel),
     }));
-    const day = new Date(this.now).toISOString().slice(0, 10);
+    const day = formatDay(new Date(this.now));
     save(
       `${store.state.bus?.name ?? text.page}-${day}.csv`,
       'text/csv',

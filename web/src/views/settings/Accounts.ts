@@ -21,7 +21,15 @@ export class Accounts extends LitElement {
 
   private readonly accounts = new Reads(this, (known) => known.settings.accounts);
   private readonly who = new Reads(this, (known) => known.who);
+  private added: { form: HTMLFormElement; name: string } | null = null; // is asked for
   @state() private open: { account: string; to: 'password' | 'remove' } | null = null;
+
+  // What was typed stays till the hub has taken it.
+  override updated(): void {
+    if (!this.accounts.value?.some(({ account }) => account === this.added?.name)) return;
+    this.added?.form.reset();
+    this.added = null;
+  }
 
   override render() {
     const accounts = this.accounts.value;
@@ -139,8 +147,9 @@ export class Accounts extends LitElement {
     const data = new FormData(form);
     const role = (textIn(data, 'role') || 'admin') as Role;
     const password = passwordIn(form);
-    want(this, { do: 'account-add', account: textIn(data, 'account'), password, role });
-    form.reset();
+    const account = textIn(data, 'account');
+    want(this, { do: 'account-add', account, password, role });
+    this.added = { form, name: account };
   }
 
   private change(event: SubmitEvent): void {

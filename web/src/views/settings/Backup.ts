@@ -6,7 +6,7 @@ import { want } from '../../state/Intent.js';
 import { Reads, store } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
-import { formatTime } from '../../widgets/format.js';
+import { formatDay, formatTime } from '../../widgets/format.js';
 import { save } from '../save.js';
 import { viewStyle } from '../viewStyle.js';
 import { sectionStyle } from './settingsStyle.js';
@@ -29,7 +29,7 @@ export class Backup extends LitElement {
     const backup = this.backup.value;
     if (backup === this.saved || !backup) return;
     this.saved = backup;
-    const day = new Date().toISOString().slice(0, 10);
+    const day = formatDay(new Date());
     const name = `${store.state.bus?.name ?? text.page}-${day}.json`;
     save(name, 'application/json', `${JSON.stringify(backup, null, 2)}\n`);
   }

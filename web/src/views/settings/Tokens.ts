@@ -22,11 +22,19 @@ export class Tokens extends LitElement {
   private readonly tokens = new Reads(this, (known) => known.settings.tokens);
   private readonly fresh = new Reads(this, (known) => known.settings.newToken);
   @state() private leaving: string | null = null; // to be removed
+  private added: { form: HTMLFormElement; name: string } | null = null; // is asked for
   @state() private isCopied = false;
 
   override disconnectedCallback(): void {
     super.disconnectedCallback();
     want(document, { do: 'token-seen' }); // nobody finds it here later
+  }
+
+  // What was typed stays till the hub has taken it.
+  override updated(): void {
+    if (!this.tokens.value?.some(({ name }) => name === this.added?.name)) return;
+    this.added?.form.reset();
+    this.added = null;
   }
 
   override render() {
@@ -136,7 +144,8 @@ export class Tokens extends LitElement {
     const data = new FormData(form);
     this.isCopied = false;
     const role = textIn(data, 'role') as Role;
-    want(this, { do: 'token-add', name: textIn(data, 'name'), role });
-    form.reset();
+    const name = textIn(data, 'name');
+    want(this, { do: 'token-add', name, role });
+    this.added = { form, name };
   }
 }
