@@ -46,7 +46,7 @@ export class Performer implements Hub {
       connection: (state, nextTry, heard) => {
         this.dispatch({ type: 'connection', state, nextTry, heard, now: Date.now() });
         if (state === 'open') void this.hands.look();
-        if (state === 'lost') void askWho(this);
+        if (state !== 'connecting') void askWho(this); // the role may be another since
       },
       snapshot: (snapshot) => {
         this.dispatch({ type: 'snapshot', snapshot, now: Date.now() });

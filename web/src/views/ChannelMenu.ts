@@ -5,7 +5,7 @@ import { customElement, state } from 'lit/decorators.js';
 
 import type { Channel } from '../api/Shapes.js';
 import { want } from '../state/Intent.js';
-import { canPlot } from '../state/plots.js';
+import { canPlot, mostPlots } from '../state/plots.js';
 import { store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
@@ -80,7 +80,11 @@ export class ChannelMenu extends LitElement {
       aria-label=${text.plots.menu(name)}
       @keydown=${this.onKey}
     >
-      <button role="menuitem" @click=${this.plot}>${text.plots.open(name)}</button>
+      <button role="menuitem" aria-disabled=${this.isFull} @click=${this.plot}>
+        ${text.plots.open(name)}${this.isFull
+          ? html` (${text.plots.chosen(mostPlots, mostPlots)})`
+          : nothing}
+      </button>
     </div>`;
   }
 
@@ -118,8 +122,13 @@ export class ChannelMenu extends LitElement {
     this.from?.focus();
   }
 
+  private get isFull(): boolean {
+    const { channels } = store.state.plots;
+    return channels.length >= mostPlots && !channels.includes(this.channel?.id ?? '');
+  }
+
   private plot(): void {
-    if (!this.channel) return;
+    if (!this.channel || this.isFull) return;
     want(this, { do: 'plot', channels: [...store.state.plots.channels, this.channel.id] });
     this.close();
     location.hash = '#plots';

@@ -13,7 +13,7 @@ import { base } from '../theme/base.js';
 import type { RenamedEvent } from './Name.js';
 
 const rayTime = 600; // ms
-const mostDigits = 70;
+const longest = 35 * 3 - 1; // bytes, each two digits and a blank between
 
 @customElement('qelm-infrared')
 export class InfraredEye extends LitElement {
@@ -161,7 +161,7 @@ export class InfraredEye extends LitElement {
         placeholder="434F"
         required
         pattern="([0-9A-Fa-f]{2} ?)+"
-        maxlength=${mostDigits}
+        maxlength=${longest}
         spellcheck="false"
         autocomplete="off"
       />

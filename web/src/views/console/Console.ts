@@ -27,6 +27,7 @@ export class Console extends LitElement {
   private readonly isOpen = new Reads(this, (known) => known.connection === 'open');
   @state() private typed = '';
   private back = -1; // how many lines before; -1: the one that is being typed
+  private draft = ''; // which comes back behind the lines from before
   private wasOpen = false;
   private isAtEnd = true;
 
@@ -143,8 +144,9 @@ export class Console extends LitElement {
   private leaf(event: Event, by: number): void {
     event.preventDefault();
     const lines = linesBefore(this.log.value);
+    if (this.back === -1) this.draft = this.typed;
     this.back = Math.min(lines.length - 1, Math.max(-1, this.back + by));
-    this.type(lines[this.back] ?? '');
+    this.type(lines[this.back] ?? this.draft);
   }
 
   // A Tab that completes nothing goes on as every Tab does.
