@@ -69,7 +69,7 @@ export class StateBar extends LitElement {
   // Where and why, for those who have no pointer to rest on it.
   private renderOpen(health: readonly Health[]) {
     const detail = health.find(({ part }) => part === this.open)?.detail;
-    return html`<p class=${detail ? 'why' : ''} role="status">${detail ?? nothing}</p>`;
+    return html`<p class=${detail ? 'why' : 'unseen'} role="status">${detail ?? nothing}</p>`;
   }
 
   private renderWho() {
