@@ -218,6 +218,23 @@ TEST_F(Commands, JournalSaysWhoDidWhat) {
          "2026-11-21 12:00:01  adapter  gone\n");
 }
 
+// It goes on for ever, so the end of the test ends it: where the hub refuses.
+TEST_F(Commands, AJournalThatIsFollowedPrintsEachEntryOnce) {
+  const auto page = [](const char* number, const char* text) {
+    return R"({"entries":[{"seq":)" + std::string(number) +
+           R"(,"time":"2026-11-21T12:00:00.000Z","kind":"card","text":")" + text +
+           R"(","by":null}],"lost":0})";
+  };
+  hub.Answer("GET /api/journal", page("17", "first"));
+  hub.Answer("GET /api/journal?after=17", page("18", "second"));
+  hub.Answer("GET /api/journal?after=18", R"({"title":"no","status":403,"detail":"no"})", 403);
+  const Outcome outcome = Run({"journal", "--follow"});
+  EXPECT_EQ(outcome.out,
+            "2026-11-21 12:00:00  card  first\n"
+            "2026-11-21 12:00:00  card  second\n");
+  EXPECT_NE(outcome.status, 0);
+}
+
 TEST_F(Commands, AccountsAreKept) {
   hub.Answer("POST /api/accounts", "", 204);
   const Outcome added = Run({"account", "add", "operator", "admin"}, "correct horse\n");
