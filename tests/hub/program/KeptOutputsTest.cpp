@@ -19,10 +19,11 @@ TEST(KeptOutputs, ADocumentIsReadAsItWasWritten) {
 TEST(KeptOutputs, WhatIsBrokenIsPassedOverAndTheRestIsKept) {
   for (const char* all_of_it : {"", "[", "[]", "7", "null", R"({"5.0":254)", "\xFF"})
     EXPECT_EQ(Again(all_of_it), "{}") << all_of_it;
-  for (const char* member : {R"("5.0":256)", R"("5.0":-1)", R"("5.0":1.5)", R"("5.0":"1")",
-                             R"("5.0":null)", R"("G.0":1)", R"("5.G":1)", R"("5-0":1)", R"("5.00":1)",
-                             R"("":1)"})
-    EXPECT_EQ(Again(("{" + std::string(member) + R"(,"6.1":3})").c_str()), R"({"6.1":3})") << member;
+  for (const char* member :
+       {R"("5.0":256)", R"("5.0":-1)", R"("5.0":1.5)", R"("5.0":"1")", R"("5.0":null)",
+        R"("G.0":1)", R"("5.G":1)", R"("5-0":1)", R"("5.00":1)", R"("":1)"})
+    EXPECT_EQ(Again(("{" + std::string(member) + R"(,"6.1":3})").c_str()), R"({"6.1":3})")
+        << member;
 }
 
 }  // namespace

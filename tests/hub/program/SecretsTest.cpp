@@ -79,7 +79,8 @@ TEST_F(SecretsTest, NoSecretComesOutAgain) {
   const std::string handed = Ask("POST", "/api/session/ticket", "", cookie);
   const size_t at = handed.find(R"("ticket":")") + 10;
   const std::string ticket = handed.substr(at, handed.find('"', at) - at);
-  const std::string session = cookie.substr(cookie.find('=') + 1, cookie.size() - 2 - cookie.find('=') - 1);
+  const std::string session =
+      cookie.substr(cookie.find('=') + 1, cookie.size() - 2 - cookie.find('=') - 1);
   const std::string bearer = "Authorization: Bearer " + token;
   struct Call {
     const char* verb;
@@ -102,9 +103,12 @@ TEST_F(SecretsTest, NoSecretComesOutAgain) {
       {"POST", "/api/session", R"({"account":"nobody","password":"correct horse"})", "", 401},
       {"POST", "/api/session", R"({"account":"operator","password":"correct horse")", "", 400},
       {"POST", "/api/session", R"({"account":"operator","password":["correct horse"]})", "", 422},
-      {"POST", "/api/session", R"({"account":"operator","password":"correct horse","x":1})", "", 422},
-      {"POST", "/api/accounts", R"({"account":"operator","password":"correct horse","role":"use"})", cookie, 409},
-      {"POST", "/api/accounts", R"({"account":"clerk","password":"correct horse","role":"x"})", cookie, 422},
+      {"POST", "/api/session", R"({"account":"operator","password":"correct horse","x":1})", "",
+       422},
+      {"POST", "/api/accounts", R"({"account":"operator","password":"correct horse","role":"use"})",
+       cookie, 409},
+      {"POST", "/api/accounts", R"({"account":"clerk","password":"correct horse","role":"x"})",
+       cookie, 422},
       {"POST", "/api/tokens", R"({"name":"script","role":"use"})", cookie, 409},
       {"PUT", "/api/accounts/operator", R"({"password":"correct horse","role":"x"})", cookie, 422},
       {"GET", "/api/journal?limit=1000", "", cookie, 200},
