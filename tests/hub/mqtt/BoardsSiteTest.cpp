@@ -146,5 +146,7 @@ TEST_F(BoardsSite, OneThatLiesHurtsItsOwnRowOnly) {
   Tell("qelm/liar/5/0", "maybe");
   ExpectCtl({"--board", "liar", "get", "5.0"}, "liar has no card at 5");
   ExpectCtl({"--board", "bench", "set", "5.0", "on"}, "5.0");
-  if (!daemon.Instrumented()) EXPECT_LT(ResidentKilobytesOf(neighbour->Pid()), before + 30'000);
+  if (!daemon.Instrumented()) {
+    EXPECT_LT(ResidentKilobytesOf(neighbour->Pid()), before + 30'000);
+  }
 }

@@ -109,7 +109,9 @@ TEST_F(BrokerTest, OneThatStandsStillCostsNobodyElseAnything) {
   Bus("press 8 05");
   EXPECT_TRUE(WaitUntil([] { return Metric("qelm_broker_dropped_total") >= 1; }));
   EXPECT_GT(Metric("qelm_broker_merged_total"), 0);
-  if (!daemon.Instrumented()) EXPECT_LT(ResidentKilobytesOf(hub->Pid()), before + 4096);
+  if (!daemon.Instrumented()) {
+    EXPECT_LT(ResidentKilobytesOf(hub->Pid()), before + 4096);
+  }
   EXPECT_EQ(StatusOf(Ask("PUT", "/api/channels/0.0", R"({"value":77})")), 200);
   broker->Signal(SIGCONT);
   ExpectHeard("0 qelm/bench/0/0 77");
