@@ -31,7 +31,8 @@ export const dialScaleStyle = css`
     stroke-dasharray: 3 2;
   }
   .hand {
-    transition: transform var(--move);
+    transform: rotate(var(--turn));
+    transition: --turn var(--move);
   }
   .needle {
     fill: var(--ink);

@@ -22,6 +22,12 @@ export function valueAt(x: number, y: number, min: number, max: number, dial: Di
   return min + Math.min(1, Math.max(0, share)) * (max - min);
 }
 
+// The style of what is turned. A hand that glides by its `transform` would get a layer of its own
+// for that while, and each layer costs more than painting the hand anew.
+export function turnedBy(angle: number): string {
+  return `--turn: ${angle}deg`;
+}
+
 export function pointAt(angle: number, radius: number): [number, number] {
   const turn = (angle * Math.PI) / 180;
   return [radius * Math.sin(turn), -radius * Math.cos(turn)];

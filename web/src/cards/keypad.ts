@@ -2,6 +2,7 @@
 import { css, nothing, svg, type SVGTemplateResult } from 'lit';
 
 import { text } from '../text/text.js';
+import { turnedBy } from './geometry.js';
 
 const keys = 63;
 const pitch = 11;
@@ -63,7 +64,7 @@ export function drawEncoder(steps: number, contacts: number | null): SVGTemplate
     svg`<circle class="contact-dot ${contacts !== null && contacts & bit ? 'on' : ''}"
       cx=${x} cy="48" r="3.5"></circle>`;
   return svg`<g class="encoder"><circle class="cap" r="40"></circle>
-    <g class="turned" transform="rotate(${encoderAngle(steps)})">${notches}
+    <g class="turned" .style=${turnedBy(encoderAngle(steps))}>${notches}
       <circle class="dimple" cy="-24" r="6"></circle></g>
     ${contact(2, -7)}${contact(1, 7)}</g>`;
 }
@@ -109,7 +110,8 @@ export const keypadStyle = css`
   .encoder .turned {
     stroke: var(--edge);
     stroke-width: 1.5;
-    transition: transform var(--move);
+    transform: rotate(var(--turn));
+    transition: --turn var(--move);
   }
   .encoder .dimple {
     fill: var(--well);

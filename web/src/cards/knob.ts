@@ -2,7 +2,7 @@
 import { css, svg, type SVGTemplateResult } from 'lit';
 
 import type { TrailPoint } from '../state/State.js';
-import { angleOf, arc, round, ticks } from './geometry.js';
+import { angleOf, arc, round, ticks, turnedBy } from './geometry.js';
 
 export const knobBox = '-50 -48 100 84';
 export const sparkBox = '0 0 100 24';
@@ -17,7 +17,7 @@ export function drawKnob(value: number | null, min: number, max: number): SVGTem
     value === null
       ? null
       : svg`<path class="way" d=${arc(round.from, angle, 34)}></path>
-        <g class="turned" transform="rotate(${angle})"><path class="grip" d=${grip}></path>
+        <g class="turned" .style=${turnedBy(angle)}><path class="grip" d=${grip}></path>
           <path class="pointer" d="M0-12V-28"></path></g>`;
   return svg`<g class="knob ${value === null ? 'unknown' : ''}">
     <path class="scale" d=${scale}></path><path class="track" d=${track}></path>
@@ -69,7 +69,8 @@ export const knobStyle = css`
     stroke: var(--line);
   }
   .knob .turned {
-    transition: transform var(--move);
+    transform: rotate(var(--turn));
+    transition: --turn var(--move);
   }
   .knob .pointer {
     stroke: var(--ink);

@@ -3,45 +3,45 @@ import { css, svg, type SVGTemplateResult } from 'lit';
 
 import type { Certainty } from '../state/select.js';
 
+// Its parts are always there and the style shows those that are meant: a lamp that goes on is
+// painted anew, and nothing is laid out.
 export function drawLamp(isOn: boolean, certainty: Certainty): SVGTemplateResult {
-  const lens = svg`<circle class="lens" r="6"></circle>`;
-  if (certainty === 'unknown')
-    return svg`<g class="lamp unknown">${lens}<path d="M-3.4 3.4L3.4-3.4"></path></g>`;
-  const halo = isOn
-    ? svg`<circle class="halo" r="11"></circle><circle class="halo" r="8.5"></circle>`
-    : null;
-  const ring = certainty === 'known' ? null : svg`<circle class="ring" r="9.5"></circle>`;
-  const core = isOn ? svg`<circle class="core" cy="-1.5" r="2.5"></circle>` : null;
-  return svg`<g class="lamp ${certainty} ${isOn ? 'on' : 'off'}">${halo}${ring}${lens}${core}</g>`;
+  const look = certainty === 'unknown' ? certainty : `${certainty} ${isOn ? 'on' : 'off'}`;
+  return svg`<g class="lamp ${look}">
+    <circle class="halo" r="11"></circle><circle class="halo" r="8.5"></circle>
+    <circle class="ring" r="9.5"></circle><circle class="lens" r="6"></circle>
+    <circle class="core" cy="-1.5" r="2.5"></circle>
+    <path class="slash" d="M-3.4 3.4L3.4-3.4"></path>
+  </g>`;
 }
 
 export const lampStyle = css`
+  .lamp {
+    fill: none;
+  }
   .lamp .lens {
     fill: var(--well);
     stroke: var(--edge);
     stroke-width: 1.25;
-    transition: fill var(--move);
   }
   .lamp.on .lens {
     fill: var(--on);
     stroke: var(--on);
   }
-  .lamp .halo {
+  .lamp.on .halo {
     fill: var(--halo);
-    opacity: 0.5;
+    fill-opacity: 0.5;
   }
-  .lamp .core {
+  .lamp.on .core {
     fill: var(--on-core);
   }
-  .lamp .ring {
-    fill: none;
+  .lamp.assumed .ring {
     stroke: var(--ink);
     stroke-width: 1;
-  }
-  .lamp.assumed .ring {
     stroke-dasharray: 2 2;
   }
   .lamp.pending .ring {
+    stroke: var(--ink);
     stroke-width: 2;
     stroke-dasharray: 15 45;
   }
@@ -49,7 +49,7 @@ export const lampStyle = css`
     fill: none;
     stroke-dasharray: 2 1.77;
   }
-  .lamp.unknown path {
+  .lamp.unknown .slash {
     stroke: var(--edge);
     stroke-width: 1.25;
   }

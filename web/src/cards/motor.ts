@@ -3,7 +3,7 @@ import { css, svg, type SVGTemplateResult } from 'lit';
 
 import type { Certainty } from '../state/select.js';
 import { dialScale } from './dialScale.js';
-import { angleOf, arc, round } from './geometry.js';
+import { angleOf, arc, round, turnedBy } from './geometry.js';
 
 export const motorBox = '-50 -50 100 88';
 
@@ -29,7 +29,7 @@ export function drawMotor(
       ? null
       : svg`<path class="turning" d=${arc(angleOf(rest, min, max, round), angle, 33)}></path>`;
   return svg`<g class="motor ${certainty}">${scale}${turning}
-    <g class="hand" transform="rotate(${angle})">
+    <g class="hand" .style=${turnedBy(angle)}>
       <path class="needle" d="M-1.6 8L-.6-40h1.2L1.6 8z"></path>
     </g>
     <circle class="hub" r="6"></circle></g>`;

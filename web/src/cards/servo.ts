@@ -3,7 +3,7 @@ import { css, svg, type SVGTemplateResult } from 'lit';
 
 import type { Certainty } from '../state/select.js';
 import { dialScale } from './dialScale.js';
-import { angleOf, horn } from './geometry.js';
+import { angleOf, horn, turnedBy } from './geometry.js';
 
 export const servoBox = '-50 -50 100 66';
 
@@ -21,7 +21,7 @@ export function drawServo(
     return svg`<g class="servo unknown">${scale}${body}<circle class="hub" r="9"></circle></g>`;
   const angle = angleOf(value, min, max, horn);
   return svg`<g class="servo ${certainty}">${scale}${body}
-    <g class="hand" transform="rotate(${angle})">
+    <g class="hand" .style=${turnedBy(angle)}>
       <path class="needle arm" d=${arm}></path>
       <circle class="hole" cy="-34" r="1.5"></circle><circle class="hole" cy="-27" r="1.5"></circle>
       <circle class="hole" cy="-20" r="1.5"></circle>
