@@ -4,6 +4,7 @@ export const plateStyle = css`
   :host {
     display: grid;
     container-type: inline-size;
+    isolation: isolate; /* a plate that has not changed is not painted anew */
   }
   .plate {
     display: flex;

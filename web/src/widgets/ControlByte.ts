@@ -53,12 +53,23 @@ export class ControlByte extends ChannelPart {
       .value {
         font-size: 0.8125rem;
       }
+      /* Nothing around it is laid out when it changes. */
+      .figure {
+        display: inline-block;
+        width: 3ch;
+        height: 1.25em;
+        contain: layout size;
+        text-align: right;
+        vertical-align: top;
+      }
     `,
   ];
 
   override render() {
     return html`${this.renderName()}
-      <span class="value">${formatValue(this.channel)}${this.renderDoubt()}</span>
+      <span class="value"
+        ><span class="figure">${formatValue(this.channel)}</span>${this.renderDoubt()}</span
+      >
       <div class="bits">${bits.map((bit) => this.renderBit(bit))}</div>`;
   }
 

@@ -17,6 +17,7 @@ import { ChannelPart } from './ChannelPart.js';
 
 const page = 10; // steps
 const settle = 800; // ms till the hub's value is shown again
+const mostInLine = 5; // characters of a value with its unit that fit below the narrowest dial
 const slop = 6; // pixels that a finger goes across before it turns anything: down it scrolls
 
 export abstract class DialPart extends ChannelPart {
@@ -84,13 +85,18 @@ export abstract class DialPart extends ChannelPart {
         </div>`
       : html`<div class="dial" role="img" aria-label="${this.label}: ${shown}">${drawing}</div>`;
     return html`${dial}
-      <div class="value">
+      <div class="value ${this.isShort(shown) ? 'short' : ''}">
         ${shown}${this.channel.unit
           ? html`<span class="unit">${this.channel.unit}</span>`
           : nothing}
         ${this.renderDoubt()}
       </div>
       ${this.renderBelow()}${this.renderName()}`;
+  }
+
+  // It stands in one line, however narrow the plate is.
+  private isShort(shown: string): boolean {
+    return shown.length + (this.channel.unit?.length ?? 0) <= mostInLine;
   }
 
   protected renderBelow(): TemplateResult | typeof nothing {
@@ -190,6 +196,11 @@ export const dialStyle = css`
   .value {
     font-size: var(--value-size);
     line-height: 1.2;
+  }
+  /* Nothing around it is laid out when it changes. */
+  .short {
+    height: 1.2em;
+    contain: layout size;
   }
   .unit {
     margin-left: 0.25em;

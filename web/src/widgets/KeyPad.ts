@@ -39,8 +39,18 @@ export class KeyPad extends LitElement {
         gap: 0.5rem 0.75rem;
         align-items: center;
       }
-      .pad {
+      /* Blocks of their own: what changes in them is laid out without the page around them. */
+      .pad,
+      .pad svg {
         width: 100%;
+      }
+      .held {
+        justify-self: stretch;
+      }
+      .held span {
+        display: block;
+        height: 1.25rem;
+        contain: layout size;
       }
       .encoder-drawing {
         width: 4.5rem;
@@ -123,21 +133,22 @@ export class KeyPad extends LitElement {
     const { columns } = this;
     const key = held === 0 ? text.keys.none : text.keys.held(hex(held));
     const value = raw === null ? text.unknownValue : key;
-    return html`<svg
-        class="pad"
-        viewBox=${padBox(columns)}
-        role=${this.usable ? 'group' : 'img'}
-        aria-label="${text.keys.pad}: ${value}"
-        @pointerdown=${this.onPress}
-        @pointerup=${this.onRelease}
-        @pointercancel=${this.onRelease}
-        @keydown=${this.onKeyDown}
-        @keyup=${this.onKeyUp}
-      >
-        ${drawPad(held, recent, this.usable ? this.reached : null, columns)}
-      </svg>
-      ${this.usable ? this.renderGrip(raw) : this.renderEncoder(raw)}
-      <div class="held" aria-hidden="true">${value}</div>
+    return html`<div class="pad">
+        <svg
+          viewBox=${padBox(columns)}
+          role=${this.usable ? 'group' : 'img'}
+          aria-label="${text.keys.pad}: ${value}"
+          @pointerdown=${this.onPress}
+          @pointerup=${this.onRelease}
+          @pointercancel=${this.onRelease}
+          @keydown=${this.onKeyDown}
+          @keyup=${this.onKeyUp}
+        >
+          ${drawPad(held, recent, this.usable ? this.reached : null, columns)}
+        </svg>
+      </div>
+      ${this.usable ? this.renderGrip(raw) : html`<div>${this.renderEncoder(raw)}</div>`}
+      <div class="held" aria-hidden="true"><span>${value}</span></div>
       <ol class=${last.length === 0 ? 'none' : ''} aria-label=${text.keys.recent}>
         ${last.map((entry) => this.renderEntry(entry))}
       </ol>`;

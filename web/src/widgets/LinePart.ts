@@ -32,9 +32,11 @@ export abstract class LinePart extends ChannelPart {
 
   private renderDrawing(): TemplateResult {
     return html`<span class="number" aria-hidden="true">${this.number}</span>
-      <svg class="drawing" viewBox="0 0 36 20" aria-hidden="true">
-        ${this.draw(this.isOn, this.certainty !== 'unknown')}
-      </svg>
+      <span class="drawing"
+        ><svg viewBox="0 0 36 20" aria-hidden="true">
+          ${this.draw(this.isOn, this.certainty !== 'unknown')}
+        </svg></span
+      >
       <svg class="bulb" viewBox="-12 -12 24 24" aria-hidden="true">
         ${drawLamp(this.isOn, this.certainty)}
       </svg>`;

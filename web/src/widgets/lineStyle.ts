@@ -20,9 +20,13 @@ export const lineStyle = css`
     color: var(--faint);
     font-size: 0.6875rem;
   }
+  /* A drawing in a block of its own is laid out without the page around it; one in a grid is not. */
   .drawing {
-    width: 100%;
     height: min(calc(1.125rem * var(--line-scale)), var(--line-height, 100%));
+  }
+  .drawing svg {
+    width: 100%;
+    height: 100%;
   }
   .bulb {
     width: 100%;
