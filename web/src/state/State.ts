@@ -5,6 +5,7 @@ import type { BoardCards, BoardRows } from './boards.js';
 import type { Cards } from './cards.js';
 import { type ConsoleLog, emptyConsole } from './console.js';
 import { emptyJournal, type JournalLog } from './journal.js';
+import { type Pace, still } from './pace.js';
 import { noPlots, type Plots } from './plots.js';
 import { noSettings, type Settings } from './settings.js';
 
@@ -40,6 +41,7 @@ export interface State {
   isCounting: boolean; // a hub that began anew has told of no card yet: these are from before
   boards: BoardRows; // the others on the broker
   boardCards: BoardCards; // of those that somebody has looked at
+  pace: Pace;
   missed: number; // events that this page has lost
   keys: Readonly<Record<string, readonly KeyEvent[]>>; // the last of each card, newest first
   turns: Readonly<Record<string, number>>; // steps of a card's encoder, right is more
@@ -66,6 +68,7 @@ export const beginning: State = {
   isCounting: false,
   boards: {},
   boardCards: {},
+  pace: still,
   missed: 0,
   keys: {},
   turns: {},

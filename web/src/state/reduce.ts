@@ -4,6 +4,7 @@ import type { Action } from './Actions.js';
 import { boardCardsAfter, boardsAfter, boardsOf, byAddress } from './boards.js';
 import { withChannels } from './cards.js';
 import { addKeys, addTurns, codesAfter, keysBefore, trailsAfter } from './memory.js';
+import { paceAfter } from './pace.js';
 import { plotsAfter } from './plots.js';
 import type { State } from './State.js';
 
@@ -75,6 +76,7 @@ function takeChanges(state: State, changes: Changes, now: number): State {
   next = takeChannels(next, changes.channels, now);
   return {
     ...next,
+    pace: paceAfter(state.pace, changes.channels.length, now),
     bus: changes.bus ?? next.bus,
     arrangement: changes.page ?? next.arrangement,
     boards: boardsAfter(next.boards, changes.boards),

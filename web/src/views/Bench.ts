@@ -18,6 +18,7 @@ export class Bench extends LitElement {
   private readonly cards = new Reads(this, (known) => known.cards);
   private readonly arrangement = new Reads(this, (known) => known.arrangement);
   private readonly stale = new Reads(this, isStale);
+  private readonly isFast = new Reads(this, ({ pace }) => pace.isFast);
   private readonly canArrange = new Reads(this, (known) => may(known, 'admin'));
   private readonly isEmpty = new Reads(this, (known) => presentCards(known).length === 0);
   private readonly hasHands = new Reads(this, hasHands);
@@ -31,12 +32,15 @@ export class Bench extends LitElement {
     // Missing cards are shown as such; slots of a virtual bus wait for a hand.
     if (isEmpty && !this.hasHands.value && Object.keys(this.cards.value).length === 0) return begin;
     return html`${isEmpty ? begin : html`<h1 class="unseen">${text.nav.bench}</h1>`}
-      ${renderRails(rails, this.stale.value, (slot) => this.renderSlot(slot))}
-      ${this.renderVirtual()}
+      ${renderRails(rails, this.look, (slot) => this.renderSlot(slot))} ${this.renderVirtual()}
       <footer>
         <qelm-legend></qelm-legend>
         ${this.canArrange.value ? this.renderArrange() : nothing}
       </footer>`;
+  }
+
+  private get look(): string {
+    return `${this.stale.value ? 'stale' : ''} ${this.isFast.value ? 'fast' : ''}`;
   }
 
   // Its file comes only where there is a virtual bus.

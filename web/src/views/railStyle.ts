@@ -47,6 +47,10 @@ export const railStyle = css`
     --ink: var(--faint);
     --metal: var(--edge);
   }
+  /* Hands that are told somewhere else before they arrive would glide all the time and show nothing. */
+  .fast {
+    --move: 0ms;
+  }
   .stale .slot {
     outline: var(--hair) dashed var(--edge);
     outline-offset: -1px;

@@ -9,10 +9,10 @@ const slotsInQuarter = 4;
 
 export function renderRails(
   rails: readonly Rail[],
-  isStale: boolean,
+  look: string, // classes: "stale", "fast"
   renderSlot: (slot: Slot) => TemplateResult,
 ): TemplateResult {
-  return html`<div class="rails ${isStale ? 'stale' : ''}">
+  return html`<div class="rails ${look}">
     ${rails.map(
       ({ title, slots }) =>
         html`${title === null ? nothing : html`<h2 class="group">${title}</h2>`}

@@ -82,7 +82,7 @@ export class BoardsView extends LitElement {
         event.stopPropagation();
       }}
     >
-      ${renderRails(arrange(cards, {}), isStale, ({ address, card }: Slot) =>
+      ${renderRails(arrange(cards, {}), isStale ? 'stale' : '', ({ address, card }: Slot) =>
         card
           ? html`<qelm-plate
               class="slot ${card.kind}"
