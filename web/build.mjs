@@ -42,11 +42,18 @@ const nameOf = (entry) =>
     Object.entries(result.metafile.outputs).find(([, output]) => output.entryPoint === entry)[0],
   );
 
+// What main.js begins with is fetched together with it, not after it.
+const { imports } = result.metafile.outputs[`dist/${nameOf('src/main.ts')}`];
+const preloads = imports
+  .filter(({ kind }) => kind === 'import-statement')
+  .map(({ path }) => `<link rel="modulepreload" href="${basename(path)}" />`);
+
 const icon = [...files.keys()].find((name) => name.startsWith('icon-'));
 const index = (await readFile(join(here, 'src/index.html'), 'utf8'))
   .replace('main.js', nameOf('src/main.ts'))
   .replace('page.css', nameOf('src/theme/page.css'))
-  .replace('icon.svg', icon);
+  .replace('icon.svg', icon)
+  .replace('</head>', `  ${preloads.join('\n    ')}\n  </head>`);
 files.set('index.html', new TextEncoder().encode(index));
 
 for (const [name, bytes] of files) {

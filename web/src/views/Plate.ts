@@ -13,6 +13,7 @@ import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 import type { RenamedEvent } from '../widgets/Name.js';
 import { plateStyle } from './plateStyle.js';
+import { turn } from './turn.js';
 
 const drives = 3; // the fourth channel of a motor is its control byte
 
@@ -38,6 +39,11 @@ export class Plate extends LitElement {
   private readonly trails = new Reads(this, (state) =>
     this.isOwn && this.kind === 'analogue-input' ? state.trails : undefined,
   );
+
+  protected override async scheduleUpdate(): Promise<void> {
+    if (!this.hasUpdated) await turn();
+    await super.scheduleUpdate();
+  }
 
   override render() {
     const { address, kind, name, state } = this.card;

@@ -7,7 +7,7 @@ import { join } from 'node:path';
 import { test } from 'node:test';
 
 import { snapshot } from '../unit/kit.js';
-import type { Look, Person } from './Person.js';
+import { eventually, type Look, type Person } from './Person.js';
 import { differing } from './pictures.js';
 import { eightCards, now, twoBoards } from './scenes.js';
 import { Stage } from './Stage.js';
@@ -48,6 +48,10 @@ async function taken(shot: Shot, look: Look): Promise<Person> {
   const plots = shot.name === 'plots' ? ['F.3', '5.0'] : [];
   const person = await stage.arrives(shot.shown, { ...look, now, plots }, shot.view);
   await person.page.getByText(shot.shows).first().waitFor();
+  const count = (path: string) => person.page.locator(path).count();
+  await eventually('every plate is drawn', async () => {
+    return (await count('qelm-plate')) === (await count('qelm-plate section.plate'));
+  });
   return person;
 }
 
