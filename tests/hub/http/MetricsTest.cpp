@@ -1,7 +1,11 @@
 // The text that a monitoring system reads.
 #include <sys/resource.h>
 
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/use_future.hpp>
+
 #include "Stand.h"
+#include "http/Metrics.h"
 #include "kit/Wait.h"
 
 namespace hub::http {
@@ -89,6 +93,66 @@ TEST_F(MetricsTest, OutcomesAndReceiptTimesAreCounted) {
   EXPECT_TRUE(Has("qelm_receipt_seconds_bucket{le=\"+Inf\"} 2"));
   EXPECT_TRUE(Has("qelm_receipt_seconds_sum 0.303"));
   EXPECT_TRUE(Has("qelm_receipt_seconds_count 2"));
+}
+
+// All numbers differ, so that none stands for another.
+TEST_F(MetricsTest, EachNumberIsOfWhatItsNameSays) {
+  stand.AddAccount();
+  for (int i = 0; i < 8; ++i)
+    boost::asio::co_spawn(stand.context, stand.access.LogIn("operator", "wrong", "10.0.0.1"),
+                          boost::asio::use_future)
+        .get();
+  const std::string text = stand.Run([this] {
+    stand.house.traffic.broker = {.sent = 71, .heard = 72, .dropped = 73, .merged = 74};
+    stand.bus.SetPace(80);
+    return MetricsText(stand.house, {.requests = {{431, 67}},
+                                     .turned_away = 61,
+                                     .calls = 62,
+                                     .messages = 63,
+                                     .merged = 64,
+                                     .lost = 65,
+                                     .cut = 66});
+  });
+  for (const char* line :
+       {"qelm_bus_pace_percent 80",        "qelm_link_commands_total 42",
+        "qelm_link_merged_total 43",       "qelm_link_refused_total 44",
+        "qelm_link_reports_total 45",      "qelm_link_sessions_total 46",
+        "qelm_link_restored_total 47",     "qelm_store_written_bytes_total 51",
+        "qelm_store_waiting 52",           "qelm_store_dropped_total 53",
+        "qelm_store_documents_waiting 54", "qelm_http_turned_away_total 61",
+        "qelm_live_calls_total 62",        "qelm_live_messages_total 63",
+        "qelm_live_merged_total 64",       "qelm_live_lost_total 65",
+        "qelm_live_cut_total 66",          "qelm_http_requests_total{status=\"431\"} 67",
+        "qelm_broker_sent_total 71",       "qelm_broker_heard_total 72",
+        "qelm_broker_dropped_total 73",    "qelm_broker_merged_total 74",
+        "qelm_logins_wrong_total 5",       "qelm_logins_throttled_total 3"})
+    EXPECT_NE(text.find("\n" + std::string(line) + "\n"), std::string::npos) << line;
+}
+
+TEST_F(MetricsTest, OneOfTheStatesIsThere) {
+  struct Case {
+    model::DaemonState daemon;
+    model::AdapterState adapter;
+    model::BrokerState broker;
+    std::string numbers;  // daemon up and waiting, adapter up, broker up
+  };
+  const Case cases[] = {
+      {model::DaemonState::kAbsent, model::AdapterState::kUp, model::BrokerState::kRefused, "0010"},
+      {model::DaemonState::kWaiting, model::AdapterState::kDown, model::BrokerState::kConnecting,
+       "0100"},
+      {model::DaemonState::kUp, model::AdapterState::kUnknown, model::BrokerState::kUp, "1001"}};
+  for (const Case& state : cases) {
+    stand.Run([&] {
+      stand.bus.SetDaemon({state.daemon, {}, {}, {}});
+      stand.bus.SetAdapter({state.adapter, {}, {}});
+      stand.bus.SetBroker(model::Broker{state.broker, "", ""});
+      stand.bus.Publish();
+    });
+    size_t at = 0;
+    for (const char* name :
+         {"qelm_daemon_up", "qelm_daemon_waiting", "qelm_adapter_up", "qelm_broker_up"})
+      EXPECT_TRUE(Has(std::string(name) + ' ' + state.numbers[at++])) << name << state.numbers;
+  }
 }
 
 TEST_F(MetricsTest, OtherPartsOfTheHubAddTheirOwn) {
