@@ -77,7 +77,11 @@ export class Keys {
       const words = [...(label ?? at).childNodes].flatMap((node) =>
         node instanceof HTMLSlotElement ? node.assignedNodes() : node,
       );
-      const said = words.filter((node) => node.nodeType !== Node.COMMENT_NODE && node !== at);
+      const isSaid = (node: Node) =>
+        node.nodeType !== Node.COMMENT_NODE &&
+        node !== at &&
+        !(node instanceof Element && node.ariaHidden === 'true');
+      const said = words.filter(isSaid);
       const name = at.getAttribute('aria-label') ?? said.map((node) => node.textContent).join('');
       return {
         name: name.trim().replace(/\s+/g, ' '),

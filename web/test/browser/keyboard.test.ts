@@ -131,7 +131,7 @@ test('another board is gone to, and switched', async () => {
   await opens('boards/yard', 'Away since', twoBoards);
   await keys.to('Shed');
   await keys.press('Enter');
-  await anna.doesNotRead(/^Away since/);
+  await anna.page.getByRole('switch', { name: 'Line 0' }).first().waitFor();
   const request = 'boards.channels.set {"board":"shed","id":"5.0","value":false}';
   await does('Line 0', ['Enter'], request);
   await anna.leaves();
