@@ -46,7 +46,7 @@ start_site() {
 
 # The hub has the daemon's three ports from now on. $1: more settings, or none
 start_hub() {
-  local ports=''
+  local ports='' url=localhost:${first}080
   [[ $first == 5 ]] || ports="cae = ${first}010
 io = ${first}011
 mon = ${first}012
@@ -74,9 +74,9 @@ TOML
   local _
   for _ in {1..400}; do
     # Commands go out some seconds after the start; the answer to this one says that it has.
-    if curl -s localhost:${first}080/healthz | grep -q '"adapter":"up"' &&
-      curl -s localhost:${first}080/api/cards/F | grep -q '"id":"F.5".*"known":true' &&
-      curl -s --json '{"do":"clear"}' localhost:${first}080/api/cards/E/control | grep -q '"known":true'
+    if curl -s "$url/healthz" | grep -q '"adapter":"up"' &&
+      curl -s "$url/api/cards/F" | grep -q '"id":"F.5".*"known":true' &&
+      curl -s --json '{"do":"clear"}' "$url/api/cards/E/control" | grep -q '"known":true'
     then return; fi
     sleep 0.05
   done
