@@ -1,79 +1,14 @@
-// The link against a daemon that the test plays.
-#include "link/Link.h"
+#include "LinkTest.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <future>
 
-#include "FakeDaemon.h"
-#include "LinkDriver.h"
-#include "kit/Bytes.h"
 #include "kit/Proc.h"
 #include "kit/TempDir.h"
 
 namespace hub::link {
 namespace {
-
-using namespace std::chrono_literals;
-using model::DaemonState;
-using protocol::LcdControl;
-using protocol::Lines;
-using protocol::WriteBlock;
-using protocol::WriteText;
-
-class LinkTest : public testing::Test {
- protected:
-  LinkOptions Options() const { return {.host = "127.0.0.1", .ports = daemon.Ports(), .log = ""}; }
-
-  void Introduce() {
-    daemon.AcceptAll();
-    daemon.GreetAll();
-    daemon.AnswerFirst();
-    ASSERT_TRUE(link.WaitUp());
-  }
-
-  // The link has asked for cards and polling, and for nothing else yet.
-  void Greet(const std::string& polling) {
-    daemon.AcceptAll();
-    daemon.GreetAll();
-    daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
-    daemon.Answer("POLLSTATE", polling);
-    daemon.AnswerCards();
-  }
-
-  bool WaitPolling(bool is_polling) {
-    return WaitUntil([&] {
-      return link.Look([](const model::Bus& bus) { return bus.Polling(); }) == is_polling;
-    });
-  }
-
-  // Everybody's commands wait while it lasts.
-  void BeginDiscovery() {
-    discovery = link.AskLater("FORCEDISCOVER");
-    EXPECT_EQ(daemon.client(Port::kCae).ReadUntil("\r\n"), "FORCEDISCOVER\r\n");
-  }
-  void EndDiscovery() {
-    daemon.Say(Port::kCae, FakeDaemon::Table("FORCED DISCOVER LIST:") + ">\r\n\r");
-    EXPECT_TRUE(discovery.get());
-    daemon.AnswerPolling();
-    daemon.AnswerInputs();
-  }
-
-  void SetMotor(unsigned number, uint8_t value, const std::vector<std::string>& lines) {
-    auto outcome = link.SetLater(4, {{number, value}});
-    for (const std::string& line : lines) {
-      daemon.ExpectCommand(line);
-      daemon.Echo(line);
-    }
-    EXPECT_EQ(outcome.get(), Outcome::kAccepted);
-  }
-
-  std::future<std::optional<Lines>> discovery;
-  FakeDaemon daemon;
-  LinkDriver link{Options()};
-};
 
 TEST_F(LinkTest, GreetedOnAllPortsItAsksWhatIsThere) {
   EXPECT_EQ(link.Daemon().state, DaemonState::kAbsent);
@@ -297,99 +232,6 @@ TEST_F(LinkTest, ADaemonThatStopsReadingHoldsNothingUp) {
   EXPECT_TRUE(link.WaitDown());
 }
 
-// What was written may have been done: it is what the lamps are to be, until they are told anew.
-TEST_F(LinkTest, OneLostSessionEndsTheOthersAndAllComeBack) {
-  std::string last;
-  uint8_t value = 0x10;
-  for (const Port port : {Port::kCae, Port::kIo, Port::kMon}) {
-    Introduce();
-    if (!last.empty()) {
-      daemon.ExpectCommand(last);
-      daemon.Echo(last);
-    }
-    last = "a5b0d" + ::Hex(++value);
-    auto outcome = link.SendLater(WriteBlock{5, 0, value});
-    auto answer = link.AskLater("HELP");
-    daemon.ExpectCommand(last);
-    daemon.client(port).Close();
-    EXPECT_EQ(outcome.get(), Outcome::kAbsent);
-    EXPECT_EQ(answer.get(), std::nullopt);
-    EXPECT_EQ(link.Daemon().state, DaemonState::kAbsent);
-    for (const Port each : {Port::kCae, Port::kIo, Port::kMon}) {
-      if (each == port) continue;
-      EXPECT_TRUE(daemon.IsClosed(each));
-    }
-  }
-}
-
-TEST_F(LinkTest, NothingIsQueuedForADaemonThatIsNotThere) {
-  EXPECT_EQ(link.Set(5, {{0, 0}}), Outcome::kAbsent);
-  EXPECT_EQ(link.Send(WriteBlock{5, 0, 0}), Outcome::kAbsent);
-  EXPECT_EQ(link.Ask("DRVVER"), std::nullopt);
-  EXPECT_TRUE(link.Asked().empty());
-}
-
-// A discovery is asked for and not answered: what is set meanwhile waits, and the daemon dies.
-TEST_F(LinkTest, WhatWasNeverSentIsForgottenWithItsSession) {
-  Introduce();
-  auto lamp = link.SendLater(WriteBlock{5, 0, 0xFE});
-  daemon.ExpectCommand("a5b0dFE");
-  daemon.Echo("a5b0dFE");
-  EXPECT_EQ(lamp.get(), Outcome::kAccepted);
-  BeginDiscovery();
-  auto waiting = link.SetLater(5, {{1, 0}, {15, 0}});
-  ASSERT_TRUE(WaitUntil([&] { return link.Channel(5, 15)->pending; }));
-  daemon.CloseAll();
-  EXPECT_EQ(waiting.get(), Outcome::kAbsent);
-  EXPECT_FALSE(link.Channel(5, 15)->pending);
-  Introduce();
-  daemon.ExpectCommand("a5b0dFE");
-  daemon.Echo("a5b0dFE");
-  auto next = link.SetLater(5, {{14, 0}});
-  daemon.ExpectCommand("a5b0dFE");
-  daemon.ExpectCommand("a5b1dBF");
-  daemon.Echo("a5b1dBF");
-  EXPECT_EQ(next.get(), Outcome::kAccepted);
-  EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFE}, {5, 1, 0xBF}}));
-}
-
-// Texts without an echo leave no room for more bytes: the lamps' commands wait behind them.
-TEST_F(LinkTest, WhatWaitedForItsTurnIsForgottenWithItsSession) {
-  Introduce();
-  auto lamp = link.SendLater(WriteBlock{5, 0, 0xFE});
-  daemon.ExpectCommand("a5b0dFE");
-  daemon.Echo("a5b0dFE");
-  EXPECT_EQ(lamp.get(), Outcome::kAccepted);
-  std::vector<std::future<Outcome>> waiting;
-  for (const size_t length : {34, 34, 34, 34, 34, 7}) {  // 255 bytes
-    const std::string text(length, 'x');
-    waiting.push_back(link.SendLater(WriteText{0xE, 0, 0, text}));
-    daemon.ExpectCommand("aElPAp0000t" + text);
-  }
-  waiting.push_back(link.SendLater(WriteBlock{5, 0, 0xFC}));
-  waiting.push_back(link.SendLater(WriteBlock{5, 1, 0x7F}));
-  ASSERT_TRUE(WaitUntil([&] { return link.Asked().size() == 3; }));
-  daemon.CloseAll();
-  for (auto& each : waiting) EXPECT_EQ(each.get(), Outcome::kAbsent);
-  EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFE}, {5, 0, 0xFC}, {5, 0, 0xFE}}));
-  Introduce();
-  daemon.ExpectCommand("a5b0dFE");
-  daemon.Echo("a5b0dFE");
-  auto next = link.SendLater(WriteBlock{0, 0, 0x10});
-  daemon.ExpectCommand("a0b0d10");
-}
-
-TEST_F(LinkTest, AMotionThatWasNeverSentEndsWithItsSession) {
-  Introduce();
-  BeginDiscovery();
-  auto pulse = link.SetLater(5, {{0, 0}}, {.pulse = 300ms, .ramp = {}});
-  ASSERT_TRUE(WaitUntil([&] { return link.Channel(5, 0)->pending; }));
-  daemon.CloseAll();
-  EXPECT_EQ(pulse.get(), Outcome::kAbsent);
-  Introduce();  // comes later than the way back would
-  EXPECT_TRUE(link.Asked().empty());
-}
-
 TEST_F(LinkTest, SeveralThatWaitForOneBlockAreOneCommand) {
   Introduce();
   BeginDiscovery();
@@ -418,80 +260,6 @@ TEST_F(LinkTest, NothingHappensWhileNothingHappens) {
     return wake_ups() - before <= 2;
   }));
 }
-
-TEST_F(LinkTest, OfTwoHeldPortsItNamesTheOneThatIsLeft) {
-  daemon.AcceptAll();
-  daemon.Greet(Port::kMon);
-  ASSERT_TRUE(WaitUntil([&] { return link.Daemon().waiting_for == "cae"; }));
-  const auto since = link.Daemon().since;
-  daemon.Greet(Port::kCae);
-  EXPECT_TRUE(WaitUntil([&] { return link.Daemon().waiting_for == "io"; }));
-  EXPECT_EQ(link.Daemon().since, since);
-  EXPECT_TRUE(link.WaitJournal("another program holds port io"));
-  daemon.Greet(Port::kIo);
-  daemon.AnswerFirst();
-  EXPECT_TRUE(link.WaitUp());
-}
-
-// What the daemon has said when it goes.
-struct Moment {
-  const char* name;
-  std::function<void(FakeDaemon& daemon)> until;
-};
-
-void PrintTo(const Moment& moment, std::ostream* out) { *out << moment.name; }
-
-class LinkLossTest : public LinkTest, public testing::WithParamInterface<Moment> {};
-
-TEST_P(LinkLossTest, ComesBack) {
-  daemon.AcceptAll();
-  GetParam().until(daemon);
-  daemon.CloseAll();
-  Introduce();
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Moments, LinkLossTest,
-    testing::Values(
-        Moment{"BeforeTheGreetings", [](FakeDaemon&) {}},
-        Moment{"InAGreeting", [](FakeDaemon& daemon) { daemon.Say(Port::kIo, "QELM IO int"); }},
-        Moment{"AfterOneGreeting", [](FakeDaemon& daemon) { daemon.Greet(Port::kMon); }},
-        Moment{"BeforeTheFirstPrompt",
-               [](FakeDaemon& daemon) {
-                 daemon.Greet(Port::kIo);
-                 daemon.Greet(Port::kMon);
-                 daemon.Say(Port::kCae, "QELM CAE interface is ready\r\n");
-               }},
-        Moment{"AfterAllGreetings", [](FakeDaemon& daemon) { daemon.GreetAll(); }},
-        Moment{"InAnAnswer",
-               [](FakeDaemon& daemon) {
-                 daemon.GreetAll();
-                 daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
-                 daemon.Say(Port::kCae, "DISCOVER LIST:\r\n\rDTI:0x0:EMP");
-               }}),
-    [](const auto& each) { return std::string(each.param.name); });
-
-class HeldPortTest : public LinkTest, public testing::WithParamInterface<Port> {};
-
-// The hub keeps its place in the queue: it does not come a second time.
-TEST_P(HeldPortTest, IsWaitedForByName) {
-  daemon.AcceptAll();
-  for (const Port port : {Port::kCae, Port::kIo, Port::kMon})
-    if (port != GetParam()) daemon.Greet(port);
-  daemon.Say(GetParam(), "220 mail.example ESMTP\r\n");
-  EXPECT_TRUE(WaitUntil([&] { return link.Daemon().state == DaemonState::kWaiting; }));
-  EXPECT_EQ(link.Daemon().waiting_for, protocol::TextOf(GetParam()).word);
-  EXPECT_TRUE(link.WaitJournal("another program holds port"));
-  EXPECT_FALSE(daemon.listener(GetParam()).HasClient(0ms));
-  daemon.Greet(GetParam());
-  daemon.AnswerFirst();
-  EXPECT_TRUE(link.WaitUp());
-}
-
-INSTANTIATE_TEST_SUITE_P(Ports, HeldPortTest, testing::Values(Port::kCae, Port::kIo, Port::kMon),
-                         [](const auto& each) {
-                           return std::string(protocol::TextOf(each.param).word);
-                         });
 
 // A daemon that starts beside the hub makes its log a moment later.
 TEST(LinkLogTest, WhatItHoldsCountsWheneverItCanBeReadFirst) {
