@@ -243,7 +243,7 @@ class Session {
   }
 
   void Lose() {
-    const auto tickets = outbox_.Abandon();
+    const auto tickets = outbox_.Abandon().tickets;
     Require(std::ranges::adjacent_find(tickets) == tickets.end(), "a ticket is there twice");
     Require(outbox_.BytesUnderWay() == 0 && !outbox_.NextDue(), "something is under way for ever");
     written_.clear();
