@@ -96,16 +96,15 @@ Findings CheckHub(const Facts& facts) {
 
 Findings CheckPage(const Facts& facts) {
   const HubFacts& hub = facts.hub;
-  // A hub that could not have its port does not run.
-  if (!hub.page_owner.empty() && !hub.processes.empty())
-    return {{Verdict::kNote, "port 5080 belongs to " + hub.page_owner + ", not to the hub",
-             "\"listen\" in /etc/qelm/qelm-hub.toml says where the page is"}};
-  if (!hub.page_owner.empty())
-    return {{Verdict::kWrong, "port 5080 belongs to " + hub.page_owner + ", not to the hub",
+  const std::string owned = "port 5080 belongs to " + hub.page_owner + ", not to the hub";
+  if (hub.processes.empty() && !hub.page_owner.empty())
+    return {{Verdict::kWrong, owned,
              "end that program, or give \"listen\" in /etc/qelm/qelm-hub.toml another port"}};
-  if (hub.page_is_open) return {{Verdict::kWell, "http://localhost:5080", {}}};
+  if (hub.page_is_open && hub.page_owner.empty())
+    return {{Verdict::kWell, "http://localhost:5080", {}}};
   if (hub.processes.empty()) return {{Verdict::kUnseen, "the hub does not run", {}}};
-  return {{Verdict::kNote, "nobody listens on port 5080",
+  // One that could not have its port would not run.
+  return {{Verdict::kNote, hub.page_is_open ? owned : "nobody listens on port 5080",
            "\"listen\" in /etc/qelm/qelm-hub.toml says where the page is"}};
 }
 
