@@ -61,6 +61,8 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
       motions(executor,
               [this](unsigned address, const std::vector<Target>& targets) {
                 Write(address, targets);
+                for (const Target& target : targets)
+                  outputs.Insist(address, model::BlockOf(bus.At(address)->Row(), target.number));
                 sender.Flush();
                 bus.Publish();
               }),

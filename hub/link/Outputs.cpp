@@ -74,7 +74,11 @@ void Outputs::Keep(const WriteBlock& command) {
 // Whatever becomes of this session.
 void Outputs::KeepAccepted(const WriteBlock& command) {
   Keep(command);
-  before_.erase({command.address, command.block});
+  Insist(command.address, command.block);
+}
+
+void Outputs::Insist(unsigned address, unsigned block) {
+  before_.erase({static_cast<uint8_t>(address), static_cast<uint8_t>(block)});
 }
 
 Receipt Outputs::WriteLater(const WriteBlock& command) {

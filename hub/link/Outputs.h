@@ -51,6 +51,9 @@ class Outputs {
   // A block that is none of an output, nor of a card that may come, goes to the daemon as it is.
   bool IsForOutput(const protocol::WriteBlock& command) const;
 
+  // What the block was asked to be stays so, whatever becomes of this session: a pulse goes back.
+  void Insist(unsigned address, unsigned block);
+
   void Hold();
   void Release(Record record);
   void SendAgain();  // all that is kept, whatever is on record

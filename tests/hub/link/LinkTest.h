@@ -57,6 +57,17 @@ class LinkTest : public testing::Test {
     daemon.AnswerInputs();
   }
 
+  // With 255 bytes of texts; until one of them is echoed, nothing else goes out.
+  std::vector<std::future<Outcome>> FillTheLine() {
+    std::vector<std::future<Outcome>> waiting;
+    for (const size_t length : {34, 34, 34, 34, 34, 7}) {
+      const std::string text(length, 'x');
+      waiting.push_back(link.SendLater(WriteText{0xE, 0, 0, text}));
+      daemon.ExpectCommand("aElPAp0000t" + text);
+    }
+    return waiting;
+  }
+
   void SetMotor(unsigned number, uint8_t value, const std::vector<std::string>& lines) {
     auto outcome = link.SetLater(4, {{number, value}});
     for (const std::string& line : lines) {

@@ -68,12 +68,7 @@ TEST_F(LinkTest, WhatWaitedForItsTurnIsForgottenWithItsSession) {
   daemon.ExpectCommand("a5b0dFE");
   daemon.Echo("a5b0dFE");
   EXPECT_EQ(lamp.get(), Outcome::kAccepted);
-  std::vector<std::future<Outcome>> waiting;
-  for (const size_t length : {34, 34, 34, 34, 34, 7}) {  // 255 bytes
-    const std::string text(length, 'x');
-    waiting.push_back(link.SendLater(WriteText{0xE, 0, 0, text}));
-    daemon.ExpectCommand("aElPAp0000t" + text);
-  }
+  auto waiting = FillTheLine();
   waiting.push_back(link.SendLater(WriteBlock{5, 0, 0xFC}));
   waiting.push_back(link.SendLater(WriteBlock{5, 1, 0x7F}));
   ASSERT_TRUE(WaitUntil([&] { return link.Asked().size() == 3; }));
@@ -85,6 +80,22 @@ TEST_F(LinkTest, WhatWaitedForItsTurnIsForgottenWithItsSession) {
   daemon.Echo("a5b0dFE");
   auto next = link.SendLater(WriteBlock{0, 0, 0x10});
   daemon.ExpectCommand("a0b0d10");
+}
+
+// Its way back waits behind texts without an echo when the session ends, and is not taken back.
+TEST_F(LinkTest, APulseGoesBackWhateverBecomesOfItsSession) {
+  Introduce();
+  const auto begin = std::chrono::steady_clock::now();
+  auto pulse = link.SetLater(5, {{0, 0}}, {.pulse = 300ms, .ramp = {}});
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.Echo("a5b0dFE");
+  EXPECT_EQ(pulse.get(), Outcome::kAccepted);
+  FillTheLine();
+  std::this_thread::sleep_until(begin + 500ms);  // too early shows less, and fails nothing
+  daemon.CloseAll();
+  ASSERT_TRUE(link.WaitDown());
+  Introduce();
+  daemon.ExpectCommand("a5b0dFF");
 }
 
 TEST_F(LinkTest, AMotionThatWasNeverSentEndsWithItsSession) {
