@@ -12,7 +12,8 @@ const viewer = { account: 'vera', role: 'view' as const };
 const stage = new Stage();
 
 test('a viewer is offered nothing in any view', async () => {
-  const meant = /^(Log out|Older entries|Daemon|Adapter\s+up|.*tab)$|^(\d+ (min|h|day|week|year|days)|1 \w+)$/;
+  const meant =
+    /^(Log out|Older entries|Daemon|Adapter\s+up|.*tab)$|^(\d+ (min|h|day|week|year|days)|1 \w+)$/;
   for (const view of views) {
     const shown = view === 'boards' ? twoBoards : virtualBus;
     const vera = await stage.arrives({ ...shown, who: viewer }, {}, view);
