@@ -111,8 +111,8 @@ TEST_F(Watch, OfAnotherBoardOnlyWhatItSays) {
   EXPECT_NE(out.find("  6  servo  present\n"), std::string::npos) << out;
   EXPECT_NE(out.find("  board shed is stale\n"), std::string::npos) << out;
   EXPECT_NE(out.find("12:00:02.000  6.0  Pump  7\n"), std::string::npos) << out;
-  EXPECT_EQ(out.find("5.0"), std::string::npos) << out;
-  EXPECT_EQ(out.find("1.0"), std::string::npos) << out;
+  EXPECT_EQ(out.find("  5.0"), std::string::npos) << out;
+  EXPECT_EQ(out.find("  1.0"), std::string::npos) << out;
 }
 
 TEST_F(Watch, ARefusedSubscriptionIsStatusOne) {
