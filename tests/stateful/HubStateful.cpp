@@ -2,6 +2,7 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "kit/Ports.h"
@@ -37,6 +38,10 @@ std::vector<int> ChannelsIn(const OutputCard& card, const std::string& hex) {
   }
   values.resize(static_cast<std::size_t>(card.channels));
   return values;
+}
+
+const OutputCard& CardOf(char digit) {
+  return *std::ranges::find(kCards, digit, &OutputCard::digit);
 }
 
 std::string Text(const std::set<int>& values) {
@@ -201,9 +206,17 @@ void HubStateful::CheckAll(const std::string&) {
     return AskLocally("GET", "/metrics").find("\nqelm_store_documents_waiting 0\n") !=
            std::string::npos;
   }));
-  // What was unsure is seen now.
-  for (const auto& [output, value] : Shown()) wanted_[output] = {value};
+  // What was unsure is seen now. Of what a killed hub had not stored, only the daemon knows.
+  for (const auto& [output, value] : Shown()) {
+    wanted_[output] = {value};
+    if (!IsKnown(output)) wanted_[output].insert(CardOf(output.first).start);
+  }
   asked_ = wanted_;
+}
+
+bool HubStateful::IsKnown(const Output& output) {
+  const std::string channel = output.first + ("." + std::to_string(output.second));
+  return AskLocally("GET", "/api/channels/" + channel).find(R"("known":true)") != std::string::npos;
 }
 
 std::map<HubStateful::Output, int> HubStateful::Shown() {

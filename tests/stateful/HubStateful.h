@@ -45,6 +45,7 @@ class HubStateful : public Scripted<HubStateful, HubSite> {
   void Count(const std::string& answer);
   void Take(Output output, int value, bool is_sure);
   bool IsReady();
+  static bool IsKnown(const Output& output);  // to the hub
   std::map<Output, int> Shown();
   std::string Difference();  // of what is shown and what was asked for; empty where there is none
   void CheckFrames();
