@@ -63,12 +63,18 @@ bool Outputs::IsForOutput(const WriteBlock& command) const {
 
 // What the block is to be from now on. Until the daemon has acted on it, it can be taken back.
 void Outputs::Keep(const WriteBlock& command) {
-  before_.try_emplace({command.address, command.block},
-                      keeper_.Asked(command.address, command.block));
+  before_.try_emplace({command.address, command.block}, KeptFor(command.address, command.block));
   if (bus_.At(command.address) == nullptr)
     remembered_[{command.address, command.block}] = command.value;
   keeper_.Remember(command);
   sinks_.asked(command);
+}
+
+// Of a card that did not come yet, too.
+std::optional<uint8_t> Outputs::KeptFor(uint8_t address, uint8_t block) const {
+  const auto remembered = remembered_.find({address, block});
+  return remembered == remembered_.end() ? keeper_.Asked(address, block)
+                                         : std::optional(remembered->second);
 }
 
 // Whatever becomes of this session.

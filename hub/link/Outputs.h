@@ -79,6 +79,7 @@ class Outputs {
   bool IsKept(unsigned address) const;
   void NoteRecord(Record record);
   void TellAsked(unsigned address);
+  std::optional<uint8_t> KeptFor(uint8_t address, uint8_t block) const;
   void Keep(const protocol::WriteBlock& command);
   void KeepAccepted(const protocol::WriteBlock& command);
   void PutBack(Place place, std::optional<uint8_t> value);

@@ -82,6 +82,29 @@ TEST_F(LinkTest, WhatWaitedForItsTurnIsForgottenWithItsSession) {
   daemon.ExpectCommand("a0b0d10");
 }
 
+// The daemon lists no card yet. What its lamps were in the hub's last run is not lost with what
+// they were asked to be meanwhile, which waits behind texts without an echo.
+TEST(LinkMemoryTest, ACardThatDidNotComeYetKeepsWhatItWas) {
+  FakeDaemon daemon;
+  LinkDriver link{{.host = "127.0.0.1", .ports = daemon.Ports(), .log = ""}, {{5, 0, 0xFE}}};
+  daemon.AcceptAll();
+  daemon.GreetAll();
+  daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+  daemon.AnswerPolling();
+  ASSERT_EQ(daemon.client(Port::kCae).ReadUntil("\r\n"), "DISCOVER\r\n");
+  std::vector<std::future<Outcome>> waiting;
+  for (unsigned address = 0; address < 5; ++address)
+    waiting.push_back(
+        link.SendLater(WriteText{static_cast<uint8_t>(address), 0, 0, std::string(34, 'x')}));
+  waiting.push_back(link.SendLater(WriteText{5, 0, 0, "xxxxxxx"}));
+  waiting.push_back(link.SendLater(WriteBlock{5, 0, 0xFC}));
+  daemon.Say(Port::kCae, "DISCOVER LIST:\r\n\r>\r\n\r");
+  ASSERT_TRUE(WaitUntil([&] { return link.Asked().size() == 1; }));
+  daemon.CloseAll();
+  for (auto& each : waiting) EXPECT_EQ(each.get(), Outcome::kAbsent);
+  EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFC}, {5, 0, 0xFE}}));
+}
+
 // Its way back waits behind texts without an echo when the session ends, and is not taken back.
 TEST_F(LinkTest, APulseGoesBackWhateverBecomesOfItsSession) {
   Introduce();
