@@ -1,10 +1,10 @@
 #include "http/LiveClient.h"
 
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 
 #include "api/JsonRpc.h"
 #include "http/Limits.h"
+#include "model/Fault.h"
 
 namespace hub::http {
 
@@ -28,7 +28,7 @@ asio::awaitable<void> LiveClient::Run(Request request) {
   if (!accepted || is_over_) co_return socket_->Cut();
   is_open_ = true;
   ++workers_;
-  asio::co_spawn(live_.House().context, Write(shared_from_this()), asio::detached);
+  asio::co_spawn(live_.House().context, Write(shared_from_this()), model::EndOnFault{});
   co_await Read();
   is_over_ = true;
   news_.Raise();
@@ -44,7 +44,7 @@ asio::awaitable<void> LiveClient::Read() {
     ++workers_;
     ++under_way_;
     asio::co_spawn(live_.House().context, Answer(shared_from_this(), std::move(*text)),
-                   asio::detached);
+                   model::EndOnFault{});
   }
 }
 

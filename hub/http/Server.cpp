@@ -19,6 +19,7 @@
 #include "http/Router.h"
 #include "http/Stream.h"
 #include "http/Tls.h"
+#include "model/Fault.h"
 
 namespace hub::http {
 
@@ -113,8 +114,8 @@ void Server::Start() {
   else if (!options.socket.empty())
     parts.ListenOnSocket();
   for (Listener& listener : parts.listeners)
-    asio::co_spawn(parts.house.context, parts.Accept(listener), asio::detached);
-  asio::co_spawn(parts.house.context, parts.Look(), asio::detached);
+    asio::co_spawn(parts.house.context, parts.Accept(listener), model::EndOnFault{});
+  asio::co_spawn(parts.house.context, parts.Look(), model::EndOnFault{});
 }
 
 void Server::Stop() {

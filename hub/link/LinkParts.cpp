@@ -1,12 +1,12 @@
 #include "link/LinkParts.h"
 
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/experimental/awaitable_operators.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <utility>
 
+#include "model/Fault.h"
 #include "protocol/InputReport.h"
 
 namespace hub::link {
@@ -75,8 +75,8 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
 
 void Link::Parts::Start() {
   log.Look();
-  asio::co_spawn(executor, FollowLog(shared_from_this()), asio::detached);
-  asio::co_spawn(executor, Connect(shared_from_this()), asio::detached);
+  asio::co_spawn(executor, FollowLog(shared_from_this()), model::EndOnFault{});
+  asio::co_spawn(executor, Connect(shared_from_this()), model::EndOnFault{});
 }
 
 void Link::Parts::Stop() {

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <cstdlib>
 #include <utility>
+
+#include "model/Fault.h"
 
 namespace hub::link {
 
@@ -34,7 +35,7 @@ void Motions::Start(unsigned address, std::vector<Path> paths, std::chrono::mill
   motions_.push_back(
       std::make_shared<Motion>(Motion{address, std::move(paths), std::chrono::steady_clock::now(),
                                       time, steps, asio::steady_timer(executor_)}));
-  asio::co_spawn(executor_, Run(this, motions_.back()), asio::detached);
+  asio::co_spawn(executor_, Run(this, motions_.back()), model::EndOnFault{});
 }
 
 // Who waits may come back when `motions` is no more: then the motion is over.

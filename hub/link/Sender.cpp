@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <utility>
+
+#include "model/Fault.h"
 
 namespace hub::link {
 
@@ -48,7 +49,8 @@ Receipt Sender::Unanswered() const { return std::make_shared<OneShot<Outcome>>(e
 
 void Sender::PassOn(Receipt receipt, std::vector<Receipt> followers) {
   if (followers.empty()) return;
-  asio::co_spawn(executor_, GiveTheSame(std::move(receipt), std::move(followers)), asio::detached);
+  asio::co_spawn(executor_, GiveTheSame(std::move(receipt), std::move(followers)),
+                 model::EndOnFault{});
 }
 
 bool Sender::HasPlace(unsigned address, size_t count) {
@@ -145,7 +147,7 @@ void Sender::Answer(Ticket ticket, Outcome outcome) {
 void Sender::AcceptLater(Doubt& doubt) {
   receipts_.erase(doubt.ticket);
   doubt.until = Clock::now() + kRefusalPatience;
-  asio::co_spawn(executor_, AcceptUnlessRefused(doubt.receipt), asio::detached);
+  asio::co_spawn(executor_, AcceptUnlessRefused(doubt.receipt), model::EndOnFault{});
 }
 
 void Sender::Flush() {

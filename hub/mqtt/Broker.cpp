@@ -1,13 +1,13 @@
 #include "mqtt/Broker.h"
 
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <chrono>
 #include <random>
 #include <utility>
 
+#include "model/Fault.h"
 #include "mqtt/NameCheck.h"
 #include "mqtt/Payloads.h"
 
@@ -58,7 +58,7 @@ void Broker::Start(BrokerOptions options) {
   options_ = std::move(options);
   neighbours_.Use(options_.boards);
   house_.bus.Listen([this](const model::Change& change) { Take(change); });
-  asio::co_spawn(house_.context, Run(), asio::detached);
+  asio::co_spawn(house_.context, Run(), model::EndOnFault{});
 }
 
 void Broker::Use(BrokerOptions options) {

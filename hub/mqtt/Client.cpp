@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "model/Fault.h"
 #include "mqtt/Library.h"
 
 namespace hub::mqtt {
@@ -74,7 +75,11 @@ class Client::Session : public std::enable_shared_from_this<Session> {
 void Client::Session::Connect(const Server& server) {
   LookAfter(kMostToGreet);
   const auto work = [library = library_, look_up = look_up_, self = weak_from_this(), server] {
-    library->Connect(server);
+    try {
+      library->Connect(server);
+    } catch (const std::exception& fault) {
+      model::EndAtOnce(fault);
+    }
     const std::scoped_lock lock(look_up->mutex);
     if (look_up->waiting == nullptr) return;
     asio::post(*look_up->waiting, [self] {

@@ -1,9 +1,10 @@
 #include "mqtt/Obeying.h"
 
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <utility>
 #include <variant>
+
+#include "model/Fault.h"
 
 namespace hub::mqtt {
 
@@ -24,7 +25,7 @@ void Obeying::Take(const Topics& topics, const Arrived& arrived) {
   const auto order = std::make_shared<Order>(Order{topic});
   for (Command& command : std::get<std::vector<Command>>(read)) {
     ++under_way_;
-    boost::asio::co_spawn(house_.context, Run(std::move(command), order), boost::asio::detached);
+    boost::asio::co_spawn(house_.context, Run(std::move(command), order), model::EndOnFault{});
   }
 }
 

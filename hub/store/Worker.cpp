@@ -1,6 +1,9 @@
 #include "store/Worker.h"
 
+#include <exception>
 #include <utility>
+
+#include "model/Fault.h"
 
 namespace hub::store {
 
@@ -33,7 +36,11 @@ void Worker::Work() {
     Job job = std::move(jobs_.front());
     jobs_.pop_front();
     lock.unlock();
-    job();
+    try {
+      job();
+    } catch (const std::exception& fault) {
+      model::EndAtOnce(fault);  // what the disk refuses is no fault, and told otherwise
+    }
     job = nullptr;  // and with it what it holds
     lock.lock();
   }

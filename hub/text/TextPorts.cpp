@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -10,6 +9,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "model/Fault.h"
 #include "text/TextSession.h"
 
 namespace hub::text {
@@ -25,7 +25,7 @@ class Door {
   Door(api::House& house, const asio::ip::address& address, uint16_t number, Port port)
       : house_(house), acceptor_(house.context, {address, number}), port_(port) {}
 
-  void Start() { asio::co_spawn(acceptor_.get_executor(), Accept(*this), asio::detached); }
+  void Start() { asio::co_spawn(acceptor_.get_executor(), Accept(*this), model::EndOnFault{}); }
 
   void Stop() {
     error_code error;

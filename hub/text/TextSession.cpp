@@ -4,7 +4,6 @@
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "api/DaemonLines.h"
+#include "model/Fault.h"
 #include "protocol/IoCommand.h"
 #include "protocol/LineReader.h"
 
@@ -99,10 +99,11 @@ void TextSession::Start() {
     may_enter_ = true;
     Greet();
   } else {
-    asio::co_spawn(socket_.get_executor(), EndWithoutToken(shared_from_this()), asio::detached);
+    asio::co_spawn(socket_.get_executor(), EndWithoutToken(shared_from_this()),
+                   model::EndOnFault{});
   }
-  asio::co_spawn(socket_.get_executor(), Read(shared_from_this()), asio::detached);
-  asio::co_spawn(socket_.get_executor(), Write(shared_from_this()), asio::detached);
+  asio::co_spawn(socket_.get_executor(), Read(shared_from_this()), model::EndOnFault{});
+  asio::co_spawn(socket_.get_executor(), Write(shared_from_this()), model::EndOnFault{});
 }
 
 void TextSession::Close() {
@@ -267,7 +268,7 @@ asio::awaitable<void> TextSession::TakeCommand(std::string line) {
   ++commands_under_way_;
   auto running = RunCommand(shared_from_this(), std::move(line));
   if (is_block)
-    asio::co_spawn(socket_.get_executor(), std::move(running), asio::detached);
+    asio::co_spawn(socket_.get_executor(), std::move(running), model::EndOnFault{});
   else
     co_await std::move(running);
 }
