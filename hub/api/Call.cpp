@@ -27,7 +27,9 @@ boost::asio::awaitable<Reply> Try(House& house, const Method& method, Request re
   } catch (const Problem& problem) {
     co_return Reply{problem, {}, {}};
   } catch (const std::exception& fault) {
-    co_return Reply{ProblemOf(500, fmt::format("{}: {}", method.name, fault.what())), {}, {}};
+    Problem problem = ProblemOf(fault);
+    problem.detail = fmt::format("{}: {}", method.name, problem.detail);
+    co_return Reply{std::move(problem), {}, {}};
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <boost/json/value.hpp>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -35,6 +36,8 @@ constexpr std::array<StatusTitle, 16> kTitles{{
     {500, "a fault of the hub"},
 }};
 
+constexpr int kRetrySeconds = 1;
+
 }  // namespace
 
 boost::json::object Problem::ToJson() const {
@@ -52,6 +55,12 @@ Problem ProblemOf(int status, std::string detail, std::string where) {
 
 Problem DoesNotFit(std::string where, std::string detail) {
   return ProblemOf(422, std::move(detail), std::move(where));
+}
+
+Problem ProblemOf(const std::exception& fault) {
+  if (dynamic_cast<const std::bad_alloc*>(&fault) != nullptr)
+    return RetryLater(503, "no memory for this just now", kRetrySeconds);
+  return ProblemOf(500, fault.what());
 }
 
 Problem RetryLater(int status, std::string detail, int seconds) {

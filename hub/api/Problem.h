@@ -3,6 +3,7 @@
 #pragma once
 
 #include <boost/json/object.hpp>
+#include <exception>
 #include <optional>
 #include <string>
 
@@ -23,6 +24,9 @@ Problem ProblemOf(int status, std::string detail, std::string where = "");
 
 // A value or a field that does not fit: 422.
 Problem DoesNotFit(std::string where, std::string detail);
+
+// A fault of the hub's own: 503 where it had not the memory, else 500.
+Problem ProblemOf(const std::exception& fault);
 
 // Come again later: 429 and 503.
 Problem RetryLater(int status, std::string detail, int seconds);

@@ -160,7 +160,7 @@ asio::awaitable<Answer> Router::Ask(Request request) {
     Answer answer = co_await std::move(finding);
     co_return answer;
   } catch (const std::exception& fault) {
-    co_return Answer{Refusal(ProblemOf(500, fault.what())), {}};
+    co_return Answer{Refusal(ProblemOf(fault)), {}};
   }
 }
 

@@ -201,6 +201,14 @@ TEST_F(RequestsTest, ALoginThroughAProxyWithTlsSetsACookieForTlsAlone) {
   EXPECT_FALSE(cookie(stand, forwarded).ends_with("; Secure"));
 }
 
+TEST_F(RequestsTest, WithoutMemoryTheAnswerIsToComeAgain) {
+  stand.Run([&] { stand.server->Collect([]() -> std::string { throw std::bad_alloc(); }); });
+  const Reply reply = client.Get("/metrics");
+  EXPECT_EQ(reply.status, 503);
+  EXPECT_NE(reply.body.find("no memory for this just now"), std::string::npos);
+  EXPECT_EQ(client.Get("/healthz").status, 200);
+}
+
 TEST_F(RequestsTest, AFaultIsAnAnswer) {
   stand.Run([&] {
     stand.server->Collect([]() -> std::string { throw std::runtime_error("no such number"); });
