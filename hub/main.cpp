@@ -45,25 +45,30 @@ int Serve(const Options& options) {
   return EXIT_SUCCESS;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   Options options;
   CLI::App app("Offers one card bus to many clients: page, API, text ports.", "qelm-hub");
   std::string file;
   app.add_option("--config", file,
                  std::string("settings; otherwise ") + kSettingsFile + " where it is there");
   app.add_flag("--check", options.check, "say what is wrong with the settings, and end");
-  app.add_option("--socket", options.places.socket, "where the local socket lies")
-      ->capture_default_str();
+  const CLI::Option* const socket =
+      app.add_option("--socket", options.places.socket, "where the local socket lies")
+          ->capture_default_str();
   app.add_option("--page", options.places.page, "folder of the page")->capture_default_str();
   app.set_version_flag("--version", "qelm-hub " QELM_VERSION);
   CLI11_PARSE(app, argc, argv);
   options.places.is_file_given = !file.empty();
   options.places.settings_file = file.empty() ? kSettingsFile : file;
-  options.places.is_socket_given = app.count("--socket") > 0;
+  options.places.is_socket_given = socket->count() > 0;
+  return Serve(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    return Serve(options);
+    return Run(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "qelm-hub: " << error.what() << '\n';
     return EXIT_FAILURE;

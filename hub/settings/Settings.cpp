@@ -161,7 +161,7 @@ std::variant<Settings, SettingsErrors> Load(const std::string& path, bool may_be
   if (!file.is_open() && errno == ENOENT && may_be_missing) return Settings{};
   const bool is_empty = file.peek() == std::ifstream::traits_type::eof();
   if (!is_empty) text << file.rdbuf();
-  if (!file.is_open() || file.bad() || text.bad())
+  if (!file.is_open() || file.bad() || text.fail())
     return SettingsErrors{{0, 0, "", std::string("cannot be read: ") + std::strerror(errno)}};
   return Parse(text.str());
 }
