@@ -78,7 +78,12 @@ int64_t Statement::Integer(int column) const { return sqlite3_column_int64(state
 
 std::string_view Statement::Bytes(int column) const {
   const void* bytes = sqlite3_column_blob(statement_, column);
-  if (bytes == nullptr) return {};
+  if (bytes == nullptr) {
+    // Of no bytes, or without the memory: what is missing must not pass for what is empty.
+    if (const int code = sqlite3_errcode(database_.handle_); code == SQLITE_NOMEM)
+      database_.NoteError(code);
+    return {};
+  }
   return {static_cast<const char*>(bytes),
           static_cast<size_t>(sqlite3_column_bytes(statement_, column))};
 }
@@ -128,7 +133,7 @@ bool Database::Commit() {
   Run("COMMIT");
   if (!failure_) return true;
   // Where SQLite has rolled back by itself, there is nothing more to roll back.
-  if (sqlite3_get_autocommit(handle_) == 0)
+  if (handle_ != nullptr && sqlite3_get_autocommit(handle_) == 0)
     sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
   return false;
 }
