@@ -71,6 +71,7 @@ asio::awaitable<std::optional<Problem>> RunCommandLine(House& house, access::Cal
     case link::Outcome::kTooFast:
       co_return RetryLater(429, "more commands wait than the card takes", 1);
     case link::Outcome::kAbsent:
+    case link::Outcome::kLost:
       co_return RetryLater(503, "the daemon is not there", kRetryDaemonSeconds);
   }
   co_return std::nullopt;

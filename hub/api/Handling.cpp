@@ -117,6 +117,9 @@ void RequireAccepted(link::Outcome outcome, unsigned address) {
     case link::Outcome::kAbsent:
       throw RetryLater(503, "the daemon went away before it had acted on this",
                        kRetryDaemonSeconds);
+    case link::Outcome::kLost:
+      throw RetryLater(503, "the daemon went away; nobody knows whether it had acted on this",
+                       kRetryDaemonSeconds);
   }
 }
 

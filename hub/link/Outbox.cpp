@@ -91,10 +91,10 @@ size_t Outbox::CardsWaiting() const {
       std::ranges::count_if(queues_, [](const CardQueue& queue) { return !queue.IsEmpty(); }));
 }
 
-std::optional<Outbox::Received> Outbox::TakeEcho(std::string_view line) {
+std::optional<Outbox::Entry> Outbox::TakeEcho(std::string_view line) {
   const auto found = std::ranges::find(under_way_, line, &UnderWay::line);
   if (found == under_way_.end()) return std::nullopt;
-  Received received{std::move(found->entry.command), std::move(found->entry.tickets)};
+  Entry received = std::move(found->entry);
   bytes_under_way_ -= found->line.size() + protocol::kLineEnd.size();
   under_way_.erase(found);
   return received;
@@ -102,18 +102,12 @@ std::optional<Outbox::Received> Outbox::TakeEcho(std::string_view line) {
 
 Outbox::Abandoned Outbox::Abandon() {
   Abandoned abandoned;
-  const auto add = [&abandoned](const Entry& entry, std::vector<IoCommand>& commands) {
-    auto& tickets = abandoned.tickets;
-    tickets.insert(tickets.end(), entry.tickets.begin(), entry.tickets.end());
-    commands.push_back(entry.command);
-  };
-  for (const UnderWay& sent : under_way_) add(sent.entry, abandoned.written);
+  for (UnderWay& sent : under_way_) abandoned.written.push_back(std::move(sent.entry));
   for (CardQueue& queue : queues_) {
-    for (const Entry& entry : queue.waiting) add(entry, abandoned.never_written);
-    for (const Entry& entry : queue.levels) add(entry, abandoned.never_written);
+    for (Entry& entry : queue.waiting) abandoned.never_written.push_back(std::move(entry));
+    for (Entry& entry : queue.levels) abandoned.never_written.push_back(std::move(entry));
     queue = {};
   }
-  std::ranges::sort(abandoned.tickets);
   under_way_.clear();
   bytes_under_way_ = 0;
   return abandoned;

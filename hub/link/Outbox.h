@@ -37,7 +37,7 @@ class Outbox {
  public:
   static constexpr size_t kMostWaiting = 64;  // a card
 
-  struct Received {
+  struct Entry {
     protocol::IoCommand command;
     std::vector<Ticket> tickets;  // more than one where commands were merged
   };
@@ -58,13 +58,12 @@ class Outbox {
   std::optional<SteadyTime> NextDue() const;
 
   // A line of MON. Nothing where it is no command that is under way.
-  std::optional<Received> TakeEcho(std::string_view line);
+  std::optional<Entry> TakeEcho(std::string_view line);
 
   // The session is over, and the outbox empty.
   struct Abandoned {
-    std::vector<Ticket> tickets;               // that were not received, oldest first
-    std::vector<protocol::IoCommand> written;  // perhaps done: only the echo is missing
-    std::vector<protocol::IoCommand> never_written;
+    std::vector<Entry> written;  // perhaps done: only the echo is missing
+    std::vector<Entry> never_written;
   };
   Abandoned Abandon();
 
@@ -73,10 +72,6 @@ class Outbox {
   uint64_t MergedCount() const { return merged_count_; }
 
  private:
-  struct Entry {
-    protocol::IoCommand command;
-    std::vector<Ticket> tickets;
-  };
   struct UnderWay {
     std::string line;
     Entry entry;

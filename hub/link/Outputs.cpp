@@ -188,12 +188,12 @@ void Outputs::Lose(const Outbox::Abandoned& abandoned) {
   is_held_ = true;
   keeper_.ForgetRecord();
   auto before = std::exchange(before_, {});
-  for (const protocol::IoCommand& command : abandoned.written)
-    if (const auto* block = std::get_if<WriteBlock>(&command))
+  for (const Outbox::Entry& each : abandoned.written)
+    if (const auto* block = std::get_if<WriteBlock>(&each.command))
       if (const auto found = before.find({block->address, block->block}); found != before.end())
         found->second = block->value;
-  for (const protocol::IoCommand& command : abandoned.never_written)
-    if (const auto* block = std::get_if<WriteBlock>(&command))
+  for (const Outbox::Entry& each : abandoned.never_written)
+    if (const auto* block = std::get_if<WriteBlock>(&each.command))
       if (const auto found = before.extract({block->address, block->block}); !found.empty())
         PutBack(found.key(), found.mapped());
   for (const auto& [place, pending] : std::exchange(pending_, {})) {

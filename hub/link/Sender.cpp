@@ -82,7 +82,8 @@ Outbox::Abandoned Sender::Abandon() {
   is_open_ = false;
   is_gate_open_ = false;
   Outbox::Abandoned abandoned = outbox_.Abandon();
-  for (const Ticket ticket : abandoned.tickets) Answer(ticket, Outcome::kAbsent);
+  AnswerAll(abandoned.written, Outcome::kLost);
+  AnswerAll(abandoned.never_written, Outcome::kAbsent);
   doubts_.clear();
   alone_since_.reset();
   if (drained_) drained_->Give(false);
@@ -142,6 +143,11 @@ void Sender::ForgetOldDoubts() {
 void Sender::Answer(Ticket ticket, Outcome outcome) {
   const auto found = receipts_.extract(ticket);
   if (!found.empty()) found.mapped()->Give(outcome);
+}
+
+void Sender::AnswerAll(const std::vector<Outbox::Entry>& entries, Outcome outcome) {
+  for (const Outbox::Entry& entry : entries)
+    for (const Ticket ticket : entry.tickets) Answer(ticket, outcome);
 }
 
 void Sender::AcceptLater(Doubt& doubt) {

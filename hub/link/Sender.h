@@ -70,6 +70,7 @@ class Sender {
 
   void NoteProgress();
   void Answer(Ticket ticket, Outcome outcome);
+  void AnswerAll(const std::vector<Outbox::Entry>& entries, Outcome outcome);
   void AcceptLater(Doubt& doubt);
   void ForgetOldDoubts();
 

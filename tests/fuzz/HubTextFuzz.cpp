@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -243,8 +244,12 @@ class Session {
   }
 
   void Lose() {
-    const auto tickets = outbox_.Abandon().tickets;
-    Require(std::ranges::adjacent_find(tickets) == tickets.end(), "a ticket is there twice");
+    const link::Outbox::Abandoned abandoned = outbox_.Abandon();
+    std::set<link::Ticket> tickets;
+    for (const auto* entries : {&abandoned.written, &abandoned.never_written})
+      for (const link::Outbox::Entry& entry : *entries)
+        for (const link::Ticket ticket : entry.tickets)
+          Require(tickets.insert(ticket).second, "a ticket is there twice");
     Require(outbox_.BytesUnderWay() == 0 && !outbox_.NextDue(), "something is under way for ever");
     written_.clear();
     bus_.SetAdapter({});

@@ -143,6 +143,9 @@ TEST_F(ChannelsTest, WhatTheLinkSaysIsTold) {
   link.outcome = FakeLink::kAbsent;
   ExpectProblem("channels.set", R"({"id":"5.0","value":true})", 503, "",
                 "the daemon went away before it had acted on this");
+  link.outcome = FakeLink::kLost;
+  ExpectProblem("channels.set", R"({"id":"5.0","value":true})", 503, "",
+                "the daemon went away; nobody knows whether it had acted on this");
   EXPECT_TRUE(store.journal.empty());
 }
 

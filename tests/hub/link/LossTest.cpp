@@ -20,7 +20,7 @@ TEST_F(LinkTest, OneLostSessionEndsTheOthersAndAllComeBack) {
     auto answer = link.AskLater("HELP");
     daemon.ExpectCommand(last);
     daemon.client(port).Close();
-    EXPECT_EQ(outcome.get(), Outcome::kAbsent);
+    EXPECT_EQ(outcome.get(), Outcome::kLost);
     EXPECT_EQ(answer.get(), std::nullopt);
     EXPECT_EQ(link.Daemon().state, DaemonState::kAbsent);
     for (const Port each : {Port::kCae, Port::kIo, Port::kMon}) {
@@ -68,11 +68,13 @@ TEST_F(LinkTest, WhatWaitedForItsTurnIsForgottenWithItsSession) {
   daemon.ExpectCommand("a5b0dFE");
   daemon.Echo("a5b0dFE");
   EXPECT_EQ(lamp.get(), Outcome::kAccepted);
-  auto waiting = FillTheLine();
+  auto written = FillTheLine();
+  std::vector<std::future<Outcome>> waiting;
   waiting.push_back(link.SendLater(WriteBlock{5, 0, 0xFC}));
   waiting.push_back(link.SendLater(WriteBlock{5, 1, 0x7F}));
   ASSERT_TRUE(WaitUntil([&] { return link.Asked().size() == 3; }));
   daemon.CloseAll();
+  for (auto& each : written) EXPECT_EQ(each.get(), Outcome::kLost);
   for (auto& each : waiting) EXPECT_EQ(each.get(), Outcome::kAbsent);
   EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFE}, {5, 0, 0xFC}, {5, 0, 0xFE}}));
   Introduce();

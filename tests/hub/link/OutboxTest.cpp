@@ -177,11 +177,16 @@ TEST_F(OutboxTest, AtTheEndOfTheSessionWhatWasNotReceivedIsNamed) {
   const Ticket waiting = Offer(WriteBlock{5, 1, 0x01});
   TakeDue();
   Echo("a5b0d01");
-  EXPECT_EQ(outbox.Abandon().tickets, (Tickets{under_way, waiting}));
+  const Outbox::Abandoned abandoned = outbox.Abandon();
+  ASSERT_EQ(abandoned.written.size(), 1U);
+  EXPECT_EQ(abandoned.written[0].tickets, Tickets{under_way});
+  ASSERT_EQ(abandoned.never_written.size(), 1U);
+  EXPECT_EQ(abandoned.never_written[0].tickets, Tickets{waiting});
   EXPECT_NE(under_way, received);
   EXPECT_EQ(outbox.BytesUnderWay(), 0U);
   EXPECT_EQ(TakeDue(), "");
-  EXPECT_EQ(outbox.Abandon().tickets, Tickets{});
+  const Outbox::Abandoned nothing = outbox.Abandon();
+  EXPECT_TRUE(nothing.written.empty() && nothing.never_written.empty());
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 struct FakeLink {
   // In the order of hub::link::Outcome.
-  enum Outcome { kAccepted, kIllegal, kTooFast, kAbsent };
+  enum Outcome { kAccepted, kIllegal, kTooFast, kAbsent, kLost };
 
   FakeLink() { now = this; }
   ~FakeLink() { now = nullptr; }
