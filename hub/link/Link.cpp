@@ -33,19 +33,6 @@ bool IsDoubtful(const IoCommand& command, const model::Card* card) {
   return kind != (is_infrared ? model::Kind::kInfrared : model::Kind::kLcd);
 }
 
-std::vector<Motions::Path> PathsOf(const model::Card& card, const std::vector<Target>& targets,
-                                   const Motion& motion, const Outputs& outputs) {
-  std::vector<Motions::Path> paths;
-  for (const Target& target : targets) {
-    const uint8_t now = outputs.Asked(card.address, model::BlockOf(card.Row(), target.number));
-    if (motion.pulse)
-      paths.push_back({target.number, target.raw, static_cast<uint8_t>(target.raw ^ 1U)});
-    else
-      paths.push_back({target.number, now, target.raw});
-  }
-  return paths;
-}
-
 }  // namespace
 
 Link::Link(asio::io_context& context, LinkOptions options, model::Bus& bus, Sinks sinks)
@@ -65,26 +52,12 @@ asio::awaitable<Outcome> Link::Set(unsigned address, std::vector<Target> targets
   const model::Card* card = parts->bus.At(address);
   if (card == nullptr || card->Row().direction != model::Direction::kOutput)
     co_return Outcome::kIllegal;
-  for (const Target& target : targets) parts->motions.End(address, target.number);
-  if (motion.pulse || motion.ramp) {
-    const auto time = motion.pulse ? *motion.pulse : *motion.ramp;
-    std::vector<Motions::Path> paths = PathsOf(*card, targets, motion, parts->outputs);
-    const int steps = motion.pulse ? 1 : Motions::StepsOf(paths, time);
-    targets.clear();
-    for (const Motions::Path& path : paths) targets.push_back({path.number, path.from});
-    parts->motions.Start(address, std::move(paths), time, steps);
-  }
-  const bool has_to_wait = parts->outputs.IsHeld();
-  const uint64_t releases = parts->outputs.ReleaseCount();
+  const Parts::Moves moves = parts->Plan(address, targets, motion);
   std::vector<Receipt> receipts = parts->Write(address, targets);
   parts->sender.Flush();
   parts->bus.Publish();
   const Outcome outcome = co_await WaitForAll(std::move(receipts));
-  // What was never sent has no way back, and no way there.
-  const bool was_never_sent =
-      outcome == Outcome::kAbsent && has_to_wait && releases == parts->outputs.ReleaseCount();
-  if (was_never_sent)
-    for (const Target& target : targets) parts->motions.End(address, target.number);
+  parts->Settle(moves, outcome);
   co_return outcome;
 }
 

@@ -60,7 +60,8 @@ class Link {
   void Stop();  // closes the sessions; everybody who waits gets kAbsent
 
   // Output channels of one card: one command a block. Answers when all blocks were taken; a ramp
-  // and the way back of a pulse go on behind the answer. A later target ends an earlier motion.
+  // and the way back of a pulse begin then. A later target ends an earlier motion, unless it was
+  // never written.
   // While the adapter is down, what is accepted is pending in the model.
   boost::asio::awaitable<Outcome> Set(unsigned address, std::vector<Target> targets,
                                       Motion motion = {});

@@ -59,10 +59,9 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
           executor, bus, console, sender, outputs, log_state,
           [this](std::string kind, std::string text) { Tell(std::move(kind), std::move(text)); }),
       motions(executor,
-              [this](unsigned address, const std::vector<Target>& targets) {
-                Write(address, targets);
-                for (const Target& target : targets)
-                  outputs.Insist(address, model::BlockOf(bus.At(address)->Row(), target.number));
+              [this](unsigned address, Target target) {
+                Write(address, {target});
+                outputs.Insist(address, model::BlockOf(bus.At(address)->Row(), target.number));
                 sender.Flush();
                 bus.Publish();
               }),
@@ -198,6 +197,38 @@ void Link::Parts::SetDaemon(DaemonState state, std::optional<Port> waiting_for) 
   bus.SetDaemon(daemon);
   if (word) Tell("daemon", "another program holds port " + *word);
   bus.Publish();
+}
+
+Link::Parts::Moves Link::Parts::Plan(unsigned address, std::vector<Target>& targets,
+                                     const Motion& motion) {
+  Moves moves{
+      .address = address, .is_pulse = motion.pulse.has_value(), .planned = {}, .halted = {}};
+  for (Target& target : targets) {
+    if (auto halted = motions.Halt(address, target.number)) moves.halted.push_back(halted);
+    if (!motion.pulse && !motion.ramp) continue;
+    const unsigned block = model::BlockOf(bus.At(address)->Row(), target.number);
+    Motions::Path path{outputs.Asked(address, block), target.raw};
+    if (moves.is_pulse) path = {target.raw, static_cast<uint8_t>(target.raw ^ 1U)};
+    const auto time = moves.is_pulse ? *motion.pulse : *motion.ramp;
+    const int steps = moves.is_pulse ? 1 : Motions::StepsOf(path, time);
+    moves.planned.push_back(motions.Plan(address, target.number, path, time, steps));
+    target.raw = path.from;
+  }
+  return moves;
+}
+
+void Link::Parts::Settle(const Moves& moves, Outcome outcome) {
+  if (is_stopped || (moves.planned.empty() && moves.halted.empty())) return;
+  const bool has_to_go_back = moves.is_pulse && outcome == Outcome::kLost;
+  for (const Motions::Moving& planned : moves.planned) {
+    if (outcome == Outcome::kAccepted || has_to_go_back)
+      motions.Begin(planned);
+    else
+      motions.End(planned);
+  }
+  if (outcome == Outcome::kAbsent)
+    for (const Motions::Moving& halted : moves.halted) motions.GoOn(halted);
+  outputs.TellAsked(moves.address);
 }
 
 std::vector<Receipt> Link::Parts::Write(unsigned address, const std::vector<Target>& targets) {

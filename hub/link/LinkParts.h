@@ -28,6 +28,19 @@ struct Link::Parts : std::enable_shared_from_this<Link::Parts> {
   void Start();
   void Stop();
 
+  // What a request sets in motion, and what stands still because of it.
+  struct Moves {
+    unsigned address = 0;
+    bool is_pulse = false;
+    std::vector<Motions::Moving> planned;
+    std::vector<Motions::Moving> halted;
+  };
+  // Targets that move become where they begin.
+  Moves Plan(unsigned address, std::vector<Target>& targets, const Motion& motion);
+  // The outcome of the commands is there: what was taken begins, what was not is as if nobody had
+  // asked.
+  void Settle(const Moves& moves, Outcome outcome);
+
   // Blocks that bring these channels of an output card where they shall be.
   std::vector<Receipt> Write(unsigned address, const std::vector<Target>& targets);
   // Streams that the daemon keeps while it has no adapter must not become too many.

@@ -1,7 +1,11 @@
 // Outputs that move by themselves: pulses on their way back, ramps on their way there.
 //
 // A pulse is a ramp of one step. A channel is in one motion at most; the last one that was asked
-// for counts. Owned by the link; one thread.
+// for counts, unless it turns out that it was never taken: then the one before goes on.
+//
+//   Plan ──> planned ──Begin──> begun ──> over
+//
+// Owned by the link; one thread.
 #pragma once
 
 #include <boost/asio/any_io_executor.hpp>
@@ -10,10 +14,10 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <list>
+#include <map>
 #include <memory>
 #include <optional>
-#include <vector>
+#include <utility>
 
 namespace hub::link {
 
@@ -25,14 +29,16 @@ struct Target {
 
 class Motions {
  public:
-  // Channels of one card take these values, now.
-  using Sink = std::function<void(unsigned address, const std::vector<Target>& targets)>;
+  // A channel of a card takes this value, now.
+  using Sink = std::function<void(unsigned address, Target target)>;
 
   struct Path {
-    unsigned number = 0;  // of the channel
     uint8_t from = 0;
     uint8_t to = 0;
   };
+
+  struct Motion;
+  using Moving = std::shared_ptr<Motion>;
 
   Motions(boost::asio::any_io_executor executor, Sink sink)
       : executor_(std::move(executor)), sink_(std::move(sink)) {}
@@ -40,33 +46,34 @@ class Motions {
   Motions(const Motions&) = delete;
   Motions& operator=(const Motions&) = delete;
 
-  // From `from`, where the channels are, to `to`, in so many steps.
-  void Start(unsigned address, std::vector<Path> paths, std::chrono::milliseconds time, int steps);
-  void End(unsigned address, unsigned number);
+  // From `from`, where the channel is put by others, to `to`, in so many steps.
+  Moving Plan(unsigned address, unsigned number, Path path, std::chrono::milliseconds time,
+              int steps);
+  void Begin(const Moving& moving);  // its time runs from now
+  void End(const Moving& moving);
+
+  // The channel stands still: what moved it, or was to, in case it is to go on; null: nothing.
+  Moving Halt(unsigned address, unsigned number);
+  void GoOn(const Moving& halted);
+
   void EndAll();
 
-  // Where a channel that moves will be in the end.
+  // Where a channel that moves, or is to, will be in the end.
   std::optional<uint8_t> Goal(unsigned address, unsigned number) const;
 
   // Even steps that a servo can follow, none of them empty.
-  static int StepsOf(const std::vector<Path>& paths, std::chrono::milliseconds time);
+  static int StepsOf(Path path, std::chrono::milliseconds time);
 
  private:
-  struct Motion {
-    unsigned address;
-    std::vector<Path> paths;  // empty: over
-    std::chrono::steady_clock::time_point begin;
-    std::chrono::milliseconds time;
-    int steps;
-    boost::asio::steady_timer timer;
-  };
+  using Place = std::pair<unsigned, unsigned>;  // address and number
 
-  static boost::asio::awaitable<void> Run(Motions* motions, std::shared_ptr<Motion> motion);
-  void Step(const Motion& motion, int step) const;
+  bool IsMoving(const Motion& motion) const;
+  void Start(const Moving& moving);
+  static boost::asio::awaitable<void> Run(Motions* motions, Moving moving, int start);
 
   boost::asio::any_io_executor executor_;
   Sink sink_;
-  std::list<std::shared_ptr<Motion>> motions_;
+  std::map<Place, Moving> motions_;  // those that are halted are not in it
 };
 
 }  // namespace hub::link

@@ -127,7 +127,6 @@ void Outputs::Hold() {
 
 void Outputs::Release(Record record) {
   is_held_ = false;
-  ++release_count_;
   NoteRecord(record);
   for (const auto& [place, pending] : pending_) Keep({place.first, place.second, pending.value});
   if (record != Record::kOfAnEarlierHub)
@@ -147,12 +146,11 @@ void Outputs::NoteRecord(Record record) {
   for (unsigned address = 0; address < protocol::kCardCount; ++address) {
     if (IsKept(address)) continue;
     bus_.AssumeOutputs(address);
-    TellAsked(address);
+    TellAsked(address);  // it begins from there after a restart of the hub, too
   }
 }
 
-// Of a card that is not kept: it begins from there after a restart of the hub, too.
-void Outputs::TellAsked(unsigned address) {
+void Outputs::TellAsked(unsigned address) const {
   for (uint8_t block = 0; block < OutputKeeper::kMostBlocks; ++block)
     if (const auto asked = keeper_.Asked(address, block))
       sinks_.asked({static_cast<uint8_t>(address), block, *asked});

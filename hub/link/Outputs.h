@@ -62,10 +62,12 @@ class Outputs {
   void TakeReboot(unsigned address, model::Time now);  // the card has begun anew by itself
   void TakeReceipt(const protocol::IoCommand& command, model::Time now);  // the daemon has acted
 
+  // Tells what the card's blocks are to be, where that has changed without a command.
+  void TellAsked(unsigned address) const;
+
   // What the block is to be, or the value that it starts with.
   uint8_t Asked(unsigned address, unsigned block) const;
   bool IsHeld() const { return is_held_; }
-  uint64_t ReleaseCount() const { return release_count_; }
   uint64_t RestoredCount() const { return restored_count_; }
 
  private:
@@ -78,7 +80,6 @@ class Outputs {
 
   bool IsKept(unsigned address) const;
   void NoteRecord(Record record);
-  void TellAsked(unsigned address);
   std::optional<uint8_t> KeptFor(uint8_t address, uint8_t block) const;
   void Keep(const protocol::WriteBlock& command);
   void KeepAccepted(const protocol::WriteBlock& command);
@@ -101,7 +102,6 @@ class Outputs {
   std::map<Place, uint8_t> remembered_;  // of cards that did not come yet
   // What was asked for before that which is not accepted yet.
   std::map<Place, std::optional<uint8_t>> before_;
-  uint64_t release_count_ = 0;
   uint64_t restored_count_ = 0;
 };
 

@@ -123,6 +123,73 @@ TEST_F(LinkTest, APulseGoesBackWhateverBecomesOfItsSession) {
   daemon.ExpectCommand("a5b0dFF");
 }
 
+TEST_F(LinkTest, APulseThatMayHaveBegunGoesBack) {
+  Introduce();
+  auto pulse = link.SetLater(5, {{0, 0}}, {.pulse = 300ms, .ramp = {}});
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.CloseAll();
+  EXPECT_EQ(pulse.get(), Outcome::kLost);
+  Introduce();  // comes later than the way back
+  daemon.ExpectCommand("a5b0dFF");
+}
+
+TEST_F(LinkTest, APulseGoesBackWhereALaterCommandWasNeverSent) {
+  Introduce();
+  auto pulse = link.SetLater(5, {{0, 0}}, {.pulse = 500ms, .ramp = {}});
+  daemon.ExpectCommand("a5b0dFE");
+  daemon.Echo("a5b0dFE");
+  EXPECT_EQ(pulse.get(), Outcome::kAccepted);
+  FillTheLine();
+  auto later = link.SetLater(5, {{0, 0}});
+  EXPECT_EQ(later.wait_for(20ms), std::future_status::timeout);
+  daemon.CloseAll();
+  EXPECT_EQ(later.get(), Outcome::kAbsent);
+  Introduce();
+  daemon.ExpectCommand("a5b0dFF");
+}
+
+// The next ramp begins where the last one ended.
+TEST_F(LinkTest, ARampThatWasNeverSentGoesNoFurther) {
+  Introduce();
+  SetMotor(0, 10, {"a4b0d0A"});
+  FillTheLine();
+  auto ramp = link.SetLater(4, {{0, 200}}, {.pulse = {}, .ramp = 500ms});
+  EXPECT_EQ(ramp.wait_for(20ms), std::future_status::timeout);
+  daemon.CloseAll();
+  EXPECT_EQ(ramp.get(), Outcome::kAbsent);
+  Introduce();  // comes later than its end would
+  EXPECT_EQ(link.Asked().back(), (WriteBlock{4, 0, 10}));
+  auto next = link.SetLater(4, {{0, 0}}, {.pulse = {}, .ramp = 100ms});
+  daemon.ExpectCommand("a4b0d0A");
+}
+
+TEST_F(LinkTest, ARampThatWasSentAndNotReceivedGoesNoFurther) {
+  Introduce();
+  SetMotor(0, 10, {"a4b0d0A"});
+  auto ramp = link.SetLater(4, {{0, 200}}, {.pulse = {}, .ramp = 500ms});
+  daemon.ExpectCommand("a4b0d0A");  // where it begins
+  daemon.CloseAll();
+  EXPECT_EQ(ramp.get(), Outcome::kLost);
+  Introduce();
+  EXPECT_EQ(link.Asked().back(), (WriteBlock{4, 0, 10}));
+  auto next = link.SetLater(4, {{0, 0}}, {.pulse = {}, .ramp = 100ms});
+  daemon.ExpectCommand("a4b0d0A");
+}
+
+TEST_F(LinkTest, ARampThatWasTakenGoesOnWithoutItsSession) {
+  Introduce();
+  SetMotor(0, 10, {"a4b0d0A"});
+  auto ramp = link.SetLater(4, {{0, 200}}, {.pulse = {}, .ramp = 500ms});
+  daemon.ExpectCommand("a4b0d0A");
+  daemon.Echo("a4b0d0A");
+  EXPECT_EQ(ramp.get(), Outcome::kAccepted);
+  daemon.CloseAll();
+  Introduce();
+  EXPECT_EQ(link.Asked().back(), (WriteBlock{4, 0, 200}));
+  auto next = link.SetLater(4, {{0, 0}}, {.pulse = {}, .ramp = 100ms});
+  daemon.ExpectCommand("a4b0dC8");
+}
+
 TEST_F(LinkTest, AMotionThatWasNeverSentEndsWithItsSession) {
   Introduce();
   BeginDiscovery();
