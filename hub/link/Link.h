@@ -29,6 +29,7 @@ struct LinkOptions {
   std::string host = "127.0.0.1";
   std::array<uint16_t, 3> ports{5010, 5011, 5012};  // by protocol::Port
   std::string log = "/var/log/qelm/qelm.log";       // of the daemon; empty: not followed
+  std::chrono::milliseconds cards_every = std::chrono::seconds(30);  // it is asked for its cards
   bool operator==(const LinkOptions&) const = default;
 };
 

@@ -56,7 +56,7 @@ Link::Parts::Parts(asio::io_context& context, LinkOptions options, model::Bus& t
                      Tell("card", std::move(text));
                    }}),
       survey(
-          executor, bus, console, sender, outputs, log_state,
+          executor, options.cards_every, bus, console, sender, outputs, log_state,
           [this](std::string kind, std::string text) { Tell(std::move(kind), std::move(text)); }),
       motions(executor,
               [this](unsigned address, Target target) {

@@ -20,8 +20,6 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr std::chrono::seconds kTableEvery{30};
-
 // The daemon waits a second from finding the adapter to asking it for its cards.
 constexpr std::chrono::seconds kDiscovery{2};
 
@@ -34,9 +32,11 @@ constexpr std::chrono::milliseconds kFirstPolls{300};
 
 }  // namespace
 
-Survey::Survey(asio::any_io_executor executor, model::Bus& bus, ConsoleQueue& console,
-               Sender& sender, Outputs& outputs, LogState& log, Tell tell)
-    : bus_(bus),
+Survey::Survey(asio::any_io_executor executor, std::chrono::milliseconds cards_every,
+               model::Bus& bus, ConsoleQueue& console, Sender& sender, Outputs& outputs,
+               LogState& log, Tell tell)
+    : cards_every_(cards_every),
+      bus_(bus),
       console_(console),
       sender_(sender),
       outputs_(outputs),
@@ -156,7 +156,7 @@ asio::awaitable<bool> Survey::AskVersion() {
 }
 
 asio::awaitable<bool> Survey::AskTable() {
-  Schedule(kTable, Clock::now() + kTableEvery);
+  Schedule(kTable, Clock::now() + cards_every_);
   const auto answer = co_await console_.Ask("DISCOVER");
   if (!answer) co_return false;
   const auto names = protocol::ParseCardTable(answer->lines);

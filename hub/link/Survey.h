@@ -25,8 +25,10 @@ class Survey {
  public:
   using Tell = std::function<void(std::string kind, std::string text)>;  // to the journal
 
-  Survey(boost::asio::any_io_executor executor, model::Bus& bus, ConsoleQueue& console,
-         Sender& sender, Outputs& outputs, LogState& log, Tell tell);
+  // Asks for the cards again after so long.
+  Survey(boost::asio::any_io_executor executor, std::chrono::milliseconds cards_every,
+         model::Bus& bus, ConsoleQueue& console, Sender& sender, Outputs& outputs, LogState& log,
+         Tell tell);
 
   // One session; begins its work when all ports have greeted. Ends when an answer stays away.
   boost::asio::awaitable<void> Run();
@@ -63,6 +65,7 @@ class Survey {
   void SetPause(std::optional<std::chrono::microseconds> pause);
   void ShowAdapter();
 
+  const std::chrono::milliseconds cards_every_;
   model::Bus& bus_;
   ConsoleQueue& console_;
   Sender& sender_;

@@ -264,6 +264,18 @@ TEST_F(LinkTest, NothingHappensWhileNothingHappens) {
   }));
 }
 
+TEST(LinkCardsTest, TheyAreAskedForAgainAndAgain) {
+  EXPECT_EQ(LinkOptions().cards_every, 30s);
+  FakeDaemon daemon;
+  const LinkDriver link(
+      {.host = "127.0.0.1", .ports = daemon.Ports(), .log = "", .cards_every = 50ms});
+  daemon.AcceptAll();
+  daemon.GreetAll();
+  daemon.Answer("DRVVER", "CIA: DRIVER VERSION 1.20\r\n\r");
+  daemon.Answer("POLLSTATE", "CIA: GLOBAL POLLING IS DISABLED\r\n\r");
+  for (int i = 0; i < 4; ++i) daemon.AnswerCards();
+}
+
 // A daemon that starts beside the hub makes its log a moment later.
 TEST(LinkLogTest, WhatItHoldsCountsWheneverItCanBeReadFirst) {
   const TempDir folder;
