@@ -276,6 +276,32 @@ TEST(LinkCardsTest, TheyAreAskedForAgainAndAgain) {
   for (int i = 0; i < 4; ++i) daemon.AnswerCards();
 }
 
+// Only the log says whether the daemon has gone on meanwhile.
+TEST(LinkLogTest, WithoutItAHubThatComesBackSendsNothingByItself) {
+  const TempDir folder;
+  FakeDaemon daemon;
+  LinkDriver link({.host = "127.0.0.1", .ports = daemon.Ports(), .log = folder.Path("none")},
+                  {{5, 0, 0xFE}, {5, 1, 0x7F}});
+  daemon.AcceptAll();
+  daemon.GreetAll();
+  daemon.AnswerFirst();
+  ASSERT_TRUE(link.WaitUp());
+  EXPECT_EQ(link.Adapter(), model::AdapterState::kUnknown);
+  for (const unsigned lamp : {0U, 15U}) {
+    EXPECT_TRUE(link.WaitValue(5, lamp, false));
+    EXPECT_TRUE(link.Channel(5, lamp)->assumed);
+  }
+  auto text = link.SendLater(WriteText{0xE, 0, 0, "x"});
+  daemon.ExpectCommand("aElPAp0000tx");  // before anything else
+  auto lamps = link.SendLater(WriteBlock{5, 0, 0xFC});
+  for (const char* line : {"a5b1d7F", "a5b0dFC"}) {
+    daemon.ExpectCommand(line);
+    daemon.Echo(line);
+  }
+  EXPECT_EQ(lamps.get(), Outcome::kAccepted);
+  for (const unsigned lamp : {0U, 15U}) EXPECT_FALSE(link.Channel(5, lamp)->assumed);
+}
+
 // A daemon that starts beside the hub makes its log a moment later.
 TEST(LinkLogTest, WhatItHoldsCountsWheneverItCanBeReadFirst) {
   const TempDir folder;
