@@ -26,6 +26,7 @@ asio::awaitable<void> Session::Run(Endpoints endpoints) {
   auto token = asio::redirect_error(asio::use_awaitable, error);
   co_await asio::async_connect(socket_, endpoints, token);
   if (error) co_return;
+  is_connected_ = true;
   socket_.set_option(asio::ip::tcp::no_delay(true), error);
   socket_.set_option(asio::socket_base::keep_alive(true), error);
   socket_.non_blocking(true, error);

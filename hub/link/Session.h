@@ -33,6 +33,7 @@ class Session {
   void Close();
 
   bool IsGreeted() const { return is_greeted_; }
+  bool IsHeld() const { return is_connected_ && !is_greeted_; }  // perhaps by another client
 
  private:
   std::vector<std::string> TakeGreeted(std::vector<std::string> lines);
@@ -40,6 +41,7 @@ class Session {
   protocol::Port port_;
   const Sink& sink_;
   boost::asio::ip::tcp::socket socket_;
+  bool is_connected_ = false;
   bool is_greeted_ = false;
 };
 

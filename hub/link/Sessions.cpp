@@ -68,13 +68,12 @@ asio::awaitable<void> Sessions::WatchGreetings() {
   co_await timer.async_wait(token);
   while (!cancelled) {
     const auto held =
-        std::ranges::find_if(sessions_, [](const auto& session) { return !session->IsGreeted(); });
-    if (held == sessions_.end()) {
+        std::ranges::find_if(sessions_, [](const auto& session) { return session->IsHeld(); });
+    if (held != sessions_.end()) sinks_.waiting(static_cast<Port>(held - sessions_.begin()));
+    if (AreGreeted())
       timer.expires_at(asio::steady_timer::time_point::max());
-    } else {
-      sinks_.waiting(static_cast<Port>(held - sessions_.begin()));
+    else
       timer.expires_after(kNextLook);
-    }
     co_await timer.async_wait(token);
   }
 }

@@ -20,8 +20,8 @@ class Sessions {
  public:
   struct Sinks {
     Session::Sink lines;
-    std::function<void(protocol::Port port)> waiting;  // the first one not greeted; each second
-                                                       // from 12 s on
+    // For the first one that is connected and not greeted; each second from 12 s on.
+    std::function<void(protocol::Port port)> waiting;
   };
 
   Sessions(boost::asio::any_io_executor executor, std::string host, std::array<uint16_t, 3> ports,

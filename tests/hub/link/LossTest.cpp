@@ -215,6 +215,18 @@ TEST_F(LinkTest, OfTwoHeldPortsItNamesTheOneThatIsLeft) {
   EXPECT_TRUE(link.WaitUp());
 }
 
+// Whoever takes no connection holds no port: the queue of those who want one is full.
+TEST(LinkWaitingTest, APortThatIsNotConnectedIsNotHeld) {
+  FakeDaemon daemon;
+  std::vector<Stream> crowd;
+  for (int i = 0; i < 2; ++i) crowd.push_back(Stream::ToPort(daemon.Ports()[0]));
+  LinkDriver link({.host = "127.0.0.1", .ports = daemon.Ports(), .log = ""});
+  daemon.Accept(Port::kIo);
+  daemon.Accept(Port::kMon);
+  EXPECT_TRUE(WaitUntil([&] { return link.Daemon().state == DaemonState::kWaiting; }));
+  EXPECT_EQ(link.Daemon().waiting_for, "io");
+}
+
 // What the daemon has said when it goes.
 struct Moment {
   const char* name;
