@@ -28,13 +28,16 @@ Cell DaemonCell(const json::value& daemon) {
   return {"waiting: another client holds the port " + TextAt(daemon, "waiting_for"), Colour::kRed};
 }
 
-Cell AdapterCell(const json::value& adapter) {
+Cell AdapterCell(const json::value& bus) {
+  const json::value& adapter = At(bus, "adapter");
   const std::string state = TextAt(adapter, "state");
   const Colour colour = state == "up"     ? Colour::kGreen
                         : state == "down" ? Colour::kRed
                                           : Colour::kFaint;
   std::string text = state;
   if (state == "up") text += ", " + TextAt(adapter, "version") + " on " + TextAt(adapter, "device");
+  if (state == "unknown" && TextAt(At(bus, "daemon"), "state") == "up")
+    text += ": the daemon's log does not say, or the hub may not read it";
   return {text, colour};
 }
 
@@ -53,7 +56,7 @@ int ShowStatus(Session& session, const Words& /*words*/) {
   table.Add({{"bus"}, {TextAt(bus, "name"), Colour::kBold}});
   if (BoolAt(bus, "virtual")) table.Add({{""}, {"a virtual bus: no hardware moves"}});
   table.Add({{"daemon"}, DaemonCell(At(bus, "daemon"))});
-  table.Add({{"adapter"}, AdapterCell(At(bus, "adapter"))});
+  table.Add({{"adapter"}, AdapterCell(bus)});
   table.Add({{"pace"}, {PaceText(bus)}});
   table.Add({{"polling"}, {ValueText(At(bus, "polling"))}});
   session.Print(table.Text(session.paint));

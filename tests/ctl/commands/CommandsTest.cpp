@@ -96,6 +96,20 @@ TEST_F(Commands, StatusNamesThePortThatIsHeld) {
          "polling  unknown\n");
 }
 
+TEST_F(Commands, StatusSaysWhyTheAdapterIsNotKnown) {
+  hub.Answer("GET /api/bus",
+             R"({"name":"bench","daemon":{"state":"up","version":"1.20",)"
+             R"("since":"2026-11-21T12:00:00.000Z","waiting_for":null},"adapter":)"
+             R"({"state":"unknown","device":null,"version":null},"pace":50,"polling":true,)"
+             R"("virtual":false})");
+  Expect({"status"},
+         "bus      bench\n"
+         "daemon   up, version 1.20, since 2026-11-21 12:00:00\n"
+         "adapter  unknown: the daemon's log does not say, or the hub may not read it\n"
+         "pace     50 %\n"
+         "polling  on\n");
+}
+
 TEST_F(Commands, CardsAreListedWithTheirValuesInShort) {
   Expect({"cards"},
          "5  digital-output  Relays   present  10-\n"
