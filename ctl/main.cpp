@@ -17,9 +17,7 @@ int RunCommand(const Invocation& invocation) {
   try {
     return invocation.command->run(session, invocation.words);
   } catch (const Refusal& refusal) {
-    if (invocation.json && !refusal.Document().empty()) std::cout << refusal.Document() << '\n';
-    std::cerr << "qelmctl: " << Printable(refusal.what()) << '\n';
-    return refusal.Status();
+    return session.Tell(refusal);
   } catch (const Failure& failure) {
     if (*failure.what() != '\0') std::cerr << "qelmctl: " << Printable(failure.what()) << '\n';
     return failure.Status();

@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "base/Text.h"
+
 namespace ctl {
 
 std::string Words::operator[](const std::string& name) const {
@@ -17,6 +19,12 @@ std::vector<std::string> Words::All(const std::string& name) const {
 bool Session::PrintedJson(const Reply& reply) const {
   if (json && !reply.text.empty()) std::cout << reply.text << std::endl;
   return json;
+}
+
+int Session::Tell(const Refusal& refusal) const {
+  if (json && !refusal.Document().empty()) std::cout << refusal.Document() << std::endl;
+  std::cerr << "qelmctl: " << Printable(refusal.what()) << '\n';
+  return refusal.Status();
 }
 
 void Session::Print(const std::string& text) const { std::cout << text << std::flush; }

@@ -9,6 +9,7 @@
 #include "base/Failure.h"
 #include "base/Output.h"
 #include "client/Hub.h"
+#include "client/Refusal.h"
 
 namespace ctl {
 
@@ -54,6 +55,9 @@ struct Session {
 
   // Prints what came where JSON is asked for, and says whether it was.
   bool PrintedJson(const Reply& reply) const;
+  // Says why on standard error, and prints the hub's own words where JSON is asked for; gives the
+  // status.
+  int Tell(const Refusal& refusal) const;
   // Writes a text for people.
   void Print(const std::string& text) const;
 };

@@ -3,7 +3,6 @@
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
 #include <cstdlib>
-#include <iostream>
 
 #include "base/Json.h"
 #include "base/Text.h"
@@ -45,8 +44,7 @@ int RunLines(Session& session) {
     try {
       RunLine(session, *line);
     } catch (const Refusal& refusal) {
-      std::cerr << "qelmctl: " << Printable(refusal.what()) << '\n';
-      status = refusal.Status();
+      status = session.Tell(refusal);
     }
   }
   return status;

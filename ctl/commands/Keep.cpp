@@ -80,7 +80,7 @@ std::string NamesText(const json::value& names, const Paint& paint) {
 int Backup(Session& session, const Words& words) {
   const Reply reply = session.hub.Get("/api/backup");
   if (!words.Has("FILE")) {
-    session.Print(reply.text + "\n");
+    if (!session.PrintedJson(reply)) session.Print(reply.text + "\n");
     return kDone;
   }
   WriteWhole(words["FILE"], reply.text);
