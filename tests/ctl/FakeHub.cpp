@@ -178,6 +178,7 @@ void FakeHub::Serve(int fd) {
     const bool is_feed = !HeaderOf(*head, "Sec-WebSocket-Key").empty();
     const Scripted answer = ScriptFor(request.line);
     if (is_feed && answer.status == 404) return ServeFeed(fd, request);
+    if (answer.status == kHangUp) break;
     const bool has_body = answer.status != 204;
     Send(fd, "HTTP/1.1 " + std::to_string(answer.status) + " Said\r\n" +
                  (has_body ? "Content-Type: application/json\r\nContent-Length: " +
@@ -185,6 +186,7 @@ void FakeHub::Serve(int fd) {
                            : "") +
                  "\r\n" + answer.body);
   }
+  shutdown(fd, SHUT_RDWR);
 }
 
 void FakeHub::ServeFeed(int fd, const Request& request) {

@@ -26,6 +26,8 @@ class FakeHub {
 
   // To a request line; anything else is a 404.
   void Answer(const std::string& line, const std::string& body, int status = 200);
+  // Whoever asks this has no answer, and no connection any more.
+  void HangUpOn(const std::string& line) { Answer(line, {}, kHangUp); }
   // What goes to whoever subscribes; the connection is closed behind it.
   void Feed(std::vector<std::string> messages);
   // The same to the first one; who comes then gets the next.
@@ -40,6 +42,8 @@ class FakeHub {
   std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_); }
 
  private:
+  static constexpr int kHangUp = 0;  // in place of a status
+
   struct Scripted {
     int status;
     std::string body;

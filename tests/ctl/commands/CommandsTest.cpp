@@ -222,33 +222,6 @@ TEST_F(Commands, HistoryIsATableOrCsv) {
          "2026-11-21T12:01:00.000Z,,,\n");
 }
 
-TEST_F(Commands, JournalSaysWhoDidWhat) {
-  hub.Answer("GET /api/journal?limit=5",
-             R"({"entries":[{"seq":17,"time":"2026-11-21T12:00:00.000Z","kind":"command",)"
-             R"("text":"5.0 on","by":"operator"},{"seq":18,"time":"2026-11-21T12:00:01.000Z",)"
-             R"("kind":"adapter","text":"gone","by":null}],"lost":3})");
-  Expect({"journal", "--limit", "5"},
-         "2026-11-21 12:00:00  command  5.0 on (operator)\n"
-         "2026-11-21 12:00:01  adapter  gone\n");
-}
-
-// It goes on for ever, so the end of the test ends it: where the hub refuses.
-TEST_F(Commands, AJournalThatIsFollowedPrintsEachEntryOnce) {
-  const auto page = [](const char* number, const char* text) {
-    return R"({"entries":[{"seq":)" + std::string(number) +
-           R"(,"time":"2026-11-21T12:00:00.000Z","kind":"card","text":")" + text +
-           R"(","by":null}],"lost":0})";
-  };
-  hub.Answer("GET /api/journal", page("17", "first"));
-  hub.Answer("GET /api/journal?after=17", page("18", "second"));
-  hub.Answer("GET /api/journal?after=18", R"({"title":"no","status":403,"detail":"no"})", 403);
-  const Outcome outcome = Run({"journal", "--follow"});
-  EXPECT_EQ(outcome.out,
-            "2026-11-21 12:00:00  card  first\n"
-            "2026-11-21 12:00:00  card  second\n");
-  EXPECT_NE(outcome.status, 0);
-}
-
 TEST_F(Commands, AccountsAreKept) {
   hub.Answer("POST /api/accounts", "", 204);
   const Outcome added = Run({"account", "add", "operator", "admin"}, "correct horse\n");
