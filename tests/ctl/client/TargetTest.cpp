@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "base/Failure.h"
+#include "client/Hub.h"
+#include "kit/Listener.h"
 #include "kit/TempDir.h"
 
 namespace ctl {
@@ -19,6 +21,22 @@ TEST(Target, IsReadFromAUrl) {
   EXPECT_EQ(Read("http://board"), "board 5080");
   EXPECT_EQ(Read("https://10.0.0.7:443/"), "10.0.0.7 443 tls");
   EXPECT_EQ(Read("https://[::1]:5080"), "::1 5080 tls");
+}
+
+// It takes the connection, and says nothing.
+TEST(Target, AHubThatDoesNotAnswerIsNotReachable) {
+  EXPECT_EQ(Target().patience, std::chrono::seconds(30));
+  const Listener silent;
+  Target target;
+  SetUrl(target, "http://127.0.0.1:" + std::to_string(silent.Port()));
+  target.patience = std::chrono::seconds(1);
+  try {
+    Hub(target).Get("/api/bus");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Status(), 3);
+    EXPECT_NE(std::string(failure.what()).find("no answer within 1 s"), std::string::npos);
+  }
 }
 
 TEST(Target, OtherUrlsAreRefused) {
