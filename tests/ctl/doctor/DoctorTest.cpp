@@ -1,78 +1,17 @@
-// Real sites, each broken in one way, and what doctor finds. The daemon is the real one on the
-// virtual bus; the hub is a fake one that answers like a hub that has them.
+// What is between the daemon's configuration and its ports.
+#include "DoctorTest.h"
+
 #include <signal.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <memory>
 
-#include "Ctl.h"
-#include "FakeHub.h"
-#include "SiteTest.h"
+#include "Impostor.h"
 #include "kit/Listener.h"
 
 namespace {
 
 constexpr char kLogFolder[] = "/run/test/log";
-
-class Doctor : public SiteTest {
- protected:
-  void SetUp() override {
-    SiteTest::SetUp();
-    hub = std::make_unique<FakeHub>();
-    SayBus(R"({"state":"up","version":"1.20","waiting_for":null})");
-    hub->Answer("GET /api/cards",
-                R"({"cards":[{"address":"5","name":"Relays","state":"present"}]})");
-  }
-
-  void SayBus(const std::string& daemon_state, int status = 200) {
-    hub->Answer("GET /api/bus", R"({"name":"bench","virtual":true,"daemon":)" + daemon_state + "}",
-                status);
-  }
-
-  // The daemon on the bus; nobody is connected.
-  void StartQuietSite(const std::vector<std::string>& options = {}) {
-    StartBus(options);
-    StartDaemon();
-    ExpectLog("INF", "hardware found on /dev/ttyUSB0 version: v1.2");
-  }
-
-  // With the patience for a port that greets.
-  void Examine(const std::string& patience = "60s") {
-    report = RunCtl({"--socket", hub ? hub->SocketPath() : "/run/test/hub.sock", "--json", "doctor",
-                     "--wait", patience});
-  }
-
-  // A check says this, in these words or with them.
-  void ExpectFound(const std::string& check, const std::string& verdict, const std::string& words,
-                   Place place = Place::current()) {
-    const std::string start =
-        "{\"check\":\"" + check + "\",\"verdict\":\"" + verdict + "\",\"found\":\"";
-    for (size_t at = report.out.find(start); at != std::string::npos;
-         at = report.out.find(start, at + 1)) {
-      const size_t end = report.out.find('}', at);
-      if (report.out.substr(at, end - at).find(words) != std::string::npos) return;
-    }
-    FAIL_AT(place) << check << " is not " << verdict << " with \"" << words << "\":\n"
-                   << report.out << report.err;
-  }
-
-  // That, and the status that says that something is wrong.
-  void ExpectWrong(const std::string& check, const std::string& words,
-                   Place place = Place::current()) {
-    ExpectFound(check, "wrong", words, place);
-    if (report.status != 1) FAIL_AT(place) << "status " << report.status;
-  }
-
-  std::string Self() const { return "(process " + std::to_string(getpid()) + ")"; }
-
-  std::unique_ptr<FakeHub> hub;
-  Outcome report;
-};
 
 TEST_F(Doctor, AHealthySiteIsWell) {
   StartQuietSite();
@@ -105,9 +44,7 @@ TEST_F(Doctor, ABrokenConfiguration) {
 }
 
 TEST_F(Doctor, AMisspeltElementThatTheDaemonPassesOver) {
-  std::string text = ReadFile(kConfigPath);
-  text.replace(text.find("AutoDiscover"), 12, "Autodiscover");
-  WriteConfigText(text);
+  ReplaceInConfiguration("AutoDiscover", "Autodiscover");
   StartBus();
   StartDaemon();
   Examine();
@@ -115,10 +52,17 @@ TEST_F(Doctor, AMisspeltElementThatTheDaemonPassesOver) {
   ExpectWrong("configuration", "write \\\"AutoDiscover\\\"");
 }
 
+TEST_F(Doctor, AMisspeltAttributeThatTheDaemonPassesOver) {
+  ReplaceInConfiguration("AutoDiscover Action", "AutoDiscover action");
+  StartBus();
+  StartDaemon();
+  Examine();
+  ExpectWrong("configuration", "unknown attribute \\\"action\\\" of AutoDiscover");
+  ExpectWrong("configuration", "write \\\"Action\\\"");
+}
+
 TEST_F(Doctor, APortBelow1025) {
-  std::string text = ReadFile(kConfigPath);
-  text.replace(text.find("5002"), 4, "502");
-  WriteConfigText(text);
+  ReplaceInConfiguration("5002", "502");
   EXPECT_EQ(RunToItsEnd(), 0);
   Examine();
   ExpectWrong("configuration", "the port 502 is below 1025: the daemon does not start");
@@ -166,6 +110,15 @@ TEST_F(Doctor, ALogOnAFullVolume) {
   ASSERT_EQ(std::system("umount -l /run/test/log"), 0);
 }
 
+TEST_F(Doctor, ALogThatTheDaemonMayNotWrite) {
+  AddDaemonsUser();
+  WriteFile(kLogFile, "");
+  std::filesystem::permissions(kLogFile, std::filesystem::perms::owner_read);
+  Examine();
+  ExpectWrong("log", "the daemon, which runs as qelm, may not write /run/test/qelm.log");
+  ExpectWrong("log", "chown qelm /run/test/qelm.log");
+}
+
 TEST_F(Doctor, ADaemonThatDoesNotRun) {
   StartBus();
   Examine();
@@ -202,6 +155,14 @@ TEST_F(Doctor, NoAdapter) {
   ExpectWrong("adapter", "there is no /dev/ttyUSB");
 }
 
+TEST_F(Doctor, AnAdapterThatTheDaemonMayNotOpen) {
+  AddDaemonsUser();
+  StartBus();
+  Examine();
+  ExpectWrong("adapter", "/dev/ttyUSB0: the daemon, which runs as qelm, may not open it");
+  ExpectWrong("adapter", "adduser qelm ");
+}
+
 TEST_F(Doctor, AnAdapterThatDoesNotAnswer) {
   StartBus({"--do", "mute 600s"});
   StartDaemon();
@@ -226,70 +187,36 @@ TEST_F(Doctor, AStrangerOnAPort) {
   ExpectWrong("ports", Self());
 }
 
+TEST_F(Doctor, APortThatTheDaemonDoesNotHave) {
+  StartQuietSite();
+  ReplaceInConfiguration("5002", "5009");  // it has read it before
+  Examine();
+  ExpectWrong("ports", "IO (5009) is closed, though the daemon runs");
+}
+
+TEST_F(Doctor, ADaemonThatSaysSomethingElse) {
+  const Impostor other("qelm", [] {
+    Listener listener(kCae);
+    Stream client = listener.Accept();
+    client.Send("220 mail.example ESMTP\r\n");
+    pause();
+  });
+  Examine("2s");
+  ExpectWrong("ports", "CAE (5001) says \\\"220 mail.example ESMTP");
+}
+
+TEST_F(Doctor, AClockThatWasNeverSet) {
+  Examine("2s",
+          {{"LD_PRELOAD", OLD_CLOCK}, {"TZ", "UTC"}, {"ASAN_OPTIONS", "verify_asan_link_order=0"}});
+  ExpectWrong("clock", "it is 2001-09-09");
+}
+
 TEST_F(Doctor, ADaemonThatHangs) {
   StartQuietSite();
   daemon.Kill(SIGSTOP);
   Examine("2s");
   daemon.Kill(SIGCONT);
   ExpectWrong("ports", "CAE (5001) takes a connection and does not greet");
-}
-
-TEST_F(Doctor, NoHub) {
-  StartQuietSite();
-  hub.reset();
-  Examine();
-  ExpectWrong("hub", "/run/test/hub.sock: is not there");
-}
-
-TEST_F(Doctor, ASocketThatADeadHubLeftBehind) {
-  StartQuietSite();
-  hub.reset();
-  sockaddr_un path{};
-  path.sun_family = AF_UNIX;
-  std::strcpy(path.sun_path, "/run/test/hub.sock");
-  const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&path), sizeof path), 0);
-  close(fd);
-  Examine();
-  ExpectWrong("hub", "has nobody behind it");
-}
-
-TEST_F(Doctor, AHubThatWaitsForAPort) {
-  StartQuietSite();
-  SayBus(R"({"state":"waiting","version":null,"waiting_for":"io"})");
-  Examine();
-  ExpectWrong("hub", "another client holds the port io");
-}
-
-TEST_F(Doctor, AHubThatWantsALogin) {
-  StartQuietSite();
-  SayBus("null", 401);
-  Examine();
-  ExpectFound("hub", "unseen", "answers with status 401");
-  ExpectFound("cards", "unseen", "");
-}
-
-TEST_F(Doctor, APagePortThatAnotherProgramHas) {
-  StartQuietSite();
-  const Listener other(5080);
-  Examine();
-  ExpectWrong("page", "port 5080 belongs to");
-}
-
-TEST_F(Doctor, ABrokerThatRefusesTheHub) {
-  StartQuietSite();
-  hub->Answer("GET /api/bus",
-              R"({"name":"bench","daemon":{"state":"up","version":"1.20","waiting_for":null},)"
-              R"("broker":{"state":"refused","host":"10.0.0.5","detail":"wrong password"}})");
-  Examine();
-  ExpectWrong("broker", "the hub does not have the one at 10.0.0.5: wrong password");
-}
-
-TEST_F(Doctor, ABusWithoutCards) {
-  StartQuietSite();
-  hub->Answer("GET /api/cards", R"({"cards":[]})");
-  Examine();
-  ExpectWrong("cards", "no card is known");
 }
 
 TEST_F(Doctor, TellsPeopleInATable) {
