@@ -106,6 +106,7 @@ json::object BoardChannelJson(const boards::Board& board, model::ChannelId id) {
           {"unit", OrNull(channel.settled.unit)},
           {"min", range ? NumberJson(range->min) : json::value()},
           {"max", range ? NumberJson(range->max) : json::value()},
+          {"decimals", nullptr},
           {"stale_since", StaleJson(board)}};
 }
 

@@ -26,7 +26,7 @@ inline constexpr std::string_view kServoCard = R"({
   "channels":[
     {"id":"0.0", "name":"Elbow", "type":"position", "value":128, "raw":128, "known":true,
      "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-     "min":0, "max":255}],
+     "min":0, "max":255, "decimals":null}],
   "glass":null, "codes":null})";
 
 inline constexpr std::string_view kRelays = R"({
@@ -35,7 +35,7 @@ inline constexpr std::string_view kRelays = R"({
   "channels":[
     {"id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
      "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-     "min":null, "max":null}],
+     "min":null, "max":null, "decimals":null}],
   "glass":null, "codes":null})";
 
 inline constexpr std::string_view kCards = R"({"cards":[{
@@ -44,7 +44,7 @@ inline constexpr std::string_view kCards = R"({"cards":[{
   "channels":[
     {"id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
      "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-     "min":null, "max":null}],
+     "min":null, "max":null, "decimals":null}],
   "glass":null, "codes":null}]})";
 
 inline constexpr std::string_view kInputs = R"({
@@ -52,18 +52,19 @@ inline constexpr std::string_view kInputs = R"({
   "polling":false,
   "channels":[
     {"id":"3.0", "name":"Door", "type":"contact", "value":null, "raw":null, "known":false,
-     "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null}],
+     "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null,
+     "decimals":null}],
   "glass":null, "codes":null})";
 
 inline constexpr std::string_view kLamp = R"({
   "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":0, "known":true,
   "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-  "min":null, "max":null})";
+  "min":null, "max":null, "decimals":null})";
 
 inline constexpr std::string_view kCode = R"({
   "id":"9.0", "name":null, "type":"code", "value":"434F", "raw":null, "known":true,
   "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-  "min":null, "max":null})";
+  "min":null, "max":null, "decimals":null})";
 
 inline constexpr std::string_view kBoard = R"({
   "board":"shed", "state":"online", "since":"2026-11-21T12:00:00.000Z",
@@ -82,7 +83,7 @@ inline constexpr std::string_view kBoards = R"({"boards":[{
 inline constexpr std::string_view kBoardLamp = R"({
   "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":null, "known":true,
   "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
-  "unit":null, "min":null, "max":null, "stale_since":null})";
+  "unit":null, "min":null, "max":null, "decimals":null, "stale_since":null})";
 
 inline constexpr std::string_view kBoardRelays = R"({
   "address":"5", "kind":"digital-output", "name":"Relays", "state":"present", "keep":null,
@@ -90,7 +91,7 @@ inline constexpr std::string_view kBoardRelays = R"({
   "channels":[{
     "id":"5.0", "name":"Lamp", "type":"switch", "value":true, "raw":null, "known":true,
     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
-    "unit":null, "min":null, "max":null, "stale_since":null}]})";
+    "unit":null, "min":null, "max":null, "decimals":null, "stale_since":null}]})";
 
 inline constexpr std::string_view kBoardDisplay = R"({
   "address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
@@ -107,7 +108,7 @@ inline constexpr std::string_view kBoardCards = R"({"cards":[{
 inline constexpr std::string_view kBoardCode = R"({
   "id":"9.0", "name":null, "type":"code", "value":null, "raw":null, "known":false,
   "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null,
-  "stale_since":null})";
+  "decimals":null, "stale_since":null})";
 
 inline constexpr std::string_view kSnapshot = R"({
   "seq":1234,

@@ -59,7 +59,7 @@ inline constexpr std::array<Schema, 28> kSchemas{{
         "stale_since":{"$ref":"#/components/schemas/StaleSince"}}})"},
     {"Channel", R"({"type":"object",
       "required":["id", "name", "type", "value", "raw", "known", "assumed", "pending", "since",
-                  "unit", "min", "max"],
+                  "unit", "min", "max", "decimals"],
       "properties":{
         "id":{"type":"string", "pattern":"^[0-9A-F]\\.(0|[1-9][0-9]?)$"},
         "name":{"type":["string", "null"]},
@@ -78,6 +78,8 @@ inline constexpr std::array<Schema, 28> kSchemas{{
         "stale_since":{"$ref":"#/components/schemas/StaleSince"}}})"},
     {"StaleSince", R"({"type":["string", "null"], "format":"date-time",
       "description":"of another board only: since when nothing is heard of it"})"},
+        "decimals":{"type":["integer", "null"], "minimum":0, "maximum":6,
+                    "description":"places behind the point, where it has a unit of its own"},
     {"Boards", R"({"type":"object", "required":["boards"],
       "properties":{"boards":{"type":"array", "items":{"$ref":"#/components/schemas/Board"}}}})"},
     {"Board", R"({"type":"object",

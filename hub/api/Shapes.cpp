@@ -127,6 +127,7 @@ json::object ChannelJson(const model::Bus& bus, const model::Card& card, unsigne
   const bool is_signed = bus.Names().Card(card.address).is_signed;
   const auto range = model::RangeOf({card.Row(), number, settings, is_signed});
   const bool has_raw = channel.IsKnown() && card.kind != model::Kind::kInfrared;
+  const bool has_unit = !settings.unit.empty();
   return {{"id", ChannelText({card.address, number})},
           {"name", OrNull(settings.name)},
           {"type", card.Row().channel_type},
@@ -138,7 +139,8 @@ json::object ChannelJson(const model::Bus& bus, const model::Card& card, unsigne
           {"since", OrNull(channel.since)},
           {"unit", OrNull(settings.unit)},
           {"min", range ? NumberJson(range->min) : json::value()},
-          {"max", range ? NumberJson(range->max) : json::value()}};
+          {"max", range ? NumberJson(range->max) : json::value()},
+          {"decimals", has_unit ? json::value(settings.decimals) : json::value()}};
 }
 
 json::object GlassJson(const model::Glass& glass) {

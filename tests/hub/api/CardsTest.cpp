@@ -16,7 +16,8 @@ TEST_F(CardsTest, TheCardsThatAreThereAreListedByAddress) {
     {"address":"9", "kind":"ir", "name":null, "state":"present", "keep":null, "polling":null,
      "channels":[
        {"id":"9.0", "name":null, "type":"code", "value":null, "raw":null, "known":false,
-        "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null}],
+        "assumed":false, "pending":false, "since":null, "unit":null, "min":null, "max":null,
+        "decimals":null}],
      "glass":null, "codes":{}},
     {"address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
      "channels":[],

@@ -10,7 +10,7 @@ TEST_F(ChannelsTest, AChannelIsRead) {
   ExpectResult("channels.get", R"({"id":"3.6"})", R"({
     "id":"3.6", "name":null, "type":"contact", "value":true, "raw":1, "known":true,
     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-    "min":null, "max":null})");
+    "min":null, "max":null, "decimals":null})");
 }
 
 TEST_F(ChannelsTest, AChannelThatIsNotThereIsNotFound) {
@@ -30,7 +30,7 @@ TEST_F(ChannelsTest, ALineIsSwitched) {
   ExpectResult("channels.set", R"({"id":"5.0","value":true})", R"({
     "id":"5.0", "name":null, "type":"switch", "value":true, "raw":0, "known":true,
     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-    "min":null, "max":null})");
+    "min":null, "max":null, "decimals":null})");
   EXPECT_EQ(TakeSet(), "5 0=0");
   EXPECT_EQ(LastNote(), "command operator: 5.0: on");
 }
@@ -97,7 +97,7 @@ TEST_F(ChannelsTest, AUnitIsTurnedIntoTheByteAndBack) {
   ExpectResult("channels.set", R"({"id":"0.1","value":45})", R"({
     "id":"0.1", "name":"Elbow", "type":"position", "value":45, "raw":191, "known":true,
     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":"deg",
-    "min":-90, "max":90})");
+    "min":-90, "max":90, "decimals":0})");
   EXPECT_EQ(TakeSet(), "0 1=191");
   ExpectProblem("channels.set", R"({"id":"0.1","value":91})", 422, "value",
                 "91; 0.1 takes -90 to 90 deg");

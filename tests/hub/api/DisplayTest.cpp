@@ -98,7 +98,7 @@ TEST_F(DisplayTest, ACodeIsSentInEitherCase) {
   ExpectResult("ir.send", R"({"address":"9","bytes":"434f"})", R"({
     "id":"9.0", "name":null, "type":"code", "value":"434F", "raw":null, "known":true,
     "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-    "min":null, "max":null})");
+    "min":null, "max":null, "decimals":null})");
   EXPECT_EQ(TakeSent(), "a9sHS434F");
   EXPECT_EQ(LastNote(), "command operator: 9: code 434F");
 }

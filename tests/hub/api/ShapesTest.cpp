@@ -92,10 +92,10 @@ TEST_F(ShapesTest, WhatWasSettledOfACard) {
   EXPECT_NE(Card(0x3).find(R"("polling":false)"), std::string::npos);
   EXPECT_EQ(Channel(4, 0), Compact(R"({"id":"4.0", "name":null, "type":"drive", "value":-100,
     "raw":0, "known":true, "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
-    "unit":null, "min":-100, "max":100})"));
+    "unit":null, "min":-100, "max":100, "decimals":null})"));
   EXPECT_EQ(Channel(4, 3), Compact(R"({"id":"4.3", "name":null, "type":"drive", "value":null,
     "raw":null, "known":false, "assumed":true, "pending":false, "since":null, "unit":null,
-    "min":0, "max":255})"));
+    "min":0, "max":255, "decimals":null})"));
 }
 
 TEST_F(ShapesTest, AChannelThatIsAssumedOrPending) {
@@ -104,7 +104,7 @@ TEST_F(ShapesTest, AChannelThatIsAssumedOrPending) {
   bus.SetPending(5, 1, true);
   EXPECT_EQ(Channel(5, 10), Compact(R"({"id":"5.10", "name":null, "type":"switch", "value":true,
     "raw":0, "known":true, "assumed":true, "pending":true, "since":"2026-11-21T12:00:00.000Z",
-    "unit":null, "min":null, "max":null})"));
+    "unit":null, "min":null, "max":null, "decimals":null})"));
 }
 
 TEST_F(ShapesTest, ALevelInItsUnit) {
@@ -114,14 +114,14 @@ TEST_F(ShapesTest, ALevelInItsUnit) {
   Report(0xF, 3, 0x20);
   EXPECT_EQ(Channel(0xF, 3), Compact(R"({"id":"F.3", "name":"Bath", "type":"level", "value":84.9,
     "raw":32, "known":true, "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
-    "unit":"°C", "min":-20, "max":100})"));
+    "unit":"°C", "min":-20, "max":100, "decimals":1})"));
 }
 
 TEST_F(ShapesTest, AKeyPadsByte) {
   Report(0x8, 0, 0xC5);
   EXPECT_EQ(Channel(0x8, 0), Compact(R"({"id":"8.0", "name":null, "type":"key", "value":197,
     "raw":197, "known":true, "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z",
-    "unit":null, "min":0, "max":255})"));
+    "unit":null, "min":0, "max":255, "decimals":null})"));
 }
 
 TEST_F(ShapesTest, AGlassAfterWhatWasSent) {
@@ -181,10 +181,10 @@ TEST_F(ShapesTest, ChangesTellWhatIsThereNow) {
       "channels":[
         {"id":"3.6", "name":null, "type":"contact", "value":true, "raw":1, "known":true,
          "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-         "min":null, "max":null},
+         "min":null, "max":null, "decimals":null},
         {"id":"8.0", "name":null, "type":"key", "value":5, "raw":5, "known":true,
          "assumed":false, "pending":false, "since":"2026-11-21T12:00:00.000Z", "unit":null,
-         "min":0, "max":255}],
+         "min":0, "max":255, "decimals":null}],
       "events":[{"seq":)" + number(2) + R"(, "time":"2026-11-21T12:00:00.000Z", "card":"8",
                  "event_type":"press", "code":5}],
       "lost":2}})"));
