@@ -134,7 +134,7 @@ Hub::Hub(const settings::Settings& settings, Places places)
       store_(context_, settings_.store, clock_),
       is_locked_(IsLocked(store_)),
       control_(ControlOf(settings_)),
-      bus_(IdentityOf(store_)),
+      bus_(IdentityOf(store_), QELM_VERSION),
       outputs_(store_.Document(kOutputs).value_or("")),
       access_(context_, clock_, is_locked_ ? std::nullopt : store_.Document(kAccess),
               {.keep = [this](std::string text) { KeepAccess(std::move(text)); },

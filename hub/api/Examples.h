@@ -11,7 +11,7 @@ inline constexpr std::string_view kBus = R"({
             "waiting_for":null},
   "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"},
   "broker":{"state":"up", "host":"192.168.1.5", "detail":null},
-  "pace":50, "polling":true, "virtual":true})";
+  "pace":50, "polling":true, "virtual":true, "hub":{"version":"1.20"}})";
 
 inline constexpr std::string_view kDisplay = R"({
   "address":"E", "kind":"lcd", "name":null, "state":"present", "keep":null, "polling":null,
@@ -116,7 +116,7 @@ inline constexpr std::string_view kSnapshot = R"({
          "daemon":{"state":"absent", "version":null, "since":null, "waiting_for":null},
          "adapter":{"state":"unknown", "device":null, "version":null},
          "broker":null,
-         "pace":null, "polling":null, "virtual":false},
+         "pace":null, "polling":null, "virtual":false, "hub":{"version":"1.20"}},
   "cards":[],
   "page":{"order":[], "hidden":[], "groups":[]},
   "events":[{"seq":1230, "time":"2026-11-21T12:00:00.000Z", "card":"8", "event_type":"press",

@@ -101,7 +101,8 @@ json::object BusJson(const model::Bus& bus) {
           {"broker", BrokerJson(bus.BrokerNow())},
           {"pace", OrNull(bus.Pace())},
           {"polling", OrNull(bus.Polling())},
-          {"virtual", bus.Names().is_virtual}};
+          {"virtual", bus.Names().is_virtual},
+          {"hub", {{"version", OrNull(bus.HubVersion())}}}};
 }
 
 json::object CardJson(const model::Bus& bus, const model::Card& card) {
@@ -126,8 +127,8 @@ json::object ChannelJson(const model::Bus& bus, const model::Card& card, unsigne
   const model::ChannelSettings settings = bus.Names().Channel(card.address, number);
   const bool is_signed = bus.Names().Card(card.address).is_signed;
   const auto range = model::RangeOf({card.Row(), number, settings, is_signed});
-  const bool has_raw = channel.IsKnown() && card.kind != model::Kind::kInfrared;
   const bool has_unit = !settings.unit.empty();
+  const bool has_raw = channel.IsKnown() && card.kind != model::Kind::kInfrared;
   return {{"id", ChannelText({card.address, number})},
           {"name", OrNull(settings.name)},
           {"type", card.Row().channel_type},

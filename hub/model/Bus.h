@@ -57,12 +57,14 @@ class Bus {
  public:
   using Listener = std::function<void(const Change& change)>;
 
-  explicit Bus(std::string id) : id_(std::move(id)) {}
+  explicit Bus(std::string id, std::string hub_version = {})
+      : id_(std::move(id)), hub_version_(std::move(hub_version)) {}
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;
 
   // What doors read.
-  const std::string& Id() const { return id_; }  // 8 hexadecimal digits
+  const std::string& Id() const { return id_; }                   // 8 hexadecimal digits
+  const std::string& HubVersion() const { return hub_version_; }  // empty: not said
   uint64_t Sequence() const { return sequence_; }
   const Daemon& DaemonNow() const { return daemon_; }
   const Adapter& AdapterNow() const { return adapter_; }
@@ -107,6 +109,7 @@ class Bus {
   void NoteChannel(ChannelId id);
 
   std::string id_;
+  std::string hub_version_;
   Daemon daemon_;
   Adapter adapter_;
   std::optional<Broker> broker_;

@@ -66,7 +66,7 @@ class ApiTest : public testing::Test {
   access::Caller caller{"operator", access::Role::kAdmin, "session-7", "10.0.0.2"};
   model::Time now{std::chrono::milliseconds(1'795'262'400'000)};  // 2026-11-21 12:00
   protocol::CardNames names;
-  model::Bus bus{"3f9a21c0"};
+  model::Bus bus{"3f9a21c0", "2.5"};
   FakeLink link;
   FakeStore store;
   FakeVirtualBus virtual_bus;

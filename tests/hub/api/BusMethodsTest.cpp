@@ -29,7 +29,7 @@ TEST_F(BusMethodsTest, TheBusIsRead) {
       "daemon":{"state":"up", "version":"1.20", "since":"2026-11-21T12:00:00.000Z",
                 "waiting_for":null},
       "adapter":{"state":"unknown", "device":null, "version":null}, "broker":null,
-      "pace":50, "polling":null, "virtual":false})"));
+      "pace":50, "polling":null, "virtual":false, "hub":{"version":"2.5"}})"));
 }
 
 TEST_F(BusMethodsTest, ADiscoveryAsksTheBus) {

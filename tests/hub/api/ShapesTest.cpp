@@ -29,7 +29,7 @@ TEST_F(ShapesTest, ABusThatWaitsForAPort) {
             Compact(R"({"id":"3f9a21c0", "name":"bench", "seq":)" + sequence + R"(,
       "daemon":{"state":"waiting", "version":null, "since":null, "waiting_for":"io"},
       "adapter":{"state":"up", "device":"/dev/ttyUSB0", "version":"v1.2"}, "broker":null,
-      "pace":null, "polling":false, "virtual":true})"));
+      "pace":null, "polling":false, "virtual":true, "hub":{"version":"2.5"}})"));
 }
 
 TEST_F(ShapesTest, OneCardOfEachKind) {
