@@ -158,6 +158,12 @@ void ApiTest::Pull(unsigned address) {
   bus.Publish();
 }
 
+void ApiTest::ShedSays(const std::string& topic, std::string_view payload) {
+  boards::Boards& boards = parts_->house.boards;
+  if (!boards.IsOn()) boards.Use(true);
+  boards.Take("qelm/shed/" + topic, payload, payload.size(), now);
+}
+
 void ApiTest::FileHas(const model::Settings& settings) {
   parts_->house.file = settings;
   ApplyAgain();

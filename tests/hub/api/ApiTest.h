@@ -58,6 +58,9 @@ class ApiTest : public testing::Test {
   void Report(unsigned address, unsigned block, unsigned value);
   void Pull(unsigned address);  // the next discovery does not find the card
 
+  // Another board says this, below its name; from the first time on, others are listened to.
+  void ShedSays(const std::string& topic, std::string_view payload);
+
   // Settings of the file, in effect.
   void FileHas(const model::Settings& settings);
   void ApplyAgain();  // as at the start

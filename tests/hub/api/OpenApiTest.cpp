@@ -178,6 +178,28 @@ TEST_F(OpenApiTest, AnswersOfABusyBusFitTheirSchemas) {
   ExpectFits(RetryLater(503, "x", 5).ToJson(), SchemaNamed("Problem"), "problem");
 }
 
+TEST_F(OpenApiTest, AnswersOfOtherBoardsFitTheirSchemas) {
+  ShedSays("status", "online");
+  ShedSays("bus", R"({"id":"8c01d2ee","name":"Shed","version":"1.20","daemon":{"state":"up"},
+    "adapter":{"state":"up"},"cards":[
+    {"address":"5","kind":"digital-output","name":"Relays","state":"present"},
+    {"address":"E","kind":"lcd","name":null,"state":"silent"},
+    {"address":"F","kind":"analogue-input","name":null,"state":"present",
+     "channels":{"3":{"name":null,"unit":"V","min":0,"max":5.5}}}]})");
+  ShedSays("5/0", "ON");
+  ShedSays("F/3", "2.5");
+  ShedSays("E/glass", R"({"rows":["Hello"],"light":true,"cursor":false,"blink":false})");
+  for (const char* status : {"online", "offline"}) {
+    ShedSays("status", status);
+    ExpectReal("boards.list", "{}");
+    ExpectReal("boards.get", R"({"board":"shed"})");
+    ExpectReal("boards.cards.list", R"({"board":"shed"})");
+    ExpectReal("boards.cards.get", R"({"board":"shed","address":"E"})");
+    ExpectReal("boards.channels.get", R"({"board":"shed","id":"F.3"})");
+    ExpectReal("live.subscribe", "{}");
+  }
+}
+
 TEST_F(OpenApiTest, TheSchemasFindWhatIsWrong) {
   const auto errors = [this](std::string_view value, std::string_view schema) {
     return SchemaErrors(json::parse(value), SchemaNamed(schema), document).size();
