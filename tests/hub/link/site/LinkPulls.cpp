@@ -1,5 +1,6 @@
 #include "LinkPulls.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <sstream>
 
@@ -36,6 +37,7 @@ void LinkPulls::RunPulls(int rounds, unsigned seed) {
       wanted_[{card.address, block}] = {card.start};
   for (int round = 0; round < rounds && !HasFailure(); ++round) {
     asked_ = wanted_;
+    accidents_ = 0;
     for (int i = Draw(4); i >= 0; --i) Ask();
     Disturb();
     for (int i = Draw(4); i > 0; --i) Ask();
@@ -50,8 +52,9 @@ void LinkPulls::RunPulls(int rounds, unsigned seed) {
       CheckFrames(card.address);
     }
   }
-  std::printf("%d rounds: %d frames, %d of them with a start value of another block\n", rounds,
-              frames_, start_frames_);
+  std::printf(
+      "%d rounds: %d frames, %d of them with a start value of another block, %d in a row at most\n",
+      rounds, frames_, start_frames_, most_in_a_row_);
 }
 
 void LinkPulls::Ask() {
@@ -67,6 +70,7 @@ void LinkPulls::Ask() {
 }
 
 void LinkPulls::Disturb() {
+  ++accidents_;
   switch (Draw(4)) {
     case 0:
       if (is_cable_in_) Bus("cable pull");
@@ -142,11 +146,14 @@ std::string LinkPulls::Wanted(uint8_t address) const {
   return text;
 }
 
-// Each frame shows what somebody asked for, or a start value where the daemon left no choice.
+// Each frame shows what somebody asked for, or a start value where the daemon left no choice: after
+// a discovery, until the last of the blocks is out, a frame a round. An accident on the way lets it
+// begin again, and so does the end of the accidents.
 void LinkPulls::CheckFrames(uint8_t address) {
   for (const KeptCard& card : kCards) {
     if (card.address != address) continue;
     const auto writes = WritesTo(card.digit);
+    int in_a_row = 0;
     for (size_t& at = frames_seen_[address]; at < writes.size(); ++at) {
       const auto bytes = ReadBytes(writes[at]);
       bool has_start = false;
@@ -157,6 +164,9 @@ void LinkPulls::CheckFrames(uint8_t address) {
       }
       ++frames_;
       start_frames_ += has_start;
+      in_a_row = has_start ? in_a_row + 1 : 0;
+      most_in_a_row_ = std::max(most_in_a_row_, in_a_row);
+      EXPECT_LE(in_a_row, (card.blocks - 1) * (accidents_ + 1)) << "at card " << card.digit;
     }
   }
 }

@@ -36,10 +36,12 @@ class LinkPulls : public LinkSite {
   std::map<Place, std::set<uint8_t>> wanted_;  // more than one where nobody knows which came last
   std::map<Place, std::set<uint8_t>> asked_;   // in this round, with what was there before
   std::map<uint8_t, size_t> frames_seen_;
+  int accidents_ = 0;  // in this round
   bool is_cable_in_ = true;
   bool is_daemon_there_ = true;
   int frames_ = 0;
   int start_frames_ = 0;  // that showed a start value which nobody asked for
+  int most_in_a_row_ = 0;
 };
 
 }  // namespace hub::link
