@@ -83,6 +83,12 @@ std::string Listed(std::span<const std::string> words, std::string_view last) {
   return text;
 }
 
+std::string Joined(std::span<const std::string> words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
 std::vector<std::string> Split(std::string_view text, char separator) {
   std::vector<std::string> pieces;
   while (true) {

@@ -23,6 +23,9 @@ std::optional<std::string> Nearest(std::string_view word, std::span<const std::s
 // "a, b or c"
 std::string Listed(std::span<const std::string> words, std::string_view last = "or");
 
+// "a b c"
+std::string Joined(std::span<const std::string> words);
+
 // The pieces between separators; "" has one, which is empty.
 std::vector<std::string> Split(std::string_view text, char separator);
 

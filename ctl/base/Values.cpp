@@ -76,7 +76,7 @@ long ParseNumber(const std::string& text, const std::string& what, long least, l
                             std::to_string(least) + " to " + std::to_string(most));
 }
 
-std::string ParseHex(const std::vector<std::string>& words) {
+std::optional<std::string> ParseHex(const std::vector<std::string>& words) {
   std::string digits;
   for (const std::string& word : words) {
     for (const char letter : word) {
@@ -84,7 +84,7 @@ std::string ParseHex(const std::vector<std::string>& words) {
       const char upper =
           letter >= 'a' && letter <= 'f' ? static_cast<char>(letter - 'a' + 'A') : letter;
       if (std::string_view("0123456789ABCDEF").find(upper) == std::string_view::npos)
-        throw Failure(kUsage, "\"" + word + "\" is not hexadecimal: write bytes as 434F");
+        return std::nullopt;
       digits += upper;
     }
   }

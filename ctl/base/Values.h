@@ -2,6 +2,7 @@
 #pragma once
 
 #include <boost/json/value.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,7 +21,8 @@ std::pair<std::string, boost::json::value> ParseSetting(const std::string& text)
 
 long ParseNumber(const std::string& text, const std::string& what, long least, long most);
 
-// Upper-case digits without what people put between bytes: "43 4f", "43:4F".
-std::string ParseHex(const std::vector<std::string>& words);
+// Upper-case digits without what people put between bytes: "43 4f", "43:4F". Nothing where there
+// is anything else.
+std::optional<std::string> ParseHex(const std::vector<std::string>& words);
 
 }  // namespace ctl

@@ -14,7 +14,7 @@
 namespace ctl {
 
 // What stands in an argument; completion offers it.
-enum class Meaning { kText, kCard, kChannel, kCardOrChannel, kCardOrState, kOnOff, kRole };
+enum class Meaning { kText, kCard, kChannel, kCardOrChannel, kCardOrState, kCode, kOnOff, kRole };
 
 enum class Count { kOne, kOptional, kAny };
 

@@ -98,6 +98,11 @@ std::vector<std::string> Things(const Target& target, bool with_cards, bool with
   return NamesOf(things);
 }
 
+std::vector<std::string> Codes(const Target& target) {
+  Hub hub(target);
+  return NamesOf(CodesOf(hub.Get("/api/cards").data));
+}
+
 std::vector<std::string> Meant(Meaning meaning, const Target& target) {
   switch (meaning) {
     case Meaning::kCard:
@@ -106,6 +111,8 @@ std::vector<std::string> Meant(Meaning meaning, const Target& target) {
       return Things(target, false, true);
     case Meaning::kCardOrChannel:
       return Things(target, true, true);
+    case Meaning::kCode:
+      return Codes(target);
     case Meaning::kOnOff:
       return {"on", "off"};
     case Meaning::kCardOrState: {

@@ -53,8 +53,7 @@ int RunLines(Session& session) {
 }  // namespace
 
 int Console(Session& session, const Words& words) {
-  std::string line;
-  for (const std::string& word : words.All("LINE")) line += (line.empty() ? "" : " ") + word;
+  const std::string line = Joined(words.All("LINE"));
   if (line.empty()) return RunLines(session);
   RunLine(session, line);
   return kDone;

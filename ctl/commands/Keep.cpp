@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 #include "base/Failure.h"
 #include "base/Json.h"
@@ -42,31 +43,39 @@ std::string ReadWhole(const std::string& file) {
   return text.str();
 }
 
+// Where a name stands in the hub's names: {"channels", "5.0"}.
+std::pair<const char*, std::string> PlaceOf(const std::string& id) {
+  if (std::string channel = AsChannel(id); !channel.empty()) return {"channels", channel};
+  if (std::string card = AsCard(id); !card.empty()) return {"cards", card};
+  if (std::string code = AsCode(id); !code.empty()) return {"infrared", code};
+  throw Failure(kUsage, "\"" + id + "\" is no card, no channel, no infrared code and not " +
+                            "\"bus\": write 5, 5.0 or 434F");
+}
+
 // "5.0=Lamp" into {"channels":{"5.0":"Lamp"}}; "5.0=" takes the name away.
 void AddName(json::object& names, const std::string& text) {
   const size_t sign = text.find('=');
   const std::string id = text.substr(0, sign);
   if (sign == std::string::npos)
-    throw Failure(kUsage, "\"" + text + "\" gives no name: write 5.0=Lamp, 5=Relays or bus=bench");
+    throw Failure(
+        kUsage,
+        "\"" + text + "\" gives no name: write 5.0=Lamp, 5=Relays, 434F=Mute or " + "bus=bench");
   json::value name = nullptr;
   if (sign + 1 < text.size()) name = text.substr(sign + 1);
-  const std::string channel = AsChannel(id);
-  const std::string card = AsCard(id);
   if (id == "bus") {
     names["bus"] = std::move(name);
     return;
   }
-  if (channel.empty() && card.empty())
-    throw Failure(kUsage, "\"" + id + "\" is no card, no channel and not \"bus\": write 5 or 5.0");
-  json::value& group = names[channel.empty() ? "cards" : "channels"];
+  const auto [section, key] = PlaceOf(id);
+  json::value& group = names[section];
   if (!group.is_object()) group.emplace_object();
-  group.get_object()[channel.empty() ? card : channel] = std::move(name);
+  group.get_object()[key] = std::move(name);
 }
 
 std::string NamesText(const json::value& names, const Paint& paint) {
   Table table;
   table.Add({{"bus", Colour::kBold}, {TextAt(names, "bus")}});
-  for (const char* group : {"cards", "channels"}) {
+  for (const char* group : {"cards", "channels", "infrared"}) {
     const json::value& of_group = At(names, group);
     if (!of_group.is_object()) continue;
     for (const auto& [id, name] : of_group.get_object())

@@ -3,6 +3,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "base/Times.h"
 #include "base/Values.h"
 #include "commands/All.h"
@@ -22,6 +23,12 @@ int64_t Milliseconds(const std::string& text, const std::string& option) {
   if (!duration)
     throw Failure(kUsage, option + ": \"" + text + "\" is no time: write 500ms, 2s or 1m");
   return duration->count();
+}
+
+// Its bytes, or those of the code that is called so.
+std::string FindCode(Hub& hub, const std::vector<std::string>& words) {
+  if (auto bytes = ParseHex(words)) return *std::move(bytes);
+  return FindByName(CodesOf(hub.Get("/api/cards").data), Joined(words), "code", "names");
 }
 
 int Control(Session& session, const Words& words, const std::string& what) {
@@ -62,7 +69,7 @@ int SwitchLight(Session& session, const Words& words) {
 }
 
 int SendInfrared(Session& session, const Words& words) {
-  const std::string bytes = ParseHex(words.All("HEX"));
+  const std::string bytes = FindCode(session.hub, words.All("CODE"));
   if (bytes.empty()) throw Failure(kUsage, "no bytes to send: write them as 434F");
   const std::string card = FindCard(session.hub, words["CARD"]);
   const Reply reply = session.hub.Ask("POST", "/api/cards/" + card + "/infrared",

@@ -1,6 +1,7 @@
 #include "commands/Things.h"
 
 #include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
 
 #include "base/Failure.h"
 #include "base/Json.h"
@@ -41,6 +42,18 @@ std::vector<Thing> ChannelsOf(const boost::json::value& cards) {
   return things;
 }
 
+std::vector<Thing> CodesOf(const boost::json::value& cards) {
+  std::vector<Thing> things;
+  for (const auto& card : ItemsAt(cards, "cards")) {
+    const boost::json::value& codes = At(card, "codes");
+    if (!codes.is_object()) continue;
+    for (const auto& [bytes, name] : codes.get_object())
+      things.push_back({.id = std::string(bytes), .name = TextAt(codes, bytes)});
+    break;
+  }
+  return things;
+}
+
 std::string AsCard(std::string_view word) {
   if (word.size() != 1 || AsAddress(word[0]) == '\0') return {};
   return {AsAddress(word[0])};
@@ -56,17 +69,24 @@ std::string AsChannel(std::string_view word) {
   return card.empty() || !is_number ? std::string() : card + "." + std::string(number);
 }
 
+std::string AsCode(std::string_view word) {
+  std::string digits;
+  for (const char letter : word) digits += AsAddress(letter);
+  const bool is_code = digits.size() % 2 == 0 && digits.find('\0') == std::string::npos;
+  return is_code ? digits : std::string();
+}
+
 std::string FindByName(std::span<const Thing> things, const std::string& word,
-                       const std::string& what) {
+                       const std::string& what, const std::string& command) {
   std::vector<const Thing*> found;
   for (const Thing& thing : things)
     if (!thing.name.empty() && Lower(thing.name) == Lower(word)) found.push_back(&thing);
   if (found.size() == 1) return found[0]->id;
   if (found.empty()) {
     const auto nearest = Nearest(word, NamesOf(things));
-    throw Failure(
-        kUsage, "no " + what + " is called \"" + word + "\"" +
-                    (nearest ? "; is it \"" + *nearest + "\"?" : "; \"qelmctl cards\" lists them"));
+    throw Failure(kUsage, "no " + what + " is called \"" + word + "\"" +
+                              (nearest ? "; is it \"" + *nearest + "\"?"
+                                       : "; \"qelmctl " + command + "\" lists them"));
   }
   std::vector<std::string> candidates;
   for (const Thing* thing : found) candidates.push_back(thing->id + " (" + thing->name + ")");

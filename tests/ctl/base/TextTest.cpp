@@ -29,6 +29,11 @@ TEST(Text, ListsWordsAsPeopleDo) {
   EXPECT_EQ(Listed(std::vector<std::string>{"a", "b", "c"}, "and"), "a, b and c");
 }
 
+TEST(Text, JoinsWordsByBlanks) {
+  EXPECT_EQ(Joined({}), "");
+  EXPECT_EQ(Joined(std::vector<std::string>{"volume", "up"}), "volume up");
+}
+
 TEST(Text, EscapesWhatHasAMeaningInAUrl) {
   EXPECT_EQ(UrlEscape("a/b?c=d e"), "a%2Fb%3Fc%3Dd%20e");
   EXPECT_EQ(UrlEscape("AZaz09-_.~"), "AZaz09-_.~");

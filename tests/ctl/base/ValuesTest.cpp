@@ -48,9 +48,11 @@ TEST(Values, HexMayBeWrittenInPieces) {
   EXPECT_EQ(ParseHex({"43:4F 01"}), "434F01");
 }
 
-TEST(Values, HalfABytesAndOtherLettersAreRefused) {
-  EXPECT_THROW(ParseHex({"434"}), Failure);
-  EXPECT_THROW(ParseHex({"4G"}), Failure);
+TEST(Values, HalfAByteIsRefused) { EXPECT_THROW(ParseHex({"434"}), Failure); }
+
+TEST(Values, WithOtherLettersItIsNoHex) {
+  EXPECT_EQ(ParseHex({"4G"}), std::nullopt);
+  EXPECT_EQ(ParseHex({"434F", "on"}), std::nullopt);
 }
 
 TEST(Values, AreShownAsPeopleReadThem) {

@@ -266,7 +266,22 @@ TEST_F(Commands, NamesAreShownGivenAndTakenAway) {
   Expect({"names"}, "bus  bench\n5    Relays\n5.0  Lamp\n");
   ExpectAsks({"names", "5.0=Big lamp", "e=", "bus=shed"}, "PATCH /api/names",
              R"({"channels":{"5.0":"Big lamp"},"cards":{"E":null},"bus":"shed"})");
-  ExpectFails({"names", "lamp=Door"}, 2, "write 5 or 5.0");
+  ExpectFails({"names", "lamp=Door"}, 2, "write 5, 5.0 or 434F");
+}
+
+TEST_F(Commands, InfraredCodesHaveNames) {
+  hub.Answer("GET /api/names", R"({"bus":"bench","infrared":{"434F":"Volume up"}})");
+  Expect({"names"}, "bus   bench\n434F  Volume up\n");
+  ExpectAsks({"names", "434f=Volume up", "0FF0="}, "PATCH /api/names",
+             R"({"infrared":{"434F":"Volume up","0FF0":null}})");
+}
+
+TEST_F(Commands, ACodeIsSentByItsName) {
+  hub.Answer("GET /api/cards", R"({"cards":[{"address":"5","codes":null},)"
+                               R"({"address":"9","codes":{"434F":"Volume up","4350":"Mute"}}]})");
+  ExpectAsks({"ir", "9", "mute"}, "POST /api/cards/9/infrared", R"({"bytes":"4350"})");
+  ExpectAsks({"ir", "9", "volume", "up"}, "POST /api/cards/9/infrared", R"({"bytes":"434F"})");
+  ExpectFails({"ir", "9", "off"}, 2, "no code is called \"off\"; \"qelmctl names\" lists them");
 }
 
 TEST_F(Commands, TheConsoleTakesALine) {

@@ -44,6 +44,13 @@ TEST_F(Completion, OffersBoardsAndWhatIsOnThem) {
   EXPECT_EQ(Offered({"--board", "shed", "get", ""}), "6.0\nPump\n");
 }
 
+TEST_F(Completion, OffersInfraredCodes) {
+  hub.Answer("GET /api/cards",
+             R"({"cards":[{"address":"9","codes":{"434F":"Volume up","4350":"Mute"}}]})");
+  EXPECT_EQ(Offered({"ir", "9", ""}), "434F\nVolume up\n4350\nMute\n");
+  EXPECT_EQ(Offered({"ir", "9", "mu"}), "Mute\n");
+}
+
 TEST_F(Completion, OffersCards) { EXPECT_EQ(Offered({"reboot", ""}), "5\nRelays\n"); }
 
 TEST_F(Completion, OffersValuesAndRoles) {

@@ -28,6 +28,13 @@ TEST(Things, AddressesMayBeWrittenSmall) {
   }
 }
 
+TEST(Things, CodesAreWholeBytes) {
+  EXPECT_EQ(AsCode("434f"), "434F");
+  EXPECT_EQ(AsCode("0A"), "0A");
+  for (const char* word : {"", "5", "434", "43 4F", "5.0", "TV"})
+    EXPECT_EQ(AsCode(word), "") << word;
+}
+
 TEST(Things, AreFoundByNameWhateverTheCapitals) {
   EXPECT_EQ(FindByName(kChannels, "lamp", "channel"), "5.0");
   EXPECT_EQ(FindByName(kChannels, "küche", "channel"), "E.1");
