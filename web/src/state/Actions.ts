@@ -11,6 +11,7 @@ import type {
   Who,
 } from '../api/Shapes.js';
 import type { Cards } from './cards.js';
+import type { Dated } from './clock.js';
 import type { AllOff, State } from './State.js';
 
 export type Action =
@@ -22,6 +23,7 @@ export type Action =
       now: number;
     }
   | { type: 'who'; who: Who }
+  | ({ type: 'dated' } & Dated) // an answer over HTTP
   | { type: 'snapshot'; snapshot: Snapshot; now: number }
   | { type: 'counted' } // it is time to know of all cards
   | { type: 'changes'; changes: Changes; now: number }

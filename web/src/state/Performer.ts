@@ -19,6 +19,7 @@ import type { Store } from './Store.js';
 import { VirtualHands } from './VirtualHands.js';
 
 const noticeTime = 12_000; // ms
+const askEvery = 600_000; // a clock that was put right is noticed
 const countTime = 12_000; // within which a daemon that is up has found its cards
 
 const deeds: Deeds<Intent> = {
@@ -68,6 +69,9 @@ export class Performer implements Hub {
     this.dispatch({ type: 'view', part: { plots: keptPlots() } });
     this.live.start();
     void askWho(this);
+    setInterval(() => {
+      if (this.state.who?.role !== null) void askWho(this);
+    }, askEvery);
   }
 
   wake(): void {

@@ -33,8 +33,9 @@ export interface AllOff {
 
 export interface State {
   connection: Connection;
+  ahead: number; // ms that the hub's clock is ahead of this machine's
   nextTry: number | null; // ms, this machine's clock
-  lostSince: number | null;
+  lostSince: number | null; // ms, this machine's clock
   who: Who | null; // null: not asked yet
   bus: Bus | null;
   cards: Cards;
@@ -60,6 +61,7 @@ export interface State {
 
 export const beginning: State = {
   connection: 'connecting',
+  ahead: 0,
   nextTry: null,
   lostSince: null,
   who: null,

@@ -3,6 +3,7 @@ import type { Card, Changes, Problem, Snapshot } from '../api/Shapes.js';
 import type { Action } from './Actions.js';
 import { boardCardsAfter, boardsAfter, boardsOf, byAddress } from './boards.js';
 import { withChannels } from './cards.js';
+import { aheadAfterAnswer, aheadAfterChanges } from './clock.js';
 import { addKeys, addTurns, codesAfter, keysBefore, trailsAfter } from './memory.js';
 import { paceAfter } from './pace.js';
 import { plotsAfter } from './plots.js';
@@ -16,6 +17,8 @@ export function reduce(state: State, action: Action): State {
       return connected(state, action);
     case 'who':
       return { ...state, who: action.who };
+    case 'dated':
+      return { ...state, ahead: aheadAfterAnswer(state.ahead, action) };
     case 'snapshot':
       return takeSnapshot(state, action.snapshot, action.now);
     case 'changes':
@@ -76,6 +79,7 @@ function takeChanges(state: State, changes: Changes, now: number): State {
   next = takeChannels(next, changes.channels, now);
   return {
     ...next,
+    ahead: aheadAfterChanges(state.ahead, changes, now),
     pace: paceAfter(state.pace, changes.channels.length, now),
     bus: changes.bus ?? next.bus,
     arrangement: changes.page ?? next.arrangement,

@@ -3,6 +3,7 @@ import { css, html, LitElement, nothing } from 'lit';
 import { customElement } from 'lit/decorators.js';
 import { repeat } from 'lit/directives/repeat.js';
 
+import { hubTime } from '../state/clock.js';
 import { want } from '../state/Intent.js';
 import { Reads, store } from '../state/Store.js';
 import { formatTime } from '../widgets/format.js';
@@ -103,7 +104,7 @@ export class Notices extends LitElement {
     if (!bus || who?.role === null) return nothing; // who has to log in first waits for nothing
     if (this.connection.value !== 'open' && lostSince !== null)
       return html`<div class="strip">
-        ${text.state.lost(formatTime(lostSince))}
+        ${text.state.lost(formatTime(hubTime(store.state, lostSince)))}
         ${nextTry === null
           ? nothing
           : html`<span class="retry" aria-hidden="true"

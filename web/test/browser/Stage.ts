@@ -26,6 +26,7 @@ export class Stage {
 
   // Sixteen cards, where nothing else is shown.
   arrives(shown: Partial<Scene> = {}, look: Look = {}, view = 'bench'): Promise<Person> {
+    this.hub.now = look.now ?? null;
     this.hub.show({ ...scene(fullCards), ...shown });
     return Person.arrives({ at: `${this.hub.address}/#${view}`, ...look });
   }

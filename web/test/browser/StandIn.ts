@@ -34,6 +34,7 @@ interface Request {
 
 export class StandIn {
   isAway = false; // takes no connection
+  now: string | null = null; // its clock stands still there; null: it is this machine's
   readonly asked: string[] = []; // 'channels.set {"id":"5.0","value":true}'
   private readonly sockets = new Set<Socket>();
   private readonly forgotten = new Set<Socket>();
@@ -99,6 +100,7 @@ export class StandIn {
 
   private serve(request: IncomingMessage, response: ServerResponse): void {
     const path = request.url === '/' ? '/index.html' : (request.url ?? '');
+    if (this.now !== null) response.setHeader('Date', new Date(this.now).toUTCString());
     if (path === '/api/session') {
       response.writeHead(200, { 'Content-Type': 'application/json' });
       response.end(JSON.stringify(this.scene.who));

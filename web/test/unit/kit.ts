@@ -1,5 +1,5 @@
 // Cards and states as the hub tells them.
-import type { Bus, Card, Channel, Snapshot } from '../../src/api/Shapes.js';
+import type { Bus, Card, Changes, Channel, Snapshot } from '../../src/api/Shapes.js';
 
 export const bus: Bus = {
   id: '3f9a21c0',
@@ -47,3 +47,14 @@ export function card(address: string, change: Partial<Card> = {}): Card {
 export function snapshot(cards: Card[], change: Partial<Snapshot> = {}): Snapshot {
   return { seq: 10, bus, cards, page: {}, events: [], lost: 0, ...change };
 }
+
+export const noChanges: Changes = {
+  after: 10,
+  seq: 11,
+  bus: null,
+  cards: [],
+  channels: [],
+  page: null,
+  events: [],
+  lost: 0,
+};

@@ -6,18 +6,7 @@ import type { Action } from '../../src/state/Actions.js';
 import { reduce } from '../../src/state/reduce.js';
 import { isStale } from '../../src/state/select.js';
 import { beginning, type State } from '../../src/state/State.js';
-import { bus, card, channel, snapshot } from './kit.js';
-
-const none: Changes = {
-  after: 10,
-  seq: 11,
-  bus: null,
-  cards: [],
-  channels: [],
-  page: null,
-  events: [],
-  lost: 0,
-};
+import { bus, card, channel, noChanges, snapshot } from './kit.js';
 
 function after(...actions: Action[]): State {
   return actions.reduce(reduce, beginning);
@@ -25,7 +14,7 @@ function after(...actions: Action[]): State {
 
 const take = (change: Partial<Changes>, now = 0): Action => ({
   type: 'changes',
-  changes: { ...none, ...change },
+  changes: { ...noChanges, ...change },
   now,
 });
 
@@ -182,9 +171,9 @@ test('the same refusal is said once, and three at most', () => {
 test('an arrangement comes with what has changed, and stays where nothing came', () => {
   const page = { order: ['5', '3'], hidden: [], groups: [] };
   let state = reduce(beginning, { type: 'snapshot', snapshot: snapshot([card('5')]), now: 0 });
-  state = reduce(state, { type: 'changes', changes: { ...none, page }, now: 1 });
+  state = reduce(state, { type: 'changes', changes: { ...noChanges, page }, now: 1 });
   assert.deepEqual(state.arrangement.order, ['5', '3']);
-  state = reduce(state, { type: 'changes', changes: none, now: 2 });
+  state = reduce(state, { type: 'changes', changes: noChanges, now: 2 });
   assert.deepEqual(state.arrangement.order, ['5', '3']);
 });
 

@@ -1,6 +1,7 @@
 // Curves: which, and which piece of their history.
 import type { History, Point } from '../../api/Past.js';
 import type { PlotIntent } from '../Intent.js';
+import { hubTime } from '../clock.js';
 import { day, type Plots, windowOf, withChannels, withHistory } from '../plots.js';
 import type { Deeds, Hub } from './Deeds.js';
 import { keepPlots } from './kept.js';
@@ -45,7 +46,7 @@ function channelsThere({ state }: Hub): string[] {
 // none, what held then is looked for before it.
 async function readOne(hub: Hub, channel: string): Promise<void> {
   const { plots } = hub.state;
-  const { from, to } = windowOf(plots, Date.now());
+  const { from, to } = windowOf(plots, hubTime(hub.state));
   const begin = Math.round(to - windows * (to - from));
   const history = await ask(hub, {
     channel,

@@ -1,5 +1,5 @@
 // Who is here, and the connection.
-import { request } from '../../api/Http.js';
+import { type Answer, request } from '../../api/Http.js';
 import type { Who } from '../../api/Shapes.js';
 import type { BenchIntent } from '../Intent.js';
 import { may } from '../select.js';
@@ -9,11 +9,11 @@ type Wanted = Extract<BenchIntent, { do: 'log-in' | 'log-out' | 'try-now' | 'dis
 
 export const sessionDeeds: Deeds<Wanted> = {
   'log-in': async (hub, { account, password }) => {
-    takeWho(hub, await request('POST', '/api/session', { account, password }));
+    take(hub, await request('POST', '/api/session', { account, password }));
     hub.live.start();
   },
   'log-out': async (hub) => {
-    takeWho(hub, await request('DELETE', '/api/session'));
+    take(hub, await request('DELETE', '/api/session'));
   },
   'try-now': (hub) => {
     wake(hub);
@@ -26,19 +26,23 @@ export const sessionDeeds: Deeds<Wanted> = {
 };
 
 export function wake(hub: Hub): void {
-  if (hub.state.who?.role !== null) hub.live.wake();
+  if (hub.state.who?.role === null) return;
+  hub.live.wake();
+  void askWho(hub);
 }
 
+// Its answer also tells the hub's time.
 export async function askWho(hub: Hub): Promise<void> {
   try {
-    takeWho(hub, await request('GET', '/api/session'));
+    take(hub, await request('GET', '/api/session'));
   } catch {
     // The connection says so already, and tries again.
   }
 }
 
-function takeWho(hub: Hub, who: unknown): void {
-  hub.dispatch({ type: 'who', who: who as Who });
+function take(hub: Hub, { json, asked, date }: Answer): void {
+  if (date !== null) hub.dispatch({ type: 'dated', date, asked, now: Date.now() });
+  hub.dispatch({ type: 'who', who: json as Who });
   void hub.hands.look();
   if (!may(hub.state, 'view')) hub.live.stop();
 }

@@ -3,6 +3,7 @@ import { moved, type Plots, type Span, zoomed } from '../../state/plots.js';
 
 export interface Strip {
   area(): DOMRect | undefined; // of the curves, on the screen
+  now(): number; // ms, the hub's clock
   window(): Span;
   at(): number | null;
   read(at: number | null): void;
@@ -60,7 +61,7 @@ export class Hand {
       this.strip.read(Math.min(to, Math.max(from, time)));
     };
     const move = (by: number) => () => {
-      this.strip.look(moved({ from, to }, by, Date.now()));
+      this.strip.look(moved({ from, to }, by, this.strip.now()));
     };
     const shift = event.shiftKey;
     const keys: Record<string, () => void> = {
@@ -88,7 +89,7 @@ export class Hand {
 
   zoom(factor: number, at: number | null): void {
     const window = this.strip.window();
-    this.strip.look(zoomed(window, factor, at ?? (window.from + window.to) / 2, Date.now()));
+    this.strip.look(zoomed(window, factor, at ?? (window.from + window.to) / 2, this.strip.now()));
   }
 
   private drag(by: number): void {
@@ -96,7 +97,7 @@ export class Hand {
     this.moves += Math.abs(by);
     if (!area || this.moves < tap) return;
     const { from, to } = this.strip.window();
-    this.strip.look(moved({ from, to }, (-by / area.width) * (to - from), Date.now()));
+    this.strip.look(moved({ from, to }, (-by / area.width) * (to - from), this.strip.now()));
   }
 
   private pinch(still: number, before: number, now: number): void {

@@ -4,6 +4,7 @@ import { customElement, state } from 'lit/decorators.js';
 import { repeat } from 'lit/directives/repeat.js';
 
 import type { Channel } from '../../api/Shapes.js';
+import { hubTime } from '../../state/clock.js';
 import { want } from '../../state/Intent.js';
 import { heldCurve, moved, type Plots, type Span, spans, windowOf } from '../../state/plots.js';
 import { Reads, store } from '../../state/Store.js';
@@ -31,11 +32,12 @@ export class PlotsView extends LitElement {
   private readonly connection = new Reads(this, (known) => known.connection);
   @state() private at: number | null = null;
   @state() private isChoosing = store.state.plots.channels.length === 0;
-  private now = Date.now();
+  private now = hubTime(store.state);
   private wasOpen = false;
   private readonly pulse = new Pulse(this, () => this.plots.value.span);
   private readonly hand = new Hand({
     area: () => this.renderRoot.querySelector<Lane>('qelm-lane')?.area,
+    now: () => this.now,
     window: () => this.window,
     at: () => this.at,
     read: (at) => {
@@ -47,7 +49,7 @@ export class PlotsView extends LitElement {
   });
 
   override willUpdate(): void {
-    this.now = Date.now();
+    this.now = hubTime(store.state);
     const { from } = this.window;
     if (this.at !== null && this.at < from) this.at = from;
     // What was missed while nobody was connected is asked for.
