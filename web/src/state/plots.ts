@@ -3,6 +3,7 @@
 // The hub keeps a value when it changes, so a curve holds each value until the next.
 import type { History, Point } from '../api/Past.js';
 import type { Channel } from '../api/Shapes.js';
+import { thinned } from './thinning.js';
 
 export interface Plots {
   channels: readonly string[]; // ids, in the order in which they were taken
@@ -25,7 +26,7 @@ export const spans: readonly number[] = [
   365 * day,
 ];
 export const mostPlots = 16;
-const mostPoints = 6000; // of one curve
+const mostPoints = 6000; // of one curve, before it is thinned
 const shortest = 2 * second;
 const longest = 366 * day;
 
@@ -68,6 +69,7 @@ export function canPlot({ type }: Channel): boolean {
   return type !== 'code' && type !== 'key';
 }
 
+// Who looks at the past sees nothing of this, and reads it when he comes back.
 export function plotsAfter(plots: Plots, channels: readonly Channel[]): Plots {
   let curves = plots.curves;
   for (const channel of channels) {
@@ -76,9 +78,11 @@ export function plotsAfter(plots: Plots, channels: readonly Channel[]): Plots {
     if (!before || value === null || channel.since === null) continue;
     const time = Date.parse(channel.since);
     const last = before.at(-1);
+    if (plots.end !== null && time > plots.end) continue;
     if (last && (last[0] > time || (last[0] === time && last[1] === value))) continue;
-    const points = [...before, [time, value, value, value] as Point].slice(-mostPoints);
-    curves = { ...curves, [channel.id]: points };
+    const points: Point[] = [...before, [time, value, value, value]];
+    const isMany = points.length > mostPoints;
+    curves = { ...curves, [channel.id]: isMany ? thinned(points, plots.span) : points };
   }
   return curves === plots.curves ? plots : { ...plots, curves };
 }
@@ -109,8 +113,8 @@ export function heldAt(points: readonly Point[], time: number): Point | null {
   return points[low - 1] ?? null;
 }
 
-// A curve up to now: the channel's value holds, and where no change is known at all, since when
-// it has held.
+// A curve up to now, or to when something was known last: the channel's value holds, and where no
+// change is known at all, since when it has held.
 export function heldCurve(
   points: readonly Point[],
   channel: Channel | undefined,

@@ -1,5 +1,6 @@
 // Questions to the state that more than one component asks. Pure.
 import type { Card, Channel, Role } from '../api/Shapes.js';
+import { hubTime } from './clock.js';
 import type { State } from './State.js';
 
 const rank: Record<Role, number> = { view: 1, use: 2, admin: 3 };
@@ -21,6 +22,14 @@ export function isPulled({ virtual }: State, address: string): boolean {
 // What the page shows was true once, and nobody knows whether it still is.
 export function isStale(state: State): boolean {
   return state.connection !== 'open' || state.bus?.daemon.state !== 'up' || state.isCounting;
+}
+
+// Up to when what the page shows is known: till now, or till it was lost. ms, the hub's clock.
+export function knownTill(state: State): number {
+  const { connection, lostSince, bus } = state;
+  if (connection !== 'open' && lostSince !== null) return hubTime(state, lostSince);
+  const gone = bus && bus.daemon.state !== 'up' ? bus.daemon.since : null;
+  return gone === null ? hubTime(state) : Date.parse(gone);
 }
 
 // No output follows: the cable is out.

@@ -56,6 +56,37 @@ test('values that come are behind the history, those of others are not kept', ()
   assert.deepEqual(withChannels(plots, []).curves, {});
 });
 
+test('a curve that is gathered for long fills its window, and keeps what stood out in it', () => {
+  const begin = Date.parse('2026-11-21T12:00:00.000Z');
+  let plots = withChannels({ ...noPlots, span: 600_000 }, ['F.3']);
+  const change = (step: number) =>
+    level(step === 100 ? 250 : step % 2, new Date(begin + step * 20).toJSON());
+  for (let step = 0; step < 40_000; ++step) plots = plotsAfter(plots, [change(step)]); // 13 min
+  const curve = plots.curves['F.3'] ?? [];
+  assert.ok(curve.length <= 6000, String(curve.length));
+  assert.equal(curve[0]?.[0], begin);
+  const spike = curve.find(([, , , most]) => most === 250);
+  assert.equal(Math.floor((spike?.[0] ?? 0) / 1200), Math.floor((begin + 2000) / 1200));
+  assert.equal(spike?.[2], 0);
+  const apart = curve.slice(1).map(([time], at) => time - (curve[at]?.[0] ?? 0));
+  assert.ok(Math.max(...apart) <= 1200); // a step of ten minutes in 500
+  const [, mean] = heldAt(curve, begin + 300_000) ?? [0, 0];
+  assert.equal(mean, 0.5);
+});
+
+test('what is far behind the window is not kept for ever', () => {
+  let plots = withChannels({ ...noPlots, span: 10_000 }, ['F.3']);
+  for (let step = 0; step < 12_000; ++step)
+    plots = plotsAfter(plots, [level(step % 7, new Date(step * 10).toJSON())]);
+  assert.ok((plots.curves['F.3']?.[0]?.[0] ?? 0) >= 20_000);
+});
+
+test('whoever looks at the past is not pushed out of it by what comes', () => {
+  let plots = withChannels({ ...noPlots, end: 2000 }, ['F.3']);
+  plots = withHistory(plots, { channel: 'F.3', unit: null, step_ms: 0, points: [at(1000, 3)] });
+  assert.equal(plotsAfter(plots, [level(7, '1970-01-01T00:00:05.000Z')]), plots);
+});
+
 test('a value holds until the next, and what is not known is not drawn', () => {
   const points = [at(1000, 3), at(5000, 7)];
   assert.equal(heldAt(points, 999), null);

@@ -3,12 +3,11 @@ import type { History, Point } from '../../api/Past.js';
 import type { PlotIntent } from '../Intent.js';
 import { hubTime } from '../clock.js';
 import { day, type Plots, windowOf, withChannels, withHistory } from '../plots.js';
+import { pointsInWindow, windows } from '../thinning.js';
 import type { Deeds, Hub } from './Deeds.js';
 import { keepPlots } from './kept.js';
 
-const pointsInWindow = 500;
 const longestBefore = 366 * day;
-const windows = 3; // that and two before it: to look back, and for values that have long held
 
 export const plotDeeds: Deeds<PlotIntent> = {
   plot: (hub, { channels }) => {

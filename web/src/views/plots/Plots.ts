@@ -7,6 +7,7 @@ import type { Channel } from '../../api/Shapes.js';
 import { hubTime } from '../../state/clock.js';
 import { want } from '../../state/Intent.js';
 import { heldCurve, moved, type Plots, type Span, spans, windowOf } from '../../state/plots.js';
+import { knownTill } from '../../state/select.js';
 import { Reads, store } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
@@ -204,7 +205,7 @@ export class PlotsView extends LitElement {
 
   private pointsOf(channel: Channel) {
     const curve = this.plots.value.curves[channel.id] ?? [];
-    return heldCurve(curve, channel, this.window, this.now);
+    return heldCurve(curve, channel, this.window, Math.min(this.now, knownTill(store.state)));
   }
 
   private get spoken(): string {
