@@ -24,21 +24,21 @@ export function drawKnob(value: number | null, min: number, max: number): SVGTem
     <circle class="cap" r="29"></circle><circle class="top" r="22"></circle>${pointer}</g>`;
 }
 
-// The last `span` ms as a line of 100 x 24; what was before the first point is like it.
+// The `span` ms up to `till` as a line of 100 x 24, as far as anything is known of them.
 export function sparkPath(
   points: readonly TrailPoint[],
   min: number,
   max: number,
   span: number,
+  till: number,
 ): string {
-  const last = points.at(-1);
-  if (!last) return '';
+  if (points.length === 0) return '';
   const x = (time: number) =>
-    Math.round(Math.max(0, 100 - ((last.time - time) / span) * 100) * 10) / 10;
+    Math.round(Math.min(100, Math.max(0, 100 - ((till - time) / span) * 100)) * 10) / 10;
   const y = (value: number) =>
     Math.round((22.5 - ((value - min) / (max - min || 1)) * 21) * 10) / 10;
   return points
-    .map(({ time, value }, at) => (at === 0 ? `M0 ${y(value)}` : `H${x(time)}V${y(value)}`))
+    .map(({ time, value }, at) => `${at === 0 ? `M${x(time)} ` : `H${x(time)}V`}${y(value)}`)
     .concat('H100')
     .join('');
 }

@@ -24,11 +24,11 @@ export type Action =
     }
   | { type: 'who'; who: Who }
   | ({ type: 'dated' } & Dated) // an answer over HTTP
-  | { type: 'snapshot'; snapshot: Snapshot; now: number }
+  | { type: 'snapshot'; snapshot: Snapshot }
   | { type: 'counted' } // it is time to know of all cards
   | { type: 'changes'; changes: Changes; now: number }
-  | { type: 'card'; card: Card; now: number } // an answer; the same comes as a change
-  | { type: 'channel'; channel: Channel; now: number }
+  | { type: 'card'; card: Card } // an answer; the same comes as a change
+  | { type: 'channel'; channel: Channel }
   | { type: 'board'; board: string; cards: Cards } // of another board, all of them
   | { type: 'virtual'; virtual: VirtualBus | null }
   | { type: 'arrangement'; arrangement: Arrangement }

@@ -50,7 +50,7 @@ export class Performer implements Hub {
         if (state !== 'connecting') void askWho(this); // the role may be another since
       },
       snapshot: (snapshot) => {
-        this.dispatch({ type: 'snapshot', snapshot, now: Date.now() });
+        this.dispatch({ type: 'snapshot', snapshot });
         this.endCounting();
       },
       changes: (changes) => {

@@ -10,7 +10,7 @@ import { noPlots, type Plots } from './plots.js';
 import { noSettings, type Settings } from './settings.js';
 
 export interface TrailPoint {
-  time: number; // ms, this machine's clock
+  time: number; // ms, the hub's clock
   value: number;
 }
 
@@ -47,7 +47,7 @@ export interface State {
   keys: Readonly<Record<string, readonly KeyEvent[]>>; // the last of each card, newest first
   turns: Readonly<Record<string, number>>; // steps of a card's encoder, right is more
   codes: Readonly<Record<string, readonly SentCode[]>>; // infrared, newest first
-  trails: Readonly<Record<string, readonly TrailPoint[]>>; // of levels, by channel, oldest first
+  trails: Readonly<Record<string, readonly TrailPoint[]>>; // of levels, without a gap, oldest first
   arrangement: Arrangement;
   notices: readonly Notice[];
   allOff: AllOff | null;

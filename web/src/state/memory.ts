@@ -6,6 +6,7 @@ const mostKeys = 24;
 const mostCodes = 5;
 const mostPoints = 160;
 export const trailSpan = 30_000; // ms
+const twoSteps = 400; // ms: a line shows no more than two within it
 
 export function addKeys(keys: State['keys'], events: readonly KeyEvent[]): State['keys'] {
   if (events.length === 0) return keys;
@@ -46,24 +47,24 @@ export function codesAfter(codes: State['codes'], channels: readonly Channel[]):
 export function trailsAfter(
   trails: State['trails'],
   channels: readonly Channel[],
-  now: number,
 ): State['trails'] {
   const levels = channels.filter(
-    ({ type, value }) => type === 'level' && typeof value === 'number',
+    ({ type, value, since }) => type === 'level' && typeof value === 'number' && since !== null,
   );
   if (levels.length === 0) return trails;
   const next = { ...trails };
-  for (const { id, value } of levels) {
+  for (const { id, value, since } of levels) {
     const before = next[id] ?? [];
     if (before.at(-1)?.value === value) continue;
-    next[id] = withPoint(before, { time: now, value: value as number });
+    next[id] = withPoint(before, { time: Date.parse(since ?? ''), value: value as number });
   }
   return next;
 }
 
-// The point before the span stays: the line begins there.
+// The point before the span stays: the line begins there. Of many close together the last one stands.
 function withPoint(points: readonly TrailPoint[], point: TrailPoint): TrailPoint[] {
   const first = points.findIndex(({ time }) => time > point.time - trailSpan);
   const kept = first === -1 ? points.slice(-1) : points.slice(Math.max(0, first - 1));
-  return [...kept, point].slice(-mostPoints);
+  const isClose = point.time - (kept.at(-2)?.time ?? -Infinity) < twoSteps;
+  return [...(isClose ? kept.slice(0, -1) : kept), point].slice(-mostPoints);
 }

@@ -20,15 +20,15 @@ export function reduce(state: State, action: Action): State {
     case 'dated':
       return { ...state, ahead: aheadAfterAnswer(state.ahead, action) };
     case 'snapshot':
-      return takeSnapshot(state, action.snapshot, action.now);
+      return takeSnapshot(state, action.snapshot);
     case 'changes':
       return takeChanges(state, action.changes, action.now);
     case 'counted':
       return counted(state, []);
     case 'card':
-      return takeCards(state, [action.card], action.now);
+      return takeCards(state, [action.card]);
     case 'channel':
-      return takeChannels(state, [action.channel], action.now);
+      return takeChannels(state, [action.channel]);
     case 'board':
       return { ...state, boardCards: { ...state.boardCards, [action.board]: action.cards } };
     case 'virtual':
@@ -54,13 +54,14 @@ function connected(state: State, action: Action & { type: 'connection' }): State
 }
 
 // A hub that begins anew has no card before the daemon has greeted it: then all at once.
-function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
+// What values were meanwhile, nobody here knows: trails begin anew with what they have been since.
+function takeSnapshot(state: State, snapshot: Snapshot): State {
   const isSameBus = state.bus?.id === snapshot.bus.id;
   const base: State = isSameBus
-    ? state
+    ? { ...state, trails: {} }
     : { ...state, cards: {}, keys: {}, turns: {}, codes: {}, trails: {} };
   const isCounting = snapshot.cards.length === 0 && Object.keys(base.cards).length > 0;
-  const next = takeCards(isCounting ? base : counted(base, snapshot.cards), snapshot.cards, now);
+  const next = takeCards(isCounting ? base : counted(base, snapshot.cards), snapshot.cards);
   return {
     ...next,
     isCounting,
@@ -75,8 +76,8 @@ function takeSnapshot(state: State, snapshot: Snapshot, now: number): State {
 
 function takeChanges(state: State, changes: Changes, now: number): State {
   const isCounted = state.isCounting && changes.cards.length > 0;
-  let next = takeCards(isCounted ? counted(state, changes.cards) : state, changes.cards, now);
-  next = takeChannels(next, changes.channels, now);
+  let next = takeCards(isCounted ? counted(state, changes.cards) : state, changes.cards);
+  next = takeChannels(next, changes.channels);
   return {
     ...next,
     ahead: aheadAfterChanges(state.ahead, changes, now),
@@ -101,21 +102,21 @@ function counted(state: State, present: readonly Card[]): State {
   return { ...state, cards: byAddress(cards), isCounting: false };
 }
 
-function takeCards(state: State, fresh: readonly Card[], now: number): State {
+function takeCards(state: State, fresh: readonly Card[]): State {
   if (fresh.length === 0) return state;
   const cards = { ...state.cards };
   for (const card of fresh) cards[card.address] = card;
   const channels = fresh.flatMap((card) => card.channels);
-  return remember({ ...state, cards }, channels, now);
+  return remember({ ...state, cards }, channels);
 }
 
-function takeChannels(state: State, fresh: Changes['channels'], now: number): State {
+function takeChannels(state: State, fresh: Changes['channels']): State {
   if (fresh.length === 0) return state;
-  return remember({ ...state, cards: withChannels(state.cards, fresh) }, fresh, now);
+  return remember({ ...state, cards: withChannels(state.cards, fresh) }, fresh);
 }
 
-function remember(state: State, channels: Changes['channels'], now: number): State {
-  const trails = trailsAfter(state.trails, channels, now);
+function remember(state: State, channels: Changes['channels']): State {
+  const trails = trailsAfter(state.trails, channels);
   const codes = codesAfter(state.codes, channels);
   return { ...state, trails, codes, plots: plotsAfter(state.plots, channels) };
 }

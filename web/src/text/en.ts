@@ -66,6 +66,7 @@ export const en = {
   newName: (name: string) => `New name of ${name}`,
   servo: (name: string) => `${name}, position`,
   motor: (name: string) => `${name}, drive`,
+  trail: (name: string) => `${name}, the last half minute`,
   bit: (name: string, bit: number) => `${name}, bit ${bit}`,
   backward: 'backward',
   glass: {

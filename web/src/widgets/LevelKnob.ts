@@ -8,10 +8,14 @@ import { drawKnob, knobBox, knobStyle, sparkBox, sparkPath } from '../cards/knob
 import { levelLine } from '../state/hands.js';
 import { want } from '../state/Intent.js';
 import { trailSpan } from '../state/memory.js';
+import { knownTill } from '../state/select.js';
 import type { TrailPoint } from '../state/State.js';
+import { store } from '../state/Store.js';
+import { text } from '../text/text.js';
 import { nameOf } from './format.js';
 import { base } from '../theme/base.js';
 import { DialPart, dialStyle } from './DialPart.js';
+import { Ticking } from './Ticking.js';
 
 @customElement('qelm-level')
 export class LevelKnob extends DialPart {
@@ -32,19 +36,31 @@ export class LevelKnob extends DialPart {
   protected override readonly dial = round;
   protected override readonly box = knobBox;
 
+  constructor() {
+    super();
+    new Ticking(this, () => this.isMoving);
+  }
+
+  // The last step is seen, or has just gone.
+  private get isMoving(): boolean {
+    const last = this.trail.at(-1)?.time ?? -Infinity;
+    return knownTill(store.state) - last < trailSpan + 2000;
+  }
+
   protected override draw(value: number | null) {
     return drawKnob(value, this.min, this.max);
   }
 
   protected override renderBelow(): TemplateResult {
+    const { trail, min, max } = this;
     return html`<svg
       class="trail"
       viewBox=${sparkBox}
       preserveAspectRatio="none"
       aria-hidden="true"
     >
-      <title>${nameOf(this.channel)}</title>
-      <path class="spark" d=${sparkPath(this.trail, this.min, this.max, trailSpan)}></path>
+      <title>${text.trail(nameOf(this.channel))}</title>
+      <path class="spark" d=${sparkPath(trail, min, max, trailSpan, knownTill(store.state))}></path>
     </svg>`;
   }
 

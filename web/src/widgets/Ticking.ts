@@ -1,16 +1,19 @@
-// Asks a component to draw itself again each second, as long as it is there: for what counts down.
+// Asks a component to draw itself again each second, as long as it is there and something of it moves.
 import type { ReactiveController, ReactiveControllerHost } from 'lit';
 
 export class Ticking implements ReactiveController {
   private timer: ReturnType<typeof setInterval> | undefined;
 
-  constructor(private readonly host: ReactiveControllerHost) {
+  constructor(
+    private readonly host: ReactiveControllerHost,
+    private readonly moves: () => boolean = () => true,
+  ) {
     host.addController(this);
   }
 
   hostConnected(): void {
     this.timer = setInterval(() => {
-      this.host.requestUpdate();
+      if (this.moves()) this.host.requestUpdate();
     }, 1000);
   }
 

@@ -75,8 +75,15 @@ test('a spark line has a step for each value', () => {
     { time: 0, value: 0 },
     { time: 15_000, value: 255 },
   ];
-  assert.equal(sparkPath(points, 0, 255, 30_000), 'M0 22.5H100V1.5H100');
-  assert.equal(sparkPath([], 0, 255, 30_000), '');
+  assert.equal(sparkPath(points, 0, 255, 30_000, 15_000), 'M50 22.5H100V1.5H100');
+  assert.equal(sparkPath([], 0, 255, 30_000, 15_000), '');
+});
+
+test('a spark line ends now, and says nothing of when nothing was known', () => {
+  const point = { time: 60_000, value: 255 };
+  assert.equal(sparkPath([point], 0, 255, 30_000, 75_000), 'M50 1.5H100');
+  assert.equal(sparkPath([point], 0, 255, 30_000, 120_000), 'M0 1.5H100');
+  assert.equal(sparkPath([point], 0, 255, 30_000, 59_000), 'M100 1.5H100');
 });
 
 test('a step of the encoder is a twenty-fourth of a turn', () => {

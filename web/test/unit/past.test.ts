@@ -22,7 +22,7 @@ interface Span {
 async function curveAfter(answer: (span: Span) => Partial<History>): Promise<readonly Point[]> {
   const level = channel('F.3', { type: 'level', value: 7 });
   const here = snapshot([card('F', { channels: [level] })]);
-  let state: State = reduce(beginning, { type: 'snapshot', snapshot: here, now: 0 });
+  let state: State = reduce(beginning, { type: 'snapshot', snapshot: here });
   state = { ...state, plots: { ...state.plots, channels: ['F.3'] } };
   const hub = {
     latest: new Latest(),

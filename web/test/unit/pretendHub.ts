@@ -22,7 +22,7 @@ export function pretendHub(
   cards: Card[],
   answer: (method: string, params: Parameters) => unknown,
 ): PretendHub {
-  let state: State = reduce(beginning, { type: 'snapshot', snapshot: snapshot(cards), now: 0 });
+  let state: State = reduce(beginning, { type: 'snapshot', snapshot: snapshot(cards) });
   const asked: PretendHub['asked'] = [];
   const told: string[] = [];
   const hub = {

@@ -4,7 +4,7 @@ import { test } from 'node:test';
 import type { BoardRow, Changes, KeyEvent } from '../../src/api/Shapes.js';
 import type { Action } from '../../src/state/Actions.js';
 import { reduce } from '../../src/state/reduce.js';
-import { isStale } from '../../src/state/select.js';
+import { isStale, knownTill } from '../../src/state/select.js';
 import { beginning, type State } from '../../src/state/State.js';
 import { bus, card, channel, noChanges, snapshot } from './kit.js';
 
@@ -21,8 +21,12 @@ const take = (change: Partial<Changes>, now = 0): Action => ({
 const subscribed: Action = {
   type: 'snapshot',
   snapshot: snapshot([card('3'), card('5')]),
-  now: 0,
 };
+
+const level = (value: number, since: number) =>
+  channel('F.0', { type: 'level', value, since: new Date(since).toJSON() });
+
+const trailOf = (state: State) => state.trails['F.0']?.map(({ value }) => value);
 
 const key = (seq: number, type: KeyEvent['event_type'], code: number | null = null): KeyEvent => ({
   seq,
@@ -47,14 +51,14 @@ test('a change of a card that nobody knows is passed over', () => {
 });
 
 test('a card that a later snapshot leaves out is missing', () => {
-  const next = after(subscribed, { type: 'snapshot', snapshot: snapshot([card('5')]), now: 1 });
+  const next = after(subscribed, { type: 'snapshot', snapshot: snapshot([card('5')]) });
   assert.equal(next.cards['3']?.state, 'absent');
   assert.equal(next.cards['5']?.state, 'present');
 });
 
 test('cards are kept as from before while a hub that began anew has told of none', () => {
   const greeting = { ...bus, daemon: { ...bus.daemon, state: 'waiting' as const } };
-  const begun: Action = { type: 'snapshot', snapshot: snapshot([], { bus: greeting }), now: 1 };
+  const begun: Action = { type: 'snapshot', snapshot: snapshot([], { bus: greeting }) };
   const open: Action = { type: 'connection', state: 'open', nextTry: null, heard: null, now: 1 };
   const before = after(open, subscribed, begun, take({ bus }));
   assert.deepEqual(
@@ -81,7 +85,7 @@ test('what is shown is from when the hub was heard last, not from when that was 
 });
 
 test('keys of a hub that began anew are not taken for old ones', () => {
-  const again: Action = { type: 'snapshot', snapshot: snapshot([card('8')], { seq: 2 }), now: 1 };
+  const again: Action = { type: 'snapshot', snapshot: snapshot([card('8')], { seq: 2 }) };
   const next = after(
     subscribed,
     take({ events: [key(11, 'press', 5)] }),
@@ -96,7 +100,7 @@ test('keys of a hub that began anew are not taken for old ones', () => {
 
 test('another bus behind the same address begins anew', () => {
   const other = snapshot([card('5')], { bus: { ...bus, id: '00000001' } });
-  const next = after(subscribed, { type: 'snapshot', snapshot: other, now: 1 });
+  const next = after(subscribed, { type: 'snapshot', snapshot: other });
   assert.deepEqual(Object.keys(next.cards), ['5']);
 });
 
@@ -135,17 +139,46 @@ test('the encoder stands where its steps have led', () => {
 });
 
 test('a level keeps its way of the last half minute', () => {
-  const level = (value: number) => channel('F.0', { type: 'level', value });
   const next = after(
-    { type: 'snapshot', snapshot: snapshot([card('F', { channels: [level(1)] })]), now: 0 },
-    take({ channels: [level(2)] }, 10_000),
-    take({ channels: [level(3)] }, 35_000),
-    take({ channels: [level(4)] }, 45_000),
+    { type: 'snapshot', snapshot: snapshot([card('F', { channels: [level(1, 0)] })]) },
+    take({ channels: [level(2, 10_000)] }),
+    take({ channels: [level(3, 35_000)] }),
+    take({ channels: [level(4, 45_000)] }),
   );
-  assert.deepEqual(
-    next.trails['F.0']?.map(({ value }) => value),
-    [2, 3, 4],
+  assert.deepEqual(trailOf(next), [2, 3, 4]);
+});
+
+test('a level that changes fast keeps all of its half minute', () => {
+  const changes = Array.from({ length: 2000 }, (_, step) => level(step % 7, step * 16));
+  const next = changes.reduce((state, one) => reduce(state, take({ channels: [one] })), beginning);
+  const trail = next.trails['F.0'] ?? [];
+  assert.ok((trail[0]?.time ?? Infinity) <= 1999 * 16 - 30_000);
+  assert.ok(trail.length <= 160);
+});
+
+test('of what a level did while nobody was connected, its trail says nothing', () => {
+  const again = snapshot([card('F', { channels: [level(5, 90_000)] })]);
+  const next = after(
+    { type: 'snapshot', snapshot: snapshot([card('F', { channels: [level(1, 0)] })]) },
+    take({ channels: [level(2, 10_000)] }),
+    { type: 'snapshot', snapshot: again },
   );
+  assert.deepEqual(next.trails['F.0'], [{ time: 90_000, value: 5 }]);
+});
+
+test('what is shown is known till now, or till the hub or the daemon was lost', () => {
+  const known = (...actions: Action[]) => knownTill({ ...after(subscribed, ...actions), ahead: 0 });
+  const at = (state: 'open' | 'lost'): Action => ({
+    type: 'connection',
+    state,
+    nextTry: null,
+    heard: 40_000,
+    now: 60_000,
+  });
+  assert.ok(Math.abs(known(at('open')) - Date.now()) < 60_000);
+  assert.equal(known(at('open'), at('lost')), 40_000);
+  const daemon = { ...bus.daemon, state: 'absent' as const, since: '1970-01-01T00:00:30.000Z' };
+  assert.equal(known(at('open'), take({ bus: { ...bus, daemon } })), 30_000);
 });
 
 test('the same refusal is said once, and three at most', () => {
@@ -170,7 +203,7 @@ test('the same refusal is said once, and three at most', () => {
 
 test('an arrangement comes with what has changed, and stays where nothing came', () => {
   const page = { order: ['5', '3'], hidden: [], groups: [] };
-  let state = reduce(beginning, { type: 'snapshot', snapshot: snapshot([card('5')]), now: 0 });
+  let state = reduce(beginning, { type: 'snapshot', snapshot: snapshot([card('5')]) });
   state = reduce(state, { type: 'changes', changes: { ...noChanges, page }, now: 1 });
   assert.deepEqual(state.arrangement.order, ['5', '3']);
   state = reduce(state, { type: 'changes', changes: noChanges, now: 2 });
@@ -187,7 +220,7 @@ const shed: BoardRow = {
 };
 
 test('the rows of other boards come with the state, change, and go', () => {
-  const told: Action = { type: 'snapshot', snapshot: snapshot([], { boards: [shed] }), now: 0 };
+  const told: Action = { type: 'snapshot', snapshot: snapshot([], { boards: [shed] }) };
   const change = (row: BoardRow | null) =>
     take({ boards: [{ board: 'shed', row, cards: [], channels: [] }] });
   assert.equal(after(told).boards['shed'], shed);

@@ -26,7 +26,7 @@ export const benchDeeds: Deeds<Wanted> = {
 async function set(hub: Hub, id: string, value: Channel['value']): Promise<void> {
   try {
     const channel = (await hub.ask('channels.set', { id, value })) as Channel;
-    hub.dispatch({ type: 'channel', channel, now: Date.now() });
+    hub.dispatch({ type: 'channel', channel });
   } catch (reason) {
     hub.refuse(reason);
   }
