@@ -34,5 +34,6 @@ export type Action =
   | { type: 'arrangement'; arrangement: Arrangement }
   | { type: 'refused'; id: number; problem: Problem }
   | { type: 'noticed'; id: number }
+  | { type: 'missed-seen' }
   | { type: 'all-off'; allOff: AllOff | null }
   | { type: 'view'; part: Partial<Pick<State, 'plots' | 'console' | 'journal' | 'settings'>> };

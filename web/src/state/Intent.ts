@@ -27,7 +27,8 @@ export type BenchIntent =
   | { do: 'log-in'; account: string; password: string }
   | { do: 'log-out' }
   | { do: 'try-now' } // to connect
-  | { do: 'dismiss'; notice: number };
+  | { do: 'dismiss'; notice: number }
+  | { do: 'missed-seen' };
 
 // What can be done to a card of another board, too.
 export type FarIntent = Extract<BenchIntent, { do: 'set' | 'write' | 'control' | 'infrared' }>;

@@ -43,7 +43,7 @@ export interface State {
   boards: BoardRows; // the others on the broker
   boardCards: BoardCards; // of those that somebody has looked at
   pace: Pace;
-  missed: number; // events that this page has lost
+  missed: number; // events that this page has lost, since somebody has read how many
   keys: Readonly<Record<string, readonly KeyEvent[]>>; // the last of each card, newest first
   turns: Readonly<Record<string, number>>; // steps of a card's encoder, right is more
   codes: Readonly<Record<string, readonly SentCode[]>>; // infrared, newest first

@@ -39,6 +39,8 @@ export function reduce(state: State, action: Action): State {
       return addNotice(state, action.id, action.problem);
     case 'noticed':
       return { ...state, notices: state.notices.filter(({ id }) => id !== action.id) };
+    case 'missed-seen':
+      return { ...state, missed: 0 };
     case 'all-off':
       return { ...state, allOff: action.allOff };
     case 'view':

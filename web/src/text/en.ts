@@ -140,7 +140,7 @@ export const en = {
     retry: (seconds: number) => `Next try in ${seconds} s`,
     tryNow: 'Try now',
     virtual: 'virtual bus',
-    missed: (count: number) => `${count} events were missed`,
+    missed: (count: number) => (count === 1 ? '1 event was missed' : `${count} events were missed`),
   },
   wait: {
     title: 'The bench is empty',

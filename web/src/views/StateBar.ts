@@ -42,10 +42,7 @@ export class StateBar extends LitElement {
       <ul class="states" aria-label=${text.state.label}>
         ${health.map((part) => this.renderPart(part))}
       </ul>
-      ${this.missed.value > 0
-        ? html`<span class="missed">${text.state.missed(this.missed.value)}</span>`
-        : nothing}
-      ${this.renderWho()}<slot name="end"></slot>${this.renderOpen(health)}`;
+      ${this.renderMissed()} ${this.renderWho()}<slot name="end"></slot>${this.renderOpen(health)}`;
   }
 
   private renderPart({ part, sign, word, detail }: Health) {
@@ -70,6 +67,23 @@ export class StateBar extends LitElement {
   private renderOpen(health: readonly Health[]) {
     const detail = health.find(({ part }) => part === this.open)?.detail;
     return html`<p class=${detail ? 'why' : 'unseen'} role="status">${detail ?? nothing}</p>`;
+  }
+
+  // It is said till somebody has read it.
+  private renderMissed() {
+    const missed = this.missed.value;
+    if (missed === 0) return html`<div class="unseen" role="status"></div>`;
+    return html`<div class="missed" role="status">
+      ${text.state.missed(missed)}
+      <button
+        class="key"
+        @click=${() => {
+          want(this, { do: 'missed-seen' });
+        }}
+      >
+        ${text.dismiss}
+      </button>
+    </div>`;
   }
 
   private renderWho() {

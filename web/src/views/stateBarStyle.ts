@@ -68,6 +68,10 @@ export const stateBarStyle = css`
   .missed {
     color: var(--wrong);
   }
+  .missed .key {
+    color: var(--ink);
+  }
+  .missed,
   .who {
     display: flex;
     align-items: center;

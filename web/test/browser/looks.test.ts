@@ -188,6 +188,21 @@ test('a broker that refuses is seen in the bar and in the settings', async () =>
   await anna.leaves();
 });
 
+test('events that were missed are counted till somebody has read it', async () => {
+  const anna = await stage.arrives();
+  await anna.reads('Servos');
+  stage.hub.tell({ lost: 7 });
+  await anna.reads('7 events were missed');
+  stage.hub.tell({ lost: 2 });
+  await anna.reads('9 events were missed');
+  await anna.presses('Dismiss');
+  await anna.doesNotRead(/missed/);
+  stage.hub.tell({ lost: 1 });
+  await anna.reads('1 event was missed');
+  assert.deepEqual(await axeFindings(anna), []);
+  await anna.leaves();
+});
+
 test('a connection that is lost is said, and what is shown is not called current', async () => {
   const anna = await stage.arrives();
   await anna.reads('Servos');

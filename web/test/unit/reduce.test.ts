@@ -130,7 +130,9 @@ test('events come newest first, once, and lost ones are counted', () => {
   const release = key(12, 'release', 5);
   const next = after(subscribed, take({ events: [press, release] }), take({ events: [release] }));
   assert.deepEqual(next.keys['8'], [release, press]);
-  assert.equal(after(subscribed, take({ lost: 7 })).missed, 7);
+  const missed = [subscribed, take({ lost: 7 }), take({ lost: 2 })];
+  assert.equal(after(...missed).missed, 9);
+  assert.equal(after(...missed, { type: 'missed-seen' }, take({ lost: 1 })).missed, 1);
 });
 
 test('the encoder stands where its steps have led', () => {

@@ -4,7 +4,10 @@ import type { BenchIntent } from '../Intent.js';
 import { switchAllOff, undoAllOff } from './allOff.js';
 import type { Deeds, Hub } from './Deeds.js';
 
-type Wanted = Exclude<BenchIntent, { do: 'log-in' | 'log-out' | 'try-now' | 'dismiss' }>;
+type Wanted = Exclude<
+  BenchIntent,
+  { do: 'log-in' | 'log-out' | 'try-now' | 'dismiss' | 'missed-seen' }
+>;
 
 export const benchDeeds: Deeds<Wanted> = {
   set: (hub, { id, value }) => hub.latest.run(id, () => set(hub, id, value)),

@@ -5,7 +5,10 @@ import type { BenchIntent } from '../Intent.js';
 import { may } from '../select.js';
 import type { Deeds, Hub } from './Deeds.js';
 
-type Wanted = Extract<BenchIntent, { do: 'log-in' | 'log-out' | 'try-now' | 'dismiss' }>;
+type Wanted = Extract<
+  BenchIntent,
+  { do: 'log-in' | 'log-out' | 'try-now' | 'dismiss' | 'missed-seen' }
+>;
 
 export const sessionDeeds: Deeds<Wanted> = {
   'log-in': async (hub, { account, password }) => {
@@ -21,6 +24,10 @@ export const sessionDeeds: Deeds<Wanted> = {
   },
   dismiss: (hub, { notice }) => {
     hub.dispatch({ type: 'noticed', id: notice });
+    return undefined;
+  },
+  'missed-seen': (hub) => {
+    hub.dispatch({ type: 'missed-seen' });
     return undefined;
   },
 };
