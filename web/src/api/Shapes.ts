@@ -63,6 +63,7 @@ export interface Channel {
   unit: string | null;
   min: number | null;
   max: number | null;
+  decimals?: number | null; // as people want to read it; a hub of before has none
 }
 
 export interface Glass {

@@ -12,7 +12,7 @@ import { property, state } from 'lit/decorators.js';
 
 import { type Dial, valueAt } from '../cards/geometry.js';
 import { mostSteps, stepsOf } from '../state/steps.js';
-import { formatNumber, formatValue } from './format.js';
+import { formatLevel, formatValue } from './format.js';
 import { ChannelPart } from './ChannelPart.js';
 
 const page = 10; // steps
@@ -63,7 +63,8 @@ export abstract class DialPart extends ChannelPart {
 
   override render() {
     const value = this.value;
-    const shown = this.hand === null ? formatValue(this.channel) : formatNumber(this.hand);
+    const shown =
+      this.hand === null ? formatValue(this.channel) : formatLevel(this.hand, this.channel);
     const drawing = html`<svg viewBox=${this.box} aria-hidden="true">${this.draw(value)}</svg>`;
     const dial = this.usable
       ? html`<div

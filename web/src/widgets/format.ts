@@ -2,15 +2,21 @@
 import type { Channel } from '../api/Shapes.js';
 import { text } from '../text/text.js';
 
-export function formatNumber(value: number): string {
-  return String(Number(value.toFixed(2))).replace('-', '\u2212');
+// With as many decimals as are said, else with up to two.
+export function formatNumber(value: number, decimals: number | null = null): string {
+  const written = decimals === null ? String(Number(value.toFixed(2))) : value.toFixed(decimals);
+  return written.replace(/^-(?=[0.]*[1-9])/, '\u2212').replace('-', '');
+}
+
+export function formatLevel(value: number, { decimals }: Pick<Channel, 'decimals'>): string {
+  return formatNumber(value, decimals ?? null);
 }
 
 export function formatValue(channel: Channel): string {
   const { value, known } = channel;
   if (!known || value === null) return text.unknownValue;
   if (typeof value === 'boolean') return value ? text.on : text.off;
-  return typeof value === 'number' ? formatNumber(value) : value;
+  return typeof value === 'number' ? formatLevel(value, channel) : value;
 }
 
 export function formatTime(time: number): string {

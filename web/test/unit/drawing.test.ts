@@ -7,6 +7,8 @@ import { dotsOfRow, glassBox } from '../../src/cards/glass.js';
 import { encoderAngle } from '../../src/cards/keypad.js';
 import { sparkPath } from '../../src/cards/knob.js';
 import { entriesOf } from '../../src/cards/turns.js';
+import { formatNumber, formatValue } from '../../src/widgets/format.js';
+import { channel } from './kit.js';
 
 // The dots of a row, as they stand on the glass.
 function picture(text: string): string[] {
@@ -103,4 +105,19 @@ test('steps in one direction are one entry', () => {
     entriesOf(events).map(({ count }) => count),
     [2, 1, 1],
   );
+});
+
+test('a value is read with its decimals, and with up to two where nobody has said how many', () => {
+  const level = (value: number, decimals?: number | null) =>
+    formatValue(
+      channel('F.3', { type: 'level', value, ...(decimals === undefined ? {} : { decimals }) }),
+    );
+  assert.equal(level(2.5), '2.5');
+  assert.equal(level(2.5, null), '2.5');
+  assert.equal(level(2.5, 2), '2.50');
+  assert.equal(level(2.504, 0), '3');
+  assert.equal(level(12, 1), '12.0');
+  assert.equal(formatNumber(-0.5, 2), '\u22120.50');
+  assert.equal(formatNumber(-0.04, 1), '0.0');
+  assert.equal(formatNumber(-0.001), '0');
 });

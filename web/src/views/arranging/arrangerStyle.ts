@@ -4,6 +4,14 @@ export const arrangerStyle = css`
   .head p {
     flex: 1 1 20rem;
   }
+  .head .tools {
+    margin-left: auto;
+  }
+  @media (max-width: 639px) {
+    .head .tools {
+      margin-left: 0;
+    }
+  }
   .board {
     display: grid;
     gap: 0.75rem;

@@ -9,7 +9,7 @@ import type { Channel } from '../../api/Shapes.js';
 import { heldAt, type Span } from '../../state/plots.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
-import { formatNumber, nameOf } from '../../widgets/format.js';
+import { formatLevel, nameOf } from '../../widgets/format.js';
 import { chartOptions, type Inks, isSwitched, tableOf } from './chart.js';
 import { laneStyle } from './laneStyle.js';
 
@@ -62,8 +62,7 @@ export class Lane extends LitElement {
 
   override updated(changed: Map<string, unknown>): void {
     const before = changed.get('channel') as Channel | undefined;
-    const isAnother =
-      before && (before.min !== this.channel.min || before.max !== this.channel.max);
+    const isAnother = before && scaleOf(before) !== scaleOf(this.channel);
     if (changed.has('theme') || changed.has('lowest') || isAnother) this.drawAnew();
     else if (changed.has('points') || changed.has('window')) this.chart?.setData(this.table);
   }
@@ -94,11 +93,10 @@ export class Lane extends LitElement {
     const [, mean, least, most] = point;
     if (isSwitched(this.channel) && least === most) return mean === 1 ? text.on : text.off;
     const unit = this.channel.unit;
+    const said = (value: number) => formatLevel(value, this.channel);
     const around =
-      least === most
-        ? nothing
-        : html` <small>${text.plots.range(formatNumber(least), formatNumber(most))}</small>`;
-    return html`${formatNumber(mean)}${unit ? html` <small>${unit}</small>` : nothing}${around}`;
+      least === most ? nothing : html` <small>${text.plots.range(said(least), said(most))}</small>`;
+    return html`${said(mean)}${unit ? html` <small>${unit}</small>` : nothing}${around}`;
   }
 
   private fit(): void {
@@ -131,4 +129,9 @@ export class Lane extends LitElement {
       face: style.fontFamily,
     };
   }
+}
+
+// What the marks beside a curve depend on.
+function scaleOf({ min, max, decimals, unit }: Channel): string {
+  return [min, max, decimals ?? null, unit].join(' ');
 }

@@ -4,7 +4,7 @@ import uPlot from 'uplot';
 import type { Point } from '../../api/Past.js';
 import type { Channel } from '../../api/Shapes.js';
 import type { Span } from '../../state/plots.js';
-import { formatNumber } from '../../widgets/format.js';
+import { formatLevel } from '../../widgets/format.js';
 import { text } from '../../text/text.js';
 
 export interface Inks {
@@ -35,6 +35,19 @@ export function isSwitched({ type }: Channel): boolean {
 
 export function rangeOf(channel: Channel): [number, number] {
   return isSwitched(channel) ? [0, 1] : [channel.min ?? 0, channel.max ?? 255];
+}
+
+// The values that are marked beside a curve. Bytes have no halves.
+export function marksOf(channel: Channel): number[] {
+  const [least, most] = rangeOf(channel);
+  if (isSwitched(channel)) return [least, most];
+  const middle = (least + most) / 2;
+  return [least, channel.unit === null ? Math.round(middle) : middle, most];
+}
+
+function markText(channel: Channel, value: number): string {
+  if (isSwitched(channel)) return value === 1 ? text.on : text.off;
+  return formatLevel(value, channel);
 }
 
 // Times in seconds, the mean, the least, the most.
@@ -103,8 +116,8 @@ export function chartOptions(sheet: Sheet, width: number, height: number): uPlot
         grid,
         gap: 6,
         ticks: { show: false },
-        splits: () => (isSwitched(channel) ? [] : [least, (least + most) / 2, most]),
-        values: (_chart, values) => values.map(formatNumber),
+        splits: () => marksOf(channel),
+        values: (_chart, values) => values.map((value) => markText(channel, value)),
       },
     ],
     series: [
