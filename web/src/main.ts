@@ -12,7 +12,8 @@ const scheme = location.protocol === 'https:' ? 'wss' : 'ws';
 const performer = new Performer(store, `${scheme}://${location.host}/api/live`);
 
 document.addEventListener(IntentEvent.type, (event) => {
-  performer.perform((event as IntentEvent).intent);
+  const { intent, refused } = event as IntentEvent;
+  performer.perform(intent, refused);
 });
 document.addEventListener('visibilitychange', () => {
   if (!document.hidden) performer.wake();

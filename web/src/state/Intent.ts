@@ -1,6 +1,6 @@
 // What a person wants. Components emit intents and know nothing of how they come true.
 import type { CardSettings, CardSetup, ChannelSetup } from '../api/Settled.js';
-import type { Arrangement, Role, Value } from '../api/Shapes.js';
+import type { Arrangement, Problem, Role, Value } from '../api/Shapes.js';
 
 export type Intent =
   | BenchIntent
@@ -63,14 +63,20 @@ export type SettingsIntent =
   | { do: 'backup-read' }
   | { do: 'backup-put'; backup: object };
 
+// Says to the person that the hub has refused it, in place of a notice.
+export type Refused = (problem: Problem) => void;
+
 export class IntentEvent extends Event {
   static readonly type = 'qelm-intent';
 
-  constructor(readonly intent: Intent) {
+  constructor(
+    readonly intent: Intent,
+    readonly refused?: Refused,
+  ) {
     super(IntentEvent.type, { bubbles: true, composed: true });
   }
 }
 
-export function want(element: EventTarget, intent: Intent): void {
-  element.dispatchEvent(new IntentEvent(intent));
+export function want(element: EventTarget, intent: Intent, refused?: Refused): void {
+  element.dispatchEvent(new IntentEvent(intent, refused));
 }

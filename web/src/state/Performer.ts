@@ -12,7 +12,7 @@ import { journalDeeds } from './deeds/journal.js';
 import { plotDeeds } from './deeds/plots.js';
 import { askWho, sessionDeeds, wake } from './deeds/session.js';
 import { settingsDeeds } from './deeds/settings.js';
-import type { Intent } from './Intent.js';
+import type { Intent, Refused } from './Intent.js';
 import { Latest } from './Latest.js';
 import type { State } from './State.js';
 import type { Store } from './Store.js';
@@ -78,9 +78,12 @@ export class Performer implements Hub {
     wake(this);
   }
 
-  perform(intent: Intent): void {
+  perform(intent: Intent, refused?: Refused): void {
     const deed = deeds[intent.do] as (hub: Hub, intent: Intent) => Promise<unknown> | undefined;
-    this.hold(deed(this, intent));
+    deed(this, intent)?.catch((reason: unknown) => {
+      if (refused && reason instanceof Refusal) refused(reason.problem);
+      else this.refuse(reason);
+    });
   }
 
   dispatch(action: Action): void {
@@ -107,11 +110,5 @@ export class Performer implements Hub {
     this.counting = setTimeout(() => {
       this.dispatch({ type: 'counted' });
     }, countTime);
-  }
-
-  private hold(doing: Promise<unknown> | undefined): void {
-    doing?.catch((reason: unknown) => {
-      this.refuse(reason);
-    });
   }
 }

@@ -64,6 +64,7 @@ export const en = {
   unknownValue: '–',
   rename: (name: string) => `Rename ${name}`,
   newName: (name: string) => `New name of ${name}`,
+  refused: (why: string, holds: string) => `${why}. It is still ${holds}; Escape brings it back.`,
   servo: (name: string) => `${name}, position`,
   motor: (name: string) => `${name}, drive`,
   trail: (name: string) => `${name}, the last half minute`,

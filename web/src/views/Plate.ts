@@ -62,7 +62,7 @@ export class Plate extends LitElement {
               .fallback=${text.kinds[kind]}
               .editable=${this.canName.value}
               @renamed=${(event: RenamedEvent) => {
-                want(this, { do: 'rename-card', address, name: event.name });
+                want(this, { do: 'rename-card', address, name: event.name }, event.refused);
               }}
             ></qelm-name>
           </h2>

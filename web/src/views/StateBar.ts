@@ -33,7 +33,7 @@ export class StateBar extends LitElement {
           .fallback=${text.page}
           .editable=${this.canName.value && bus !== null}
           @renamed=${(event: RenamedEvent) => {
-            want(this, { do: 'rename-bus', name: event.name });
+            want(this, { do: 'rename-bus', name: event.name }, event.refused);
           }}
         ></qelm-name>
         ${bus?.virtual ? html`<span class="virtual">${text.state.virtual}</span>` : nothing}

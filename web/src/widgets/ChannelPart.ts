@@ -36,7 +36,8 @@ export abstract class ChannelPart extends LitElement {
       .fallback=${numberedName(this.channel)}
       .editable=${this.renamable}
       @renamed=${(event: RenamedEvent) => {
-        want(this, { do: 'rename-channel', id: this.channel.id, name: event.name });
+        const { name, refused } = event;
+        want(this, { do: 'rename-channel', id: this.channel.id, name }, refused);
       }}
     ></qelm-name>`;
   }

@@ -129,7 +129,7 @@ export class InfraredEye extends LitElement {
       .fallback=${spaced(bytes)}
       .editable=${this.renamable}
       @renamed=${(event: RenamedEvent) => {
-        want(this, { do: 'rename-code', bytes, name: event.name });
+        want(this, { do: 'rename-code', bytes, name: event.name }, event.refused);
       }}
     ></qelm-name>`;
   }

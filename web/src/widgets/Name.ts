@@ -1,14 +1,19 @@
-// A name that is edited where it stands. Emits `renamed` with the new one, null for none.
+// A name that is edited where it stands. Emits `renamed` with the new one, null for none. What is
+// refused stays to be mended, with the reason; Escape brings back what holds.
 import { css, html, LitElement, nothing } from 'lit';
 import { customElement, property, state } from 'lit/decorators.js';
 
+import type { Refused } from '../state/Intent.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 
 export class RenamedEvent extends Event {
   static readonly type = 'renamed';
 
-  constructor(readonly name: string | null) {
+  constructor(
+    readonly name: string | null,
+    readonly refused: Refused,
+  ) {
     super(RenamedEvent.type);
   }
 }
@@ -66,6 +71,18 @@ export class Name extends LitElement {
         border-radius: 2px;
         background: var(--well);
       }
+      [aria-invalid] {
+        border-color: var(--wrong);
+      }
+      p {
+        padding: 0.125rem 0;
+        color: var(--wrong);
+        font-size: 0.75rem;
+        font-weight: 400;
+        line-height: 1rem;
+        text-align: start;
+        overflow-wrap: anywhere;
+      }
     `,
   ];
 
@@ -73,19 +90,12 @@ export class Name extends LitElement {
   @property() fallback = '';
   @property({ type: Boolean }) editable = false;
   @state() private isEdited = false;
+  @state() private wrong: { typed: string; why: string } | null = null;
 
   override render() {
     const shown = this.name ?? this.fallback;
     const look = this.name === null ? 'nameless' : '';
-    if (this.isEdited)
-      return html`<input
-        aria-label=${text.newName(shown)}
-        maxlength=${longest}
-        .value=${this.name ?? ''}
-        placeholder=${this.fallback}
-        @keydown=${this.onKey}
-        @blur=${this.keep}
-      />`;
+    if (this.isEdited) return this.renderField(shown);
     if (!this.editable) return html`<span class=${look} title=${shown}>${shown || nothing}</span>`;
     return html`<button
       class=${look}
@@ -97,6 +107,21 @@ export class Name extends LitElement {
     </button>`;
   }
 
+  private renderField(shown: string) {
+    const { wrong } = this;
+    return html`<input
+        aria-label=${text.newName(shown)}
+        aria-invalid=${wrong ? 'true' : nothing}
+        aria-describedby=${wrong ? 'why' : nothing}
+        maxlength=${longest}
+        .value=${wrong?.typed ?? this.name ?? ''}
+        placeholder=${this.fallback}
+        @keydown=${this.onKey}
+        @blur=${this.onBlur}
+      />
+      ${wrong ? html`<p id="why" role="alert">${text.refused(wrong.why, shown)}</p>` : nothing}`;
+  }
+
   private async edit(): Promise<void> {
     this.isEdited = true;
     await this.updateComplete;
@@ -105,16 +130,37 @@ export class Name extends LitElement {
 
   private onKey(event: KeyboardEvent): void {
     if (event.key !== 'Enter' && event.key !== 'Escape') return;
+    event.preventDefault(); // the button, which has the focus next, is not pressed
     if (event.key === 'Enter') this.keep(event);
     this.isEdited = false;
+    this.wrong = null;
     void this.leave();
   }
 
+  private onBlur(event: Event): void {
+    const typed = (event.target as HTMLInputElement).value;
+    if (this.isEdited && typed !== this.wrong?.typed) this.keep(event);
+  }
+
   private keep(event: Event): void {
-    if (!this.isEdited) return;
+    const typed = (event.target as HTMLInputElement).value;
     this.isEdited = false;
-    const name = (event.target as HTMLInputElement).value.trim() || null;
-    if (name !== this.name) this.dispatchEvent(new RenamedEvent(name));
+    this.wrong = null;
+    const name = typed.trim() || null;
+    if (name === this.name) return;
+    this.dispatchEvent(
+      new RenamedEvent(name, ({ detail }) => {
+        void this.mend(typed, detail);
+      }),
+    );
+  }
+
+  private async mend(typed: string, why: string): Promise<void> {
+    const wasHere = Boolean(this.shadowRoot?.activeElement);
+    this.wrong = { typed, why };
+    this.isEdited = true;
+    await this.updateComplete;
+    if (wasHere) this.renderRoot.querySelector('input')?.focus();
   }
 
   private async leave(): Promise<void> {

@@ -44,7 +44,7 @@ async function arrange(hub: Hub, arrangement: Arrangement): Promise<void> {
       await hub.ask('page.set', { page: arrangement });
     } catch (reason) {
       hub.dispatch({ type: 'arrangement', arrangement: before });
-      hub.refuse(reason);
+      throw reason;
     }
   });
 }

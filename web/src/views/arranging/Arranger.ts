@@ -131,8 +131,10 @@ export class Arranger extends LitElement {
     return html`<qelm-name
       .name=${name}
       .editable=${true}
-      @renamed=${(event: RenamedEvent) => {
-        if (event.name !== null) this.keep(renamed(this.sections, at, event.name));
+      @renamed=${({ name: given, refused }: RenamedEvent) => {
+        if (given === null) return;
+        const arrangement = arrangementOf(renamed(this.sections, at, given));
+        want(this, { do: 'arrange', arrangement }, refused);
       }}
     ></qelm-name>`;
   }

@@ -48,7 +48,7 @@ export class Codes extends LitElement {
           .fallback=${spaced(bytes)}
           .editable=${this.usable}
           @renamed=${(event: RenamedEvent) => {
-            want(this, { do: 'rename-code', bytes, name: event.name });
+            want(this, { do: 'rename-code', bytes, name: event.name }, event.refused);
           }}
         ></qelm-name>
       </td>
