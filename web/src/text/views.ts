@@ -96,6 +96,8 @@ export const settings = {
   readOnly: 'You may look at these; an administrator may change them.',
   noCards: 'There is no card to set up.',
   save: 'Save',
+  noNumber: 'This is not a number',
+  still: (why: string, holds: string) => `${why}. It is still ${holds}.`,
   theme: {
     label: 'Colours',
     note: 'This browser only.',

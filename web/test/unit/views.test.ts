@@ -176,7 +176,7 @@ test('entries that passed unseen are counted as lost', () => {
 
 test('an empty field is as usual; a comma is a point', () => {
   assert.equal(numberIn(' '), null);
-  assert.equal(numberIn('x'), null);
+  assert.equal(numberIn('x'), NaN);
   assert.equal(numberIn('2,5'), 2.5);
   assert.equal(numberIn('\u221290'), -90);
 });

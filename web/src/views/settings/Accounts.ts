@@ -9,9 +9,11 @@ import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
 import { viewStyle } from '../viewStyle.js';
+import { renderChoice } from './controls.js';
 import { textIn } from './fields.js';
 import { roleField, roles } from './roles.js';
 import { sectionStyle } from './settingsStyle.js';
+import { Tries } from './Tries.js';
 
 const { accounts: words } = text.settings;
 
@@ -21,6 +23,7 @@ export class Accounts extends LitElement {
 
   private readonly accounts = new Reads(this, (known) => known.settings.accounts);
   private readonly who = new Reads(this, (known) => known.who);
+  private readonly tries = new Tries(this);
   private added: { form: HTMLFormElement; name: string } | null = null; // is asked for
   @state() private open: { account: string; to: 'password' | 'remove' } | null = null;
 
@@ -66,22 +69,24 @@ export class Accounts extends LitElement {
 
   private renderAccount({ account, role }: Account) {
     const isOwn = account === this.who.value?.account;
+    const field = `role-${encodeURIComponent(account)}`;
     const open = (to: 'password' | 'remove') => () => {
       this.open = { account, to };
     };
     return html`<tr>
       <td>${account} ${isOwn ? html`<span class="note">(${words.you})</span>` : nothing}</td>
       <td>
-        <select
-          class="field"
-          aria-label=${words.roleOf(account)}
-          @change=${(event: Event) => {
-            const chosen = (event.target as HTMLSelectElement).value as Role;
-            want(this, { do: 'account-change', account, role: chosen });
-          }}
-        >
-          ${roles(role)}
-        </select>
+        ${renderChoice({
+          field,
+          tries: this.tries,
+          label: words.roleOf(account),
+          usable: true,
+          options: roles,
+          chosen: role,
+          keep: (chosen) => {
+            this.tries.want(field, { do: 'account-change', account, role: chosen });
+          },
+        })}
       </td>
       <td class="end">
         <button class="key" aria-label=${words.passwordOf(account)} @click=${open('password')}>

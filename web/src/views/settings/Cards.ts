@@ -1,10 +1,11 @@
 // Names, units and directions of a card's channels, and what the card keeps of itself.
 import { html, LitElement, nothing } from 'lit';
 import { customElement, state } from 'lit/decorators.js';
+import { keyed } from 'lit/directives/keyed.js';
 
 import type { CardSetup, ChannelSetup } from '../../api/Settled.js';
 import type { Card, Channel } from '../../api/Shapes.js';
-import { want } from '../../state/Intent.js';
+import type { Intent } from '../../state/Intent.js';
 import { may, presentCards } from '../../state/select.js';
 import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
@@ -13,10 +14,10 @@ import { nameOf, numberedName } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import './Codes.js';
 import { type Field, renderChoice, renderField, renderTick } from './controls.js';
-import { numberIn } from './fields.js';
 import './KeptInCard.js';
 import { purposeHead, renderPurpose } from './purpose.js';
 import { sectionStyle } from './settingsStyle.js';
+import { Tries } from './Tries.js';
 
 type NumberKey = 'min' | 'max' | 'decimals' | 'hysteresis';
 
@@ -34,6 +35,7 @@ export class Cards extends LitElement {
   private readonly setup = new Reads(this, (known) => known.settings.setup);
   private readonly isAdmin = new Reads(this, (known) => may(known, 'admin'));
   @state() private address = '';
+  private readonly tries = new Tries(this);
 
   override render() {
     const cards = presentCards({ cards: this.cards.value });
@@ -49,6 +51,7 @@ export class Cards extends LitElement {
             class="field"
             @change=${(event: Event) => {
               this.address = (event.target as HTMLSelectElement).value;
+              this.tries.forgetAll();
             }}
           >
             ${cards.map(
@@ -59,44 +62,53 @@ export class Cards extends LitElement {
             )}
           </select>
         </label>
-        ${this.renderLabelled(words.name, {
-          value: card.name ?? '',
-          usual: text.kinds[card.kind],
-          longest: 64,
-          keep: (name) => {
-            want(this, { do: 'rename-card', address: card.address, name: name || null });
-          },
-        })}
-        ${this.renderCard(card)}
+        ${keyed(card.address, [this.renderCardName(card), this.renderCard(card)])}
       </div>
-      ${card.channels.length > 0 ? this.renderChannels(card) : nothing}
+      ${keyed(card.address, this.renderRest(card))}`;
+  }
+
+  // What was typed for one card is not left in the fields of the next.
+  private renderRest(card: Card) {
+    const usable = this.isAdmin.value;
+    return html`${card.channels.length > 0 ? this.renderChannels(card) : nothing}
       ${card.kind === 'ir'
-        ? html`<qelm-set-codes .card=${card} .usable=${this.isAdmin.value}></qelm-set-codes>`
-        : nothing}
-      <qelm-kept-in-card .card=${card} .usable=${this.isAdmin.value}></qelm-kept-in-card>`;
+        ? html`<qelm-set-codes .card=${card} .usable=${usable}></qelm-set-codes>`
+        : nothing} <qelm-kept-in-card .card=${card} .usable=${usable}></qelm-kept-in-card>`;
+  }
+
+  private renderCardName({ address, name, kind }: Card) {
+    return this.renderLabelled('card-name', words.name, {
+      value: name ?? '',
+      usual: text.kinds[kind],
+      longest: 64,
+      keep: (content) => {
+        this.tries.want('card-name', { do: 'rename-card', address, name: content || null });
+      },
+    });
   }
 
   private renderCard({ address, kind }: Card) {
     const own = this.setup.value?.cards[address] ?? {};
-    const keep = (setup: CardSetup) => {
-      want(this, { do: 'setup-card', address, setup });
-    };
+    const { tries } = this;
+    const changed = (setup: CardSetup): Intent => ({ do: 'setup-card', address, setup });
     const tick = (key: 'keep' | 'signed', label: string, usual: boolean) =>
       renderTick({
+        field: key,
+        tries,
         label,
         usable: this.isAdmin.value,
         isOn: own[key] ?? usual,
         keep: (isOn) => {
-          keep({ [key]: isOn });
+          tries.want(key, changed({ [key]: isOn }));
         },
       });
     const size = (key: 'rows' | 'columns', usual: number) =>
-      this.renderLabelled(words[key], {
+      this.renderLabelled(key, words[key], {
         value: String(own[key] ?? ''),
         usual: String(usual),
         longest: 3,
         keep: (content) => {
-          keep({ [key]: numberIn(content) });
+          tries.wantNumber(key, content, (value) => changed({ [key]: value }));
         },
       });
     if (kind === 'lcd') return html`${size('rows', 4)}${size('columns', 20)}`;
@@ -132,42 +144,41 @@ export class Cards extends LitElement {
   private renderChannel(channel: Channel, numbers: readonly NumberKey[], isLine: boolean) {
     const { id } = channel;
     const own = this.setup.value?.channels[id] ?? {};
-    const label = (what: string) => words.of(what, nameOf(channel));
-    const keep = (setup: ChannelSetup) => {
-      want(this, { do: 'setup-channel', id, setup });
-    };
+    const { tries } = this;
     const usable = this.isAdmin.value;
+    const common = (key: 'name' | 'unit' | NumberKey) => {
+      const label = words.of(words[key], nameOf(channel));
+      return { field: `${key}-${id}`, tries, label, usable };
+    };
+    const changed = (setup: ChannelSetup): Intent => ({ do: 'setup-channel', id, setup });
     const usual = { min: '0', max: '255', decimals: '0', hysteresis: '0' };
     const name = renderField({
-      label: label(words.name),
-      usable,
+      ...common('name'),
       value: channel.name ?? '',
       usual: numberedName(channel),
       longest: 64,
       keep: (content) => {
-        want(this, { do: 'rename-channel', id, name: content || null });
+        tries.want(`name-${id}`, { do: 'rename-channel', id, name: content || null });
       },
     });
     const unit = () =>
       renderField({
-        label: label(words.unit),
-        usable,
+        ...common('unit'),
         value: own.unit ?? '',
         usual: '',
         longest: 16,
         keep: (content) => {
-          keep({ unit: content || null });
+          tries.want(`unit-${id}`, changed({ unit: content || null }));
         },
       });
     const number = (key: NumberKey) =>
       renderField({
-        label: label(words[key]),
-        usable,
+        ...common(key),
         value: String(own[key] ?? ''),
         usual: usual[key],
         longest: 12,
         keep: (content) => {
-          keep({ [key]: numberIn(content) });
+          tries.wantNumber(`${key}-${id}`, content, (value) => changed({ [key]: value }));
         },
       });
     return html`<tr>
@@ -175,32 +186,40 @@ export class Cards extends LitElement {
       <td class="name">${name}</td>
       ${numbers.length > 0 ? html`<td>${unit()}</td>` : nothing}
       ${numbers.map((key) => html`<td>${number(key)}</td>`)}
-      ${isLine ? html`<td>${this.renderLevel(channel, own, keep)}</td>` : nothing}
+      ${isLine ? html`<td>${this.renderLevel(channel, own)}</td>` : nothing}
       ${purposeHead(channel.type) === null
         ? nothing
-        : html`<td>${renderPurpose(channel, own, this.isAdmin.value, keep)}</td>`}
+        : html`<td>${renderPurpose(channel, own, usable, tries)}</td>`}
     </tr>`;
   }
 
-  private renderLevel(channel: Channel, own: ChannelSetup, keep: (setup: ChannelSetup) => void) {
+  private renderLevel(channel: Channel, own: ChannelSetup) {
+    const { id } = channel;
+    const field = `active-${id}`;
     const usual = channel.type === 'switch' ? 'low' : 'high';
     const level = own.active ?? usual;
     const titled = (each: 'high' | 'low') =>
       [each, each === usual ? words.usual(words[each]) : words[each]] as const;
     return renderChoice({
+      field,
+      tries: this.tries,
       label: words.of(words.active, nameOf(channel)),
       usable: this.isAdmin.value,
       options: [titled('high'), titled('low')],
       chosen: level,
       keep: (chosen) => {
-        keep({ active: chosen === usual ? null : chosen });
+        const setup = { active: chosen === usual ? null : chosen };
+        this.tries.want(field, { do: 'setup-channel', id, setup });
       },
     });
   }
 
-  private renderLabelled(label: string, field: Omit<Field, 'label' | 'usable'>) {
-    return html`<label class="labelled">
-      ${label}${renderField({ ...field, label: '', usable: this.isAdmin.value })}
-    </label>`;
+  private renderLabelled(
+    field: string,
+    label: string,
+    control: Omit<Field, 'field' | 'tries' | 'label' | 'usable'>,
+  ) {
+    const common = { field, tries: this.tries, label, usable: this.isAdmin.value };
+    return html`<label class="labelled">${label}${renderField({ ...control, ...common })}</label>`;
   }
 }

@@ -4,7 +4,7 @@ import { customElement, property } from 'lit/decorators.js';
 
 import type { Bytes, CardSettings } from '../../api/Settled.js';
 import type { Card } from '../../api/Shapes.js';
-import { want } from '../../state/Intent.js';
+import { type Intent, want } from '../../state/Intent.js';
 import { askedValues, isStored } from '../../state/settings.js';
 import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
@@ -12,13 +12,15 @@ import { base } from '../../theme/base.js';
 import { nameOf } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import { renderChoice, renderField, renderTick } from './controls.js';
-import { numberIn, withAt } from './fields.js';
+import { withAt } from './fields.js';
 import { sectionStyle } from './settingsStyle.js';
+import { Tries } from './Tries.js';
 
 type ListKey = 'end_a' | 'end_b' | 'silent_range';
 type FlagKey = 'self_test' | 'init_light';
 
 const { kept: words, setup } = text.settings;
+const titles = { end_a: words.endA, end_b: words.endB, silent_range: words.range };
 const inputs = 6; // of an analogue card
 
 // The card was asked for some of it.
@@ -35,6 +37,7 @@ export class KeptInCard extends LitElement {
   @property({ attribute: false }) card!: Card;
   @property({ type: Boolean }) usable = false;
   private readonly kept = new Reads(this, (state) => state.settings.cards);
+  private readonly tries = new Tries(this);
   private asked = ''; // the card whose values were asked for
 
   override updated(): void {
@@ -93,10 +96,9 @@ export class KeptInCard extends LitElement {
   private renderValues(settings: CardSettings, isBusy: boolean) {
     switch (this.card.kind) {
       case 'servo':
-        return html`${this.renderList('end_a', words.endA, settings, isBusy)}
-        ${this.renderList('end_b', words.endB, settings, isBusy)}`;
+        return this.renderLists(6, ['end_a', 'end_b'], settings, isBusy);
       case 'motor':
-        return html`${this.renderList('silent_range', words.range, settings, isBusy)}
+        return html`${this.renderLists(3, ['silent_range'], settings, isBusy)}
           <p class="note">${words.rangeNote}</p>`;
       case 'analogue-input':
         return this.renderMask(settings.mask ?? null, isBusy);
@@ -108,34 +110,64 @@ export class KeptInCard extends LitElement {
     }
   }
 
-  private set(settings: CardSettings): void {
-    want(this, { do: 'card-set', address: this.card.address, settings });
+  private changed(settings: CardSettings): Intent {
+    return { do: 'card-set', address: this.card.address, settings };
+  }
+
+  // A row a channel, a column a list.
+  private renderLists(
+    count: number,
+    keys: readonly ListKey[],
+    settings: CardSettings,
+    isBusy: boolean,
+  ) {
+    const rows = Array.from({ length: count }, (_, place) => {
+      const channel = this.card.channels[place];
+      const name = channel ? nameOf(channel) : String(place);
+      return html`<tr>
+        <td>${name}</td>
+        ${keys.map((key) => html`<td>${this.renderByte(key, place, name, settings, isBusy)}</td>`)}
+      </tr>`;
+    });
+    return html`<table>
+      <thead>
+        <tr>
+          <th scope="col">${setup.channel}</th>
+          ${keys.map((key) => html`<th scope="col">${titles[key]}</th>`)}
+        </tr>
+      </thead>
+      <tbody>
+        ${rows}
+      </tbody>
+    </table>`;
   }
 
   // Only what is changed is sent: null leaves a value as it is.
-  private renderList(key: ListKey, title: string, settings: CardSettings, isBusy: boolean) {
-    const count = key === 'silent_range' ? 3 : 6;
-    const none: Bytes = Array.from({ length: count }, () => null);
-    const values = settings[key] ?? none;
-    return html`<div class="grid">
-      ${values.map((value, place) => {
-        const channel = this.card.channels[place];
-        const label = setup.of(title, channel ? nameOf(channel) : String(place));
-        const field = renderField({
-          label: '',
-          usable: this.usable,
-          isBusy,
-          value: value === null ? '' : String(value),
-          usual: words.unknown,
-          longest: 3,
-          keep: (content) => {
-            const given = numberIn(content);
-            if (given !== null) this.set({ [key]: withAt(none, place, given) });
-          },
-        });
-        return html`<label class="labelled">${label}${field}</label>`;
-      })}
-    </div>`;
+  private renderByte(
+    key: ListKey,
+    place: number,
+    name: string,
+    settings: CardSettings,
+    isBusy: boolean,
+  ) {
+    const value = settings[key]?.[place] ?? null;
+    const none: Bytes = Array.from({ length: key === 'silent_range' ? 3 : 6 }, () => null);
+    const field = `${key}-${place}`;
+    return renderField({
+      field,
+      tries: this.tries,
+      label: setup.of(titles[key], name),
+      usable: this.usable,
+      isBusy,
+      value: value === null ? '' : String(value),
+      usual: words.unknown,
+      longest: 3,
+      keep: (content) => {
+        const changed = (byte: number | null) => this.changed({ [key]: withAt(none, place, byte) });
+        if (content === '') this.tries.refuse(field, text.settings.noNumber);
+        else this.tries.wantNumber(field, content, changed);
+      },
+    });
   }
 
   private renderMask(mask: number | null, isBusy: boolean) {
@@ -146,12 +178,14 @@ export class KeptInCard extends LitElement {
       ${Array.from({ length: inputs }, (_, bit) => {
         const channel = this.card.channels[bit];
         return renderTick({
+          field: `mask-${bit}`,
+          tries: this.tries,
           label: channel ? nameOf(channel) : String(bit),
           usable: this.usable,
           isBusy,
           isOn: mask === null ? null : (mask & (1 << bit)) !== 0,
           keep: () => {
-            this.set({ mask: (mask ?? 0) ^ (1 << bit) });
+            this.tries.want(`mask-${bit}`, this.changed({ mask: (mask ?? 0) ^ (1 << bit) }));
           },
         });
       })}
@@ -161,7 +195,9 @@ export class KeptInCard extends LitElement {
   private renderFlag(key: FlagKey, label: string, settings: CardSettings, isBusy: boolean) {
     const value = settings[key] ?? null;
     const choice = renderChoice({
-      label: '',
+      field: key,
+      tries: this.tries,
+      label,
       usable: this.usable,
       isBusy,
       options: [
@@ -170,7 +206,7 @@ export class KeptInCard extends LitElement {
       ],
       chosen: value === null ? null : value ? 'yes' : 'no',
       keep: (chosen) => {
-        this.set({ [key]: chosen === 'yes' });
+        this.tries.want(key, this.changed({ [key]: chosen === 'yes' }));
       },
     });
     return html`<label class="labelled">${label}${choice}</label>`;

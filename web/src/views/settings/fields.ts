@@ -4,11 +4,10 @@ export function textIn(form: FormData, name: string): string {
   return typeof value === 'string' ? value.trim() : '';
 }
 
-// null: it is empty, which is as usual.
+// null: it is empty, which is as usual. NaN: it is no number.
 export function numberIn(content: string): number | null {
   const trimmed = content.trim().replace(',', '.').replace('\u2212', '-');
-  const value = Number(trimmed);
-  return trimmed === '' || Number.isNaN(value) ? null : value;
+  return trimmed === '' ? null : Number(trimmed);
 }
 
 // The list with another value at a place.

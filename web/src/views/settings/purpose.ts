@@ -6,6 +6,7 @@ import type { Channel } from '../../api/Shapes.js';
 import { text } from '../../text/text.js';
 import { nameOf } from '../../widgets/format.js';
 import { renderChoice, renderField } from './controls.js';
+import type { Tries } from './Tries.js';
 
 const { setup: words } = text.settings;
 const forms: readonly OutputForm[] = ['switch', 'light', 'fan'];
@@ -21,13 +22,20 @@ export function renderPurpose(
   channel: Channel,
   own: ChannelSetup,
   usable: boolean,
-  keep: (setup: ChannelSetup) => void,
+  tries: Tries,
 ): TemplateResult | typeof nothing {
   const head = purposeHead(channel.type);
   if (head === null) return nothing;
+  const { id } = channel;
+  const field = `purpose-${id}`;
   const label = words.of(head, nameOf(channel));
+  const keep = (setup: ChannelSetup) => {
+    tries.want(field, { do: 'setup-channel', id, setup });
+  };
   if (channel.type !== 'switch')
     return renderField({
+      field,
+      tries,
       label,
       usable,
       value: own.device_class ?? '',
@@ -38,6 +46,8 @@ export function renderPurpose(
       },
     });
   return renderChoice({
+    field,
+    tries,
     label,
     usable,
     options: forms.map((form) => [form, words.forms[form]] as const),

@@ -6,17 +6,16 @@ import { text } from '../../text/text.js';
 
 const all: readonly Role[] = ['view', 'use', 'admin'];
 
-export function roles(chosen: Role): TemplateResult[] {
-  return all.map(
-    (role) => html`<option value=${role} .selected=${role === chosen}>${text.roles[role]}</option>`,
-  );
-}
+export const roles = all.map((role) => [role, text.roles[role]] as const);
 
 export function roleField(label: string, chosen: Role): TemplateResult {
   return html`<label class="labelled">
     ${label}
     <select class="field" name="role">
-      ${roles(chosen)}
+      ${roles.map(
+        ([role, title]) =>
+          html`<option value=${role} .selected=${role === chosen}>${title}</option>`,
+      )}
     </select>
   </label>`;
 }

@@ -78,8 +78,20 @@ export const sectionStyle = css`
     font-size: 0.8125rem;
     line-height: var(--touch);
   }
+  .refused {
+    display: block;
+    max-width: 16rem;
+    padding: 0.125rem 0;
+    color: var(--wrong);
+    font-size: 0.75rem;
+    line-height: 1rem;
+    overflow-wrap: anywhere;
+  }
+  .field[aria-invalid] {
+    border-color: var(--wrong);
+  }
   table {
-    width: 100%;
+    justify-self: start;
     border-collapse: collapse;
     font-size: 0.8125rem;
   }
@@ -96,15 +108,42 @@ export const sectionStyle = css`
     white-space: nowrap;
   }
   td {
-    padding: 0.25rem 0.5rem 0.25rem 0;
+    padding: 0.25rem 0.75rem 0.25rem 0;
     border-bottom: var(--hair) solid var(--line);
   }
+  /* Lines to write on: a table of boxes would be a wall. */
+  tr:has(.field) td {
+    border-bottom-color: transparent;
+    vertical-align: top;
+  }
+  tr:has(.field) td:not(:has(.field, button)) {
+    line-height: var(--touch);
+  }
   td .field {
-    width: 100%;
-    min-width: 4rem;
+    width: 6.5rem;
+    padding-inline: 0.25rem;
+    border-color: transparent transparent var(--edge);
+    border-radius: 0;
+    background: none;
+  }
+  td select.field {
+    width: auto;
+    min-width: 8rem;
+  }
+  td .field:hover:not(:disabled),
+  td .field:focus {
+    background: var(--well);
   }
   td.name .field {
-    min-width: 8rem;
+    width: 13rem;
+  }
+  @media (max-width: 639px) {
+    td .field {
+      width: 5rem;
+    }
+    td.name .field {
+      width: 9rem;
+    }
   }
   td.end {
     text-align: right;
@@ -142,11 +181,6 @@ export const sectionStyle = css`
     margin: 0;
     border: 0;
     border-top: var(--hair) solid var(--line);
-  }
-  .grid {
-    display: grid;
-    grid-template-columns: repeat(auto-fill, minmax(6.5rem, 1fr));
-    gap: 0.5rem 0.75rem;
   }
   .ticks {
     display: flex;
