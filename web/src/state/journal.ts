@@ -49,7 +49,10 @@ export interface Filter {
 }
 
 // Newest first.
-export function filtered({ entries }: JournalLog, { kind, words }: Filter): JournalEntry[] {
+export function filtered(
+  entries: readonly JournalEntry[],
+  { kind, words }: Filter,
+): JournalEntry[] {
   const wanted = words.toLowerCase().split(/\s+/);
   const holds = ({ text, by }: JournalEntry) => {
     const whole = `${text} ${by ?? ''}`.toLowerCase();

@@ -61,9 +61,9 @@ test('the console answers, completes and remembers; markup stays text', async ()
 test('the journal shows what happens while it is looked at', async () => {
   const anna = await goes('journal');
   await site.api('PUT', '/api/channels/5.0', { value: false });
-  await anna.reads(/5\.0 \(Lamp\)/);
+  await anna.reads('Lamp (5.0) off');
   await anna.page.getByRole('searchbox').fill('nothing of that kind');
-  await anna.doesNotRead(/5\.0 \(Lamp\)/);
+  await anna.doesNotRead(/Lamp \(5\.0\)/);
   await anna.leaves();
 });
 

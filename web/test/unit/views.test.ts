@@ -24,8 +24,9 @@ import {
   zoomed,
 } from '../../src/state/plots.js';
 import { csvOf } from '../../src/views/plots/csv.js';
+import { saidOf } from '../../src/views/journal/said.js';
 import { numberIn } from '../../src/views/settings/fields.js';
-import { channel } from './kit.js';
+import { card, channel } from './kit.js';
 
 const at = (time: number, value: number): Point => [time, value, value, value];
 const level = (value: number, since: string) =>
@@ -60,8 +61,8 @@ test('a curve that is gathered for long fills its window, and keeps what stood o
   const begin = Date.parse('2026-11-21T12:00:00.000Z');
   let plots = withChannels({ ...noPlots, span: 600_000 }, ['F.3']);
   const change = (step: number) =>
-    level(step === 100 ? 250 : step % 2, new Date(begin + step * 20).toJSON());
-  for (let step = 0; step < 40_000; ++step) plots = plotsAfter(plots, [change(step)]); // 13 min
+    level(step === 34 ? 250 : step % 2, new Date(begin + step * 60).toJSON());
+  for (let step = 0; step < 13_000; ++step) plots = plotsAfter(plots, [change(step)]); // 13 min
   const curve = plots.curves['F.3'] ?? [];
   assert.ok(curve.length <= 6000, String(curve.length));
   assert.equal(curve[0]?.[0], begin);
@@ -76,9 +77,9 @@ test('a curve that is gathered for long fills its window, and keeps what stood o
 
 test('what is far behind the window is not kept for ever', () => {
   let plots = withChannels({ ...noPlots, span: 10_000 }, ['F.3']);
-  for (let step = 0; step < 12_000; ++step)
-    plots = plotsAfter(plots, [level(step % 7, new Date(step * 10).toJSON())]);
-  assert.ok((plots.curves['F.3']?.[0]?.[0] ?? 0) >= 20_000);
+  for (let step = 0; step < 7000; ++step)
+    plots = plotsAfter(plots, [level(step % 7, new Date(step * 20).toJSON())]);
+  assert.ok((plots.curves['F.3']?.[0]?.[0] ?? 0) >= 80_000);
 });
 
 test('whoever looks at the past is not pushed out of it by what comes', () => {
@@ -153,11 +154,28 @@ test('the journal is filtered by kind and by all words, the newest first', () =>
   const entries = [entry(1, 'hub', 'started'), entry(2, 'command', '5.0 (Lamp): on')];
   const log = wholeJournal(emptyJournal, { entries, lost: 0 });
   const seqs = (kind: string, words: string) =>
-    filtered(log, { kind, words }).map(({ seq }) => seq);
+    filtered(log.entries, { kind, words }).map(({ seq }) => seq);
   assert.deepEqual(seqs('', ''), [2, 1]);
   assert.deepEqual(seqs('hub', ''), [1]);
   assert.deepEqual(seqs('', 'OPERATOR lamp'), [2]);
   assert.deepEqual(seqs('hub', 'lamp'), []);
+});
+
+test('a command is said by name and id', () => {
+  const cards = {
+    5: card('5', { name: 'Relays', channels: [channel('5.0', { name: 'Lamp' }), channel('5.1')] }),
+    E: card('E', { kind: 'lcd' }),
+  };
+  const said = (line: string, kind = 'command') => saidOf(entry(1, kind, line), cards);
+  assert.equal(said('5.0 (Lamp): on'), 'Lamp (5.0) on');
+  assert.equal(said('5.0: on'), 'Lamp (5.0) on');
+  assert.equal(said('5.1: off for 500 ms'), 'Line 1 (5.1) off for 500 ms');
+  assert.equal(said('0.3: 12.5 within 2000 ms'), '0.3 12.5 within 2000 ms');
+  assert.equal(said('5.0 (A (b), c): on, 5.1: off'), 'A (b), c (5.0) on, Line 1 (5.1) off');
+  assert.equal(said('E: light on'), 'Display (E): light on');
+  assert.equal(said('9: code 434F'), '9: code 434F');
+  assert.equal(said('5.0 of shed: ON'), '5.0 of shed: ON');
+  assert.equal(said('5.0: on', 'hub'), '5.0: on');
 });
 
 test('entries that passed unseen are counted as lost', () => {

@@ -6,11 +6,12 @@ import { repeat } from 'lit/directives/repeat.js';
 import type { JournalEntry } from '../../api/Past.js';
 import { want } from '../../state/Intent.js';
 import { filtered, hasOlder, type JournalLog, kindsIn, mostEntries } from '../../state/journal.js';
-import { Reads } from '../../state/Store.js';
+import { Reads, store } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
 import { viewStyle } from '../viewStyle.js';
 import { journalStyle } from './journalStyle.js';
+import { saidOf } from './said.js';
 
 const readEvery = 2000; // ms
 
@@ -42,7 +43,8 @@ export class JournalView extends LitElement {
 
   override render() {
     const log = this.log.value;
-    const entries = filtered(log, { kind: this.kind, words: this.words });
+    const said = log.entries.map((entry) => ({ ...entry, text: saidOf(entry, store.state.cards) }));
+    const entries = filtered(said, { kind: this.kind, words: this.words });
     return html`<div class="head">
         <h1>${text.journal.title}</h1>
         <label class="row">

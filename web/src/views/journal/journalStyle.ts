@@ -31,7 +31,7 @@ export const journalStyle = css`
   }
   .entry {
     display: grid;
-    grid-template-columns: 4.5rem 6rem minmax(0, 1fr) auto;
+    grid-template-columns: 4.5rem 6rem minmax(0, auto) minmax(max-content, 1fr);
     gap: 0 0.75rem;
     padding: 0.375rem 0.75rem;
     font-size: 0.8125rem;
