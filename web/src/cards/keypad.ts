@@ -44,7 +44,7 @@ export function drawPad(
       tabindex=${isButton ? (code === reached ? 0 : -1) : nothing}>
       <rect class="reach" x=${left} y=${top} width=${pitch} height=${pitch}></rect>
       <rect class="cap" x=${x} y=${y} width=${size} height=${size} rx="1"></rect>
-      <text x=${x + size / 2} y=${y + size / 2 + 1.5}>${hex(code)}</text></g>`;
+      <text x=${x + size / 2} y=${y + size / 2 + 2.15}>${hex(code)}</text></g>`;
   });
   return svg`<g>${drawn}</g>`;
 }
@@ -80,7 +80,7 @@ export const keypadStyle = css`
   }
   .pad-key text {
     fill: var(--faint);
-    font-size: 4.25px;
+    font-size: 6px;
     text-anchor: middle;
   }
   .pad-key.recent .cap {

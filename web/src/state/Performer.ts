@@ -7,7 +7,7 @@ import { benchDeeds } from './deeds/bench.js';
 import { boardDeeds } from './deeds/boards.js';
 import { consoleDeeds } from './deeds/console.js';
 import type { Deeds, Hub } from './deeds/Deeds.js';
-import { keptPlots } from './deeds/kept.js';
+import { keepName, keptPlots } from './deeds/kept.js';
 import { journalDeeds } from './deeds/journal.js';
 import { plotDeeds } from './deeds/plots.js';
 import { askWho, sessionDeeds, wake } from './deeds/session.js';
@@ -51,6 +51,7 @@ export class Performer implements Hub {
       },
       snapshot: (snapshot) => {
         this.dispatch({ type: 'snapshot', snapshot });
+        keepName(snapshot.bus.name);
         this.endCounting();
       },
       changes: (changes) => {

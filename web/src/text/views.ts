@@ -21,6 +21,7 @@ export const plots = {
   unknown: 'not known then',
   noValue: 'no value in this time',
   now: 'now',
+  window: (from: string, to: string) => `${from} to ${to}`,
   open: (name: string) => `Plot ${name}`,
   menu: (name: string) => `More for ${name}`,
 };
@@ -165,7 +166,7 @@ export const settings = {
     account: 'Account',
     password: 'Password',
     newPassword: 'New password',
-    rule: '8 characters or more',
+    rule: 'A password has 8 characters or more.',
     role: 'May',
     add: 'Add account',
     remove: (name: string) => `Remove ${name}`,

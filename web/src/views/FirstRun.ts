@@ -21,24 +21,23 @@ export class FirstRun extends LitElement {
         padding: min(8vh, 4rem) 1rem 2rem;
       }
       section {
-        max-width: 36rem;
-        padding: 1.5rem;
+        max-width: 32rem;
+        padding: 1.25rem 1.5rem;
         background: var(--plate);
         border: var(--hair) solid var(--line);
         border-radius: 2px;
       }
       h1 {
-        padding-bottom: 1rem;
+        padding-bottom: 0.75rem;
         font-size: 1.0625rem;
         font-weight: 600;
       }
       li {
         display: grid;
-        grid-template-columns: 1.5rem minmax(0, 1fr);
+        grid-template-columns: 1rem minmax(4.5rem, auto) minmax(0, 1fr);
         gap: 0.25rem 0.5rem;
         align-items: center;
-        padding: 0.75rem 0;
-        border-top: var(--hair) solid var(--line);
+        padding: 0.25rem 0;
       }
       li svg {
         width: 0.875rem;
@@ -46,19 +45,27 @@ export class FirstRun extends LitElement {
       }
       h2 {
         font-size: 0.875rem;
-        font-weight: 600;
+        font-weight: 400;
       }
-      li p {
-        grid-column: 2;
+      li p,
+      .later h2 {
         color: var(--faint);
         font-size: 0.875rem;
       }
+      /* Only the step that is waited for has much to say. */
+      .now h2 {
+        font-weight: 600;
+      }
+      .now p,
+      .unsure p {
+        grid-column: 2 / -1;
+      }
       .now p {
+        padding-bottom: 0.25rem;
         color: var(--ink);
       }
       .trial {
-        padding-top: 0.75rem;
-        border-top: var(--hair) solid var(--line);
+        padding-top: 1rem;
         color: var(--faint);
         font-size: 0.8125rem;
       }

@@ -1,6 +1,9 @@
+// Whoever is not known logs in. Whose bench it is, only those know who were in before: others read
+// where it is.
 import { css, html, LitElement } from 'lit';
 import { customElement, state } from 'lit/decorators.js';
 
+import { keptName } from '../state/deeds/kept.js';
 import { want } from '../state/Intent.js';
 import type { State } from '../state/State.js';
 import { Reads } from '../state/Store.js';
@@ -30,6 +33,12 @@ export class LogIn extends LitElement {
         font-size: 1.0625rem;
         font-weight: 600;
       }
+      header p {
+        padding-top: 0.25rem;
+        color: var(--faint);
+        font-size: 0.875rem;
+        overflow-wrap: anywhere;
+      }
       label {
         display: grid;
         gap: 0.25rem;
@@ -46,7 +55,10 @@ export class LogIn extends LitElement {
 
   override render() {
     return html`<form @submit=${this.send}>
-      <h1>${text.logIn.title}</h1>
+      <header>
+        <h1>${text.logIn.title}</h1>
+        <p>${keptName() ?? location.hostname}</p>
+      </header>
       <label>
         ${text.logIn.account}
         <input class="field" name="account" autocomplete="username" required maxlength="64" />

@@ -1,5 +1,5 @@
 // The strip: channels in lanes under one time, live or back to a year.
-import { html, LitElement, nothing } from 'lit';
+import { html, LitElement } from 'lit';
 import { customElement, state } from 'lit/decorators.js';
 import { repeat } from 'lit/directives/repeat.js';
 
@@ -22,7 +22,7 @@ import type { Lane } from './Lane.js';
 import { Pulse } from './Pulse.js';
 import { plotsStyle } from './plotsStyle.js';
 import { save } from '../save.js';
-import { momentText } from './times.js';
+import { momentText, windowText } from './times.js';
 
 @customElement('qelm-plots')
 export class PlotsView extends LitElement {
@@ -156,7 +156,7 @@ export class PlotsView extends LitElement {
     const { hand, at, window, shown } = this;
     return html`<div class="strip plate ${shown.every(isSwitched) ? '' : 'tall'}">
       ${at === null
-        ? nothing
+        ? html`<p class="when">${windowText(window)}</p>`
         : html`<div class="hair" aria-hidden="true"><span>${momentText(at, window)}</span></div>`}
       <div
         class="lanes"

@@ -68,7 +68,7 @@ export const laneStyle = css`
     min-height: 7rem;
     overflow: hidden;
     color: var(--ink);
-    background-color: var(--on);
+    background-color: var(--halo);
     background-clip: text;
     border: 0 solid var(--line);
     outline: 0 solid var(--edge);

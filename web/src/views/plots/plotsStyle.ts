@@ -89,6 +89,14 @@ export const plotsStyle = css`
   .lanes:focus-visible {
     outline-offset: -2px;
   }
+  .when {
+    position: absolute;
+    top: 0;
+    left: 0.75rem;
+    color: var(--faint);
+    font-size: 0.75rem;
+    line-height: 1.5rem;
+  }
   .hair {
     position: absolute;
     z-index: 1;

@@ -11,10 +11,17 @@ export function momentText(time: number, { from, to }: Span): string {
   const hours = at.toLocaleTimeString(text.locale);
   if (whole <= 120 * second) return `${hours}.${String(Math.floor(at.getMilliseconds() / 100))}`;
   if (whole < day / 2) return hours;
-  const date = at.toLocaleDateString(text.locale, {
-    day: 'numeric',
-    month: 'short',
-    year: 'numeric',
-  });
-  return `${date}, ${hours.slice(0, 5)}`;
+  return `${dateText(at)}, ${hours.slice(0, 5)}`;
+}
+
+// The day is said once where the window lies in one.
+export function windowText({ from, to }: Span): string {
+  const [begin, end] = [new Date(from), new Date(to)];
+  const day = dateText(begin) === dateText(end) ? '' : `${dateText(end)}, `;
+  const hours = (at: Date) => at.toLocaleTimeString(text.locale).slice(0, 5);
+  return text.plots.window(`${dateText(begin)}, ${hours(begin)}`, `${day}${hours(end)}`);
+}
+
+function dateText(at: Date): string {
+  return at.toLocaleDateString(text.locale, { day: 'numeric', month: 'short', year: 'numeric' });
 }
