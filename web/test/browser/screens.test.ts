@@ -6,47 +6,23 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { test } from 'node:test';
 
-import { snapshot } from '../unit/kit.js';
 import { eventually, type Look, type Person } from './Person.js';
-import { differing } from './pictures.js';
-import { eightCards, now, twoBoards } from './scenes.js';
+import { differing, packed } from './pictures.js';
+import { now } from './scenes.js';
+import { type Shot, shots } from './shots.js';
 import { Stage } from './Stage.js';
-import type { Scene } from './StandIn.js';
 
 const kept = join(process.env['QELM_ROOT'] ?? '', 'docs/screens');
 const failed = process.env['QELM_SCREENS'] ?? join(tmpdir(), 'qelm-screens');
 const tolerance = 150; // dots: less than the edges of a button that has moved
 
-const desk = { width: 1440, height: 900 };
-const sizes = [{ width: 320, height: 640 }, { width: 768, height: 1024 }, desk];
-const wall = { width: 2560, height: 1440, scale: 0.5 };
-const eight = { snapshot: snapshot([...eightCards]) };
-const nobody = { who: { account: null, role: null } };
-
-interface Shot {
-  name: string;
-  shown: Partial<Scene>;
-  view: string;
-  shows: string | RegExp; // when it is ready
-  sizes: Look[];
-}
-
-const shots: Shot[] = [
-  { name: 'bench', shown: eight, view: 'bench', shows: 'Servos', sizes: [...sizes, wall] },
-  { name: 'full', shown: {}, view: 'bench', shows: 'Servos', sizes: [desk, wall] },
-  { name: 'first-run', shown: { snapshot: snapshot([]) }, view: 'bench', shows: /empty/, sizes },
-  { name: 'log-in', shown: nobody, view: 'bench', shows: 'Password', sizes },
-  { name: 'boards', shown: twoBoards, view: 'boards/shed', shows: 'Relays', sizes },
-  { name: 'plots', shown: eight, view: 'plots', shows: 'F.3', sizes },
-  { name: 'console', shown: eight, view: 'console', shows: /Nothing said/, sizes },
-  { name: 'journal', shown: eight, view: 'journal', shows: 'started', sizes },
-  { name: 'settings', shown: eight, view: 'settings', shows: 'Cards and channels', sizes },
-];
 const stage = new Stage();
 
 async function taken(shot: Shot, look: Look): Promise<Person> {
   const plots = shot.name === 'plots' ? ['F.3', '5.0'] : [];
+  stage.hub.isAway = false;
   const person = await stage.arrives(shot.shown, { ...look, now, plots }, shot.view);
+  await shot.does?.(person, stage.hub);
   await person.page.getByText(shot.shows).first().waitFor();
   const count = (path: string) => person.page.locator(path).count();
   await eventually('every plate is drawn', async () => {
@@ -57,7 +33,7 @@ async function taken(shot: Shot, look: Look): Promise<Person> {
 
 function compare(name: string, picture: Buffer): void {
   if (process.env['QELM_KEEP']) {
-    writeFileSync(join(kept, name), picture);
+    writeFileSync(join(kept, name), packed(picture));
     return;
   }
   const dots = differing(readFileSync(join(kept, name)), picture);
@@ -74,7 +50,7 @@ for (const shot of shots)
         const anna = await taken(shot, { ...size, theme });
         const width = await anna.page.evaluate(() => document.documentElement.scrollWidth);
         assert.equal(width, size.width);
-        const picture = await anna.page.screenshot({ fullPage: shot.name === 'bench' });
+        const picture = await anna.page.screenshot({ fullPage: shot.isWhole ?? false });
         compare(`${shot.name}-${String(size.width)}-${theme}.png`, picture);
         await anna.leaves();
       });

@@ -11,15 +11,16 @@ const card = /^([0-9A-F]): /;
 
 export function saidOf({ kind, text: line }: JournalEntry, cards: Cards): string {
   if (kind !== 'command') return line;
-  return line
-    .replace(channels, (_, before: string, id: string, name: string | undefined, value: string) => {
+  const there = cards[card.exec(line)?.[1] ?? ''];
+  if (there)
+    return line.replace(card, () => `${there.name ?? text.kinds[there.kind]} (${there.address}): `);
+  return line.replace(
+    channels,
+    (_, before: string, id: string, name: string | undefined, value: string) => {
       const called = name ?? channelName(cards, id);
-      return `${before}${called ? `${called} (${id})` : id} ${value}`;
-    })
-    .replace(card, (whole, address: string) => {
-      const there = cards[address];
-      return there ? `${there.name ?? text.kinds[there.kind]} (${address}): ` : whole;
-    });
+      return `${before}${called === null ? id : `${called} (${id})`} ${value}`;
+    },
+  );
 }
 
 function channelName(cards: Cards, id: string): string | null {
