@@ -55,20 +55,21 @@ export class ChannelMenu extends LitElement {
 
   @state() private channel: Channel | null = null;
   private at = { x: 0, y: 0 };
+  private scrolled = 0; // px, when it was opened
   private from: HTMLElement | null = null;
 
   override connectedCallback(): void {
     super.connectedCallback();
     document.addEventListener('contextmenu', this.onMenu);
     document.addEventListener('pointerdown', this.onElsewhere);
-    window.addEventListener('scroll', this.close, { passive: true });
+    window.addEventListener('scroll', this.onScroll, { passive: true });
   }
 
   override disconnectedCallback(): void {
     super.disconnectedCallback();
     document.removeEventListener('contextmenu', this.onMenu);
     document.removeEventListener('pointerdown', this.onElsewhere);
-    window.removeEventListener('scroll', this.close);
+    window.removeEventListener('scroll', this.onScroll);
   }
 
   override render() {
@@ -102,6 +103,7 @@ export class ChannelMenu extends LitElement {
     if (!channel || !canPlot(channel)) return;
     event.preventDefault();
     this.at = { x: event.clientX, y: event.clientY };
+    this.scrolled = window.scrollY;
     const focused = event.composedPath()[0];
     this.from = focused instanceof HTMLElement ? focused : null;
     this.channel = channel;
@@ -113,6 +115,11 @@ export class ChannelMenu extends LitElement {
 
   private readonly close = (): void => {
     this.channel = null;
+  };
+
+  // What was scrolled before it was opened may be told of later.
+  private readonly onScroll = (): void => {
+    if (Math.abs(window.scrollY - this.scrolled) > 1) this.close();
   };
 
   private onKey(event: KeyboardEvent): void {

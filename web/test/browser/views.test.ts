@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
-import { closeBrowser, Person } from './Person.js';
+import { closeBrowser, eventually, Person } from './Person.js';
 import { address, Site } from './Site.js';
 
 const markup = '<img src=x onerror=alert(1)>';
@@ -49,8 +49,9 @@ test('the console answers, completes and remembers; markup stays text', async ()
   await line.press('Enter');
   await anna.reads(markup);
   await line.press('ArrowUp');
+  await eventually('the last line', async () => (await line.inputValue()) === markup);
   await line.press('ArrowUp');
-  assert.equal(await line.inputValue(), 'DRVVER');
+  await eventually('the one before', async () => (await line.inputValue()) === 'DRVVER');
   await line.fill('pollo');
   await anna.page.getByRole('button', { name: /^POLLON:x/ }).waitFor();
   assert.equal(await anna.page.locator('img').count(), 0);
