@@ -99,11 +99,12 @@ TEST(LinkMemoryTest, ACardThatDidNotComeYetKeepsWhatItWas) {
     waiting.push_back(
         link.SendLater(WriteText{static_cast<uint8_t>(address), 0, 0, std::string(34, 'x')}));
   waiting.push_back(link.SendLater(WriteText{5, 0, 0, "xxxxxxx"}));
-  waiting.push_back(link.SendLater(WriteBlock{5, 0, 0xFC}));
+  auto lamps = link.SendLater(WriteBlock{5, 0, 0xFC});
   daemon.Say(Port::kCae, "DISCOVER LIST:\r\n\r>\r\n\r");
   ASSERT_TRUE(WaitUntil([&] { return link.Asked().size() == 1; }));
   daemon.CloseAll();
-  for (auto& each : waiting) EXPECT_EQ(each.get(), Outcome::kAbsent);
+  for (auto& each : waiting) EXPECT_EQ(each.get(), Outcome::kLost);
+  EXPECT_EQ(lamps.get(), Outcome::kAbsent);
   EXPECT_EQ(link.Asked(), (std::vector<WriteBlock>{{5, 0, 0xFC}, {5, 0, 0xFE}}));
 }
 
