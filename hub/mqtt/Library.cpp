@@ -228,16 +228,19 @@ void Library::End(Ended ended) {
   news.emplace_back(std::move(ended));
 }
 
-// The library calls a fault of TLS EPROTO. Where nothing was said at all, the other end may be one
-// that hangs up on version 5.
+// The library calls a fault of TLS EPROTO, where it has not read yet what the other end says of it.
+// Where nothing was said at all, that may be one that hangs up on version 5.
 Ended Library::EndFor(int result) const {
   const int system_error = errno;
+  const Ended without_certificate{.why = "it ends TLS; it may want a certificate",
+                                  .is_refusal = true};
   if (farewell_) return *farewell_;
+  if (last_error_.find("alert certificate required") != std::string::npos)
+    return without_certificate;
   if (!is_connected && !last_error_.empty()) return {.why = last_error_, .is_refusal = true};
   switch (result) {
     case MOSQ_ERR_ERRNO:
-      if (system_error == EPROTO)
-        return {.why = "it ends TLS; it may want a certificate", .is_refusal = true};
+      if (system_error == EPROTO) return without_certificate;
       return {.why = std::strerror(system_error)};
     case MOSQ_ERR_EAI:
       return {.why = "the name of the host is not known"};
