@@ -96,7 +96,7 @@ class Follower:
                 elif "id" in message:
                     if "error" in message:
                         raise Failure(f"the subscription is refused: {text}")
-                    self.take_state(message["result"])
+                    self.take_state(life, message["result"], heard)
                     after = self.seq if after is None else after
                 else:
                     self.take_changes(life, message["params"], heard)
@@ -104,7 +104,7 @@ class Follower:
             if after is not None:
                 self.events.heard.append((life, after, self.seq, heard))
 
-    def take_state(self, state):
+    def take_state(self, life, state, heard):
         self.seq = state["seq"]
         self.values = {
             channel["id"]: channel["value"]
@@ -112,18 +112,23 @@ class Follower:
             for channel in card["channels"]
         }
         self.is_current = True
+        self.take_events(life, state, heard)
 
     def take_changes(self, life, changes, heard):
         # What a subscriber asked for comes behind the state, whose number is higher.
         if changes["after"] != self.seq and changes["seq"] > self.seq:
             raise Failure(f"a gap: {self.seq}, then after {changes['after']}")
-        if changes["lost"]:
-            raise Failure(f"{changes['lost']} events are lost")
         self.seq = max(self.seq, changes["seq"])
         cards = changes["cards"] or []
         for channel in [*changes["channels"], *(c for card in cards for c in card["channels"])]:
             self.values[channel["id"]] = channel["value"]
-        for event in changes["events"]:
+        self.take_events(life, changes, heard)
+
+    def take_events(self, life, message, heard):
+        """Those of a change, or since the last visit."""
+        if message.get("lost"):
+            raise Failure(f"{message['lost']} events are lost")
+        for event in message.get("events") or []:
             if event["seq"] in heard:
                 raise Failure(f"event {event['seq']} comes twice")
             heard.add(event["seq"])
