@@ -1,0 +1,160 @@
+#!/usr/bin/python3 -B
+"""Lets the hub's allocations fail one by one: in its start, and in a request of each operation.
+
+    tools/starve [STEP]       every STEP-th of them, 7 where none is given; 1 takes an hour
+
+Each time the hub has to serve, to answer 503, or to end with a line that says why; and its store is
+whole then. A request that was answered is asked again at the next allocation, until none of its own
+is left to fail.
+"""
+import asyncio
+import json
+import mmap
+import os
+import pathlib
+import sqlite3
+import struct
+import sys
+import tempfile
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "house"))
+from board import Board, Failure, until  # noqa: E402
+
+BEFORE_MAIN = 13  # allocations of the libraries' own start, which nobody can catch
+
+
+class Hunger:
+    """What starve.so shares with the hub: how many allocations there were, and which one fails."""
+
+    def __init__(self, file):
+        file.write_bytes(bytes(16))
+        self.memory = mmap.mmap(os.open(file, os.O_RDWR), 16)
+
+    @property
+    def count(self):
+        return struct.unpack_from("q", self.memory, 0)[0]
+
+    def fail_at(self, number):
+        """Counts from now on; 0 for never."""
+        struct.pack_into("qq", self.memory, 0, 0, number)
+
+
+class Starved:
+    def __init__(self, board, hunger, library, step):
+        self.board = board
+        self.hunger = hunger
+        self.library = library
+        self.step = step
+        self.ends = self.refusals = self.tries = 0
+
+    def start(self):
+        self.board.start_hub(LD_PRELOAD=self.library, STARVE=self.board.folder / "hunger")
+
+    @property
+    def hub(self):
+        return self.board.programs["hub"]
+
+    async def answers(self):
+        if self.hub.poll() is not None:
+            return True
+        # Where it could not read them, it serves its socket only.
+        if "the accounts are lost" in (self.board.folder / "hub.log").read_text():
+            return True
+        return (await self.board.ask("GET", "/api/bus"))[0] == 200
+
+    async def serves(self):
+        """It knows the cards, which takes as long as the daemon's greetings."""
+        if self.hub.poll() is not None:
+            return True
+        status, text = await self.board.ask("GET", "/api/cards/F")
+        return status == 200 and '"known":true' in text
+
+    def check_end(self, what):
+        """It has ended: by itself, with a word, and its store is whole."""
+        self.ends += 1
+        said = (self.board.folder / "hub.log").read_text()
+        if self.hub.returncode != 1 or not said:
+            raise Failure(f"{what}: it ended with {self.hub.returncode}: {said[-500:]}")
+        with sqlite3.connect(self.board.folder / "store/hub.db") as store:
+            if store.execute("PRAGMA integrity_check").fetchone()[0] != "ok":
+                raise Failure(f"{what}: the store is not whole")
+
+    async def starts(self):
+        """Its start, up to its first answer."""
+        number = BEFORE_MAIN + 1
+        while True:
+            (self.board.folder / "hub.log").write_text("")
+            self.hunger.fail_at(number)
+            self.start()
+            await until(f"start, allocation {number}", self.answers, pause=0.01)
+            self.tries += 1
+            if self.hub.poll() is not None:
+                self.check_end(f"start, allocation {number}")
+            count = self.hunger.count
+            self.hunger.fail_at(0)
+            self.board.kill_hub()
+            if count < number:
+                return number
+            number += self.step
+
+    async def request(self, verb, path, body):
+        """One operation, until it has all that it wants."""
+        number = 1
+        while True:
+            if self.hub.poll() is not None:
+                (self.board.folder / "hub.log").write_text("")
+                self.start()
+                await until("the hub is there again", self.serves)
+            self.hunger.fail_at(number)
+            status, _ = await self.board.ask(verb, path, body)
+            count = self.hunger.count
+            self.hunger.fail_at(0)
+            self.tries += 1
+            self.refusals += status == 503
+            what = f"{verb} {path}, allocation {number}: {status}"
+            if status == 500:
+                raise Failure(what)
+            if status == 0 and self.hub.poll() is None:
+                await asyncio.sleep(0.2)
+            if self.hub.poll() is not None:
+                self.check_end(what)
+            if count < number:
+                return number
+            number += self.step
+
+
+def operations(document):
+    """Each operation's verb, path and the body of its example."""
+    for path, verbs in document["paths"].items():
+        for verb, operation in verbs.items():
+            if path == "/api/live":
+                continue
+            example = None
+            if "requestBody" in operation:
+                example = operation["requestBody"]["content"]["application/json"].get("example")
+            values = {each["name"]: each.get("example") for each in operation.get("parameters", [])}
+            for name, value in values.items():
+                path = path.replace("{" + name + "}", str(value))
+            yield verb.upper(), path, example
+
+
+async def run(build, library, step):
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="starved-"))
+    board = Board("board1", 5, folder, build, 1, False)
+    starved = Starved(board, Hunger(board.folder / "hunger"), library, step)
+    try:
+        await board.start()
+        await until("the hub serves", starved.serves)
+        _, text = await board.ask("GET", "/api/openapi.json")
+        board.kill_hub()
+        print(f"start: {await starved.starts()} allocations", flush=True)
+        starved.start()
+        for verb, path, body in operations(json.loads(text)):
+            print(f"{verb} {path}: {await starved.request(verb, path, body)}", flush=True)
+    finally:
+        board.stop()
+    print(f"{starved.tries} tries: {starved.refusals} answers 503, {starved.ends} ends of the hub")
+
+
+if __name__ == "__main__":
+    asyncio.run(run(sys.argv[1], sys.argv[2], int(sys.argv[3])))
