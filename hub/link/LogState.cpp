@@ -27,6 +27,14 @@ double SecondsBetween(const std::string& early, const std::string& late) {
   return std::difftime(read(late), read(early));
 }
 
+// A daemon that got no turn of the processor in time takes the answer to something else for the
+// version, whatever its bytes are.
+std::optional<std::string> VersionIn(const std::string& text) {
+  const auto is_printable = [](char letter) { return letter >= ' ' && letter <= '~'; };
+  if (text.empty() || !std::ranges::all_of(text, is_printable)) return std::nullopt;
+  return text;
+}
+
 }  // namespace
 
 void LogState::TakeOld(const protocol::LogLine& line) {
@@ -47,7 +55,7 @@ void LogState::Take(const protocol::LogLine& line) {
       adapter_ = {};
       break;
     case LogEvent::kAdapterFound:
-      adapter_ = {AdapterState::kUp, line.device, line.version};
+      adapter_ = {AdapterState::kUp, line.device, VersionIn(line.version)};
       break;
     case LogEvent::kAdapterLost:
     case LogEvent::kAdapterMissing:

@@ -16,6 +16,12 @@ class LogStateTest : public testing::Test {
   LogState log;
 };
 
+TEST_F(LogStateTest, BytesThatAreNoTextAreNoVersion) {
+  New("12:00:01 [INF] hardware found on /dev/ttyUSB0 version: \x03");
+  EXPECT_EQ(log.AdapterNow().state, AdapterState::kUp);
+  EXPECT_EQ(log.AdapterNow().version, std::nullopt);
+}
+
 TEST_F(LogStateTest, TellsWhereTheAdapterIs) {
   EXPECT_EQ(log.AdapterNow().state, AdapterState::kUnknown);
   New("12:00:00 [INF] qelm is started");
