@@ -26,21 +26,28 @@ pattern_of() {
 # Leaves the socket of the bus here, as "bus", and what happens on it, as "events".
 start_site() {
   sed "s/Port=\"5/Port=\"$first/" "$source/docs/reference/qelmconf.xml" >/etc/qelm/qelmconf.xml
-  (cd / && PATH=$quick:$PATH "$build/qelm")
+  (cd / && PATH=$quick:$PATH LD_PRELOAD=$quick/libpatience.so \
+    ASAN_OPTIONS=verify_asan_link_order=0 "$build/qelm")
   "$build/qelm-bus" --plain --link /dev/ttyUSB0 --control bus >events &
   bus=$!
   hub=
   broker=
   trap end_site EXIT
   until [[ -S bus ]]; do sleep 0.05; done
-  # The daemon polls as soon as it knows its cards.
-  order_bus 'wait frame 20'
-  # One that got no turn of the processor in time has taken another answer for the adapter's.
+  await_polls
+  find_adapter
+}
+
+# The daemon polls as soon as it knows its cards.
+await_polls() { order_bus 'wait frame 20 within 60s'; }
+
+# One that got no turn of the processor in time has taken another answer for the adapter's.
+find_adapter() {
   until [[ $(grep 'hardware found' "$log" | tail -1) == *' version: v1.2' ]]; do
     order_bus 'cable pull'
     until tail -1 "$log" | grep -q "couldn't be found"; do sleep 0.05; done
     order_bus 'cable plug'
-    order_bus 'wait frame 20'
+    await_polls
   done
 }
 
@@ -98,5 +105,5 @@ end_site() {
 }
 
 order_bus() {
-  [[ $(echo "$1" | socat -t11 - UNIX:bus | tail -1) == ok ]] || fail "the bus refused \"$1\""
+  [[ $(echo "$1" | socat -t61 - UNIX:bus | tail -1) == ok ]] || fail "the bus refused \"$1\""
 }

@@ -18,6 +18,11 @@ constexpr const char* kGateVariable = "QELM_TEST_SLEEP_GATE";
 
 std::string WithShortSleep(const std::string& path) { return SHORT_SLEEP_FOLDER ":" + path; }
 
+std::map<std::string, std::string> WithPatience() {
+  return {{"LD_PRELOAD", SHORT_SLEEP_FOLDER "/libpatience.so"},
+          {"ASAN_OPTIONS", "verify_asan_link_order=0"}};
+}
+
 SleepRecord::SleepRecord() { setenv(kRecordVariable, dir_.Path("record").c_str(), 1); }
 
 SleepRecord::~SleepRecord() { unsetenv(kRecordVariable); }

@@ -1,7 +1,9 @@
 // What becomes of the `sleep` that the code under test runs from PATH: the tests' own
-// program (sleep.cpp) stands ahead of the system's and shortens every pause.
+// program (sleep.cpp) stands ahead of the system's and shortens every pause. And how long the
+// daemon waits for a virtual bus on a busy machine.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -9,6 +11,9 @@
 
 // The PATH with that program ahead.
 std::string WithShortSleep(const std::string& path);
+
+// The environment of a daemon that waits for replies longer than its reads last (patience.cpp).
+std::map<std::string, std::string> WithPatience();
 
 // Writes down the argument of every sleep while it lives.
 class SleepRecord {

@@ -23,7 +23,7 @@ constexpr Fault kFaults[] = {
     {"Mute", "mute 500ms"},
     {"DropNext", "drop next 3"},
     {"Late", "late 5ms", "late 0ms", false},
-    {"TooLate", "late 400ms", "late 0ms"},
+    {"TooLate", "late 2s", "late 0ms"},
     {"Garbage", "garbage 20", "", false},
     {"Split", "split 3", "split 1", false},
     {"WrongLength", "wrong-length"},

@@ -14,6 +14,7 @@ inline constexpr char kControlPath[] = "/run/test/bus";
 
 class SiteTest : public DaemonTest {
  protected:
+  SiteTest() { daemon.BePatient(); }
   void TearDown() override;
 
   // One card of each kind, unless the options name others.

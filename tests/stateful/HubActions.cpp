@@ -49,7 +49,7 @@ std::string Milliseconds(Random& random) { return std::to_string(Below(random, 4
 const std::vector<HubStateful::Action>& HubStateful::Actions() {
   static const std::vector<Action> actions{
       // clang-format off
-      {"set",          200, OneOutput,    &HubStateful::SetOne},
+      {"set",          200, OneOutput,    &HubStateful::Set},
       {"lamps",         60, TwoLines,     &HubStateful::SetLamps},
       {"pulse",         30, LineAndTime,  &HubStateful::Pulse},
       {"text",          60, Commands,     &HubStateful::WriteText},

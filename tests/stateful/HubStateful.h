@@ -24,10 +24,11 @@ class HubStateful : public Scripted<HubStateful, HubSite> {
   void Begin();
   void ExpectWell();
   void NoteCounts();
+  std::string Told();
   void End();
 
   // What the actions do.
-  void SetOne(const std::string& channel_and_value);
+  void Set(const std::string& channel_and_value) { SetOne(channel_and_value); }
   void SetLamps(const std::string& lines);
   void Pulse(const std::string& line_and_time);
   void WriteText(const std::string& commands);
@@ -42,6 +43,7 @@ class HubStateful : public Scripted<HubStateful, HubSite> {
   void CheckAll(const std::string&);
 
   // Their common parts.
+  int SetOne(const std::string& channel_and_value);  // the status of the answer
   void Count(const std::string& answer);
   void Take(Output output, int value, bool is_sure);
   bool IsReady();

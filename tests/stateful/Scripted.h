@@ -47,6 +47,7 @@ inline std::string Nothing(Random&) { return ""; }
 //   void CheckAll(const std::string&);
 //   void End();        of the site; says what is wrong then
 //   void NoteCounts(); of the run, before its end
+//   std::string Told(); of what happened, where something is wrong
 template <class Self, class Site>
 class Scripted : public Site {
  protected:
@@ -73,6 +74,13 @@ class Scripted : public Site {
     std::ostringstream lines;
     for (const std::string& line : script) lines << line << "\n";
     ADD_FAILURE() << failure->text << "--- script\n" << lines.str();
+  }
+
+  // Stands in the report of a run that fails.
+  void Note(const std::string& what) {
+    const auto now =
+        std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
+    done_ << now.time_since_epoch().count() << " " << what << "\n";
   }
 
   bool HasFailed() const { return problems_->size() > 0; }
@@ -108,6 +116,7 @@ class Scripted : public Site {
       const std::string words = action.words;
       if (line != words && !line.starts_with(words + " ")) continue;
       ++counts_[words];
+      Note(line);
       (self().*action.run)(line.substr(std::min(line.size(), words.size() + 1)));
       self().ExpectWell();
       return;
@@ -121,6 +130,7 @@ class Scripted : public Site {
     const testing::ScopedFakeTestPartResultReporter intercept(
         testing::ScopedFakeTestPartResultReporter::INTERCEPT_ALL_THREADS, problems_.get());
     std::size_t done = 0;
+    done_.str("");
     try {
       self().Begin();
       while (done < script.size() && !HasFailed()) Do(script[done++]);
@@ -157,13 +167,15 @@ class Scripted : public Site {
     return script;
   }
 
-  std::string FirstProblem() const {
+  std::string FirstProblem() {
     std::ostringstream text;
     text << problems_->GetTestPartResult(0);
     text << "--- log\n" << LastLines(ReadFile(kLogFile), 30);
-    if (this->bus) text << "--- bus\n" << LastLines(this->bus->Output(), 40);
+    if (this->bus) text << "--- bus\n" << LastLines(this->bus->Output(), 200);
+    text << "--- done\n" << LastLines(done_.str(), 200) << self().Told();
     return text.str();
   }
 
   std::unique_ptr<testing::TestPartResultArray> problems_;
+  std::ostringstream done_;
 };

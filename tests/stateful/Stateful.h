@@ -29,6 +29,7 @@ class Stateful : public Scripted<Stateful, SiteTest> {
   void Begin();
   void ExpectWell() { ExpectAlive(); }
   void NoteCounts();
+  static std::string Told() { return ""; }
   void End();
 
   // What the actions do.

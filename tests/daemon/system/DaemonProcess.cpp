@@ -18,9 +18,10 @@
 namespace {
 
 // The daemon built beside these tests, or one for another machine, which an emulator runs.
+const char* BinaryOfAnotherMachine() { return std::getenv("QELM_UNDER_TEST"); }
+
 std::string Binary() {
-  const char* other = std::getenv("QELM_UNDER_TEST");
-  return other != nullptr ? other : QELM_BINARY;
+  return BinaryOfAnotherMachine() != nullptr ? BinaryOfAnotherMachine() : QELM_BINARY;
 }
 
 void SendTo(const char* path, int target) {
@@ -72,7 +73,9 @@ void SetDescriptors(int extra) {
 
 }  // namespace
 
-int DaemonProcess::Launch(const LaunchOptions& options) {
+int DaemonProcess::Launch(LaunchOptions options) {
+  if (options.quick && is_patient_ && BinaryOfAnotherMachine() == nullptr)
+    options.environment.merge(WithPatience());
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   const pid_t launcher = fork();
   if (launcher == 0) Become(options);

@@ -22,8 +22,10 @@ struct LaunchOptions {
 
 class DaemonProcess {
  public:
+  // Where a process of its own answers on the line. Quick launches only.
+  void BePatient() { is_patient_ = true; }
   // Starts the program and returns the exit status of the process that detaches from it.
-  int Launch(const LaunchOptions& options);
+  int Launch(LaunchOptions options);
   // Waits for the pid file, and for the process it names to be our child.
   bool WaitForPid();
   // Waits for the end; the wait status as waitpid gives it.
@@ -46,6 +48,7 @@ class DaemonProcess {
 
  private:
   pid_t pid_ = -1;
+  bool is_patient_ = false;
 };
 
 inline constexpr char kPidFile[] = "/run/qelm/qelm.pid";
