@@ -200,14 +200,18 @@ class Board:
             raise Failure(f"{self.name}: the bus says to {line}: {answer}")
         return answer[:-3]
 
-    async def ask(self, verb, path, body=None):
-        """A request to the hub: status and text of the answer; 0 where nobody answers."""
+    async def ask(self, verb, path, body=None, locally=False):
+        """A request to the hub, over its socket where that is said: status and text of the answer; 0
+        where nobody answers."""
         text = "" if body is None else json.dumps(body)
         head = f"{verb} {path} HTTP/1.1\r\nHost: {self.url}\r\nConnection: close\r\n"
         if body is not None:
             head += f"Content-Type: application/json\r\nContent-Length: {len(text)}\r\n"
         try:
-            reader, writer = await asyncio.open_connection(*self.url.split(":"))
+            if locally:
+                reader, writer = await asyncio.open_unix_connection(self.folder / "hub.sock")
+            else:
+                reader, writer = await asyncio.open_connection(*self.url.split(":"))
             writer.write(f"{head}\r\n{text}".encode())
             answer = (await reader.read()).decode()
             writer.close()

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Lets the hub's allocations fail one by one: in its start, and in a request of each operation.
+"""Lets the hub's allocations fail one by one: in each request of the page, and in its start.
 
     tools/starve [STEP]       every STEP-th of them, 7 where none is given; 1 takes an hour
 
@@ -12,6 +12,8 @@ import json
 import mmap
 import os
 import pathlib
+import re
+import shlex
 import sqlite3
 import struct
 import sys
@@ -60,13 +62,13 @@ class Starved:
         # Where it could not read them, it serves its socket only.
         if "the accounts are lost" in (self.board.folder / "hub.log").read_text():
             return True
-        return (await self.board.ask("GET", "/api/bus"))[0] == 200
+        return (await self.board.ask("GET", "/api/bus", locally=True))[0] == 200
 
     async def serves(self):
         """It knows the cards, which takes as long as the daemon's greetings."""
         if self.hub.poll() is not None:
             return True
-        status, text = await self.board.ask("GET", "/api/cards/F")
+        status, text = await self.board.ask("GET", "/api/cards/F", locally=True)
         return status == 200 and '"known":true' in text
 
     def check_end(self, what):
@@ -106,7 +108,7 @@ class Starved:
                 self.start()
                 await until("the hub is there again", self.serves)
             self.hunger.fail_at(number)
-            status, _ = await self.board.ask(verb, path, body)
+            status, _ = await self.board.ask(verb, path, body, locally=True)
             count = self.hunger.count
             self.hunger.fail_at(0)
             self.tries += 1
@@ -123,19 +125,21 @@ class Starved:
             number += self.step
 
 
-def operations(document):
-    """Each operation's verb, path and the body of its example."""
-    for path, verbs in document["paths"].items():
-        for verb, operation in verbs.items():
-            if path == "/api/live":
-                continue
-            example = None
-            if "requestBody" in operation:
-                example = operation["requestBody"]["content"]["application/json"].get("example")
-            values = {each["name"]: each.get("example") for each in operation.get("parameters", [])}
-            for name, value in values.items():
-                path = path.replace("{" + name + "}", str(value))
-            yield verb.upper(), path, example
+def requests_of(page):
+    """Verb, path and body of each request that the page about the API prints."""
+    text = page.read_text().replace("\\\n", " ")
+    for command in re.findall(r"^\$ (curl .*?localhost.*)$", text, re.M):
+        # What a file or a program would give is no matter here.
+        words = shlex.split(re.sub(r"\$\(.*?\)", "none", command))
+        body = verb = None
+        for option, value in zip(words, words[1:]):
+            if option == "--json":
+                body, verb = {} if value.startswith("@") else json.loads(value), verb or "POST"
+            if option == "-X":
+                verb = value
+        path = next(word for word in words if word.startswith("localhost")).partition("/")[2]
+        if path != "api/live":
+            yield verb or "GET", "/" + path, body
 
 
 async def run(build, library, step):
@@ -145,12 +149,14 @@ async def run(build, library, step):
     try:
         await board.start()
         await until("the hub serves", starved.serves)
-        _, text = await board.ask("GET", "/api/openapi.json")
+        board.kill_hub()
+        starved.start()
+        await until("the hub is there again", starved.serves)
+        page = pathlib.Path(__file__).resolve().parents[3] / "docs/reference/qelm-hub-api.7.md"
+        for verb, path, body in requests_of(page):
+            print(f"{verb} {path}: {await starved.request(verb, path, body)}", flush=True)
         board.kill_hub()
         print(f"start: {await starved.starts()} allocations", flush=True)
-        starved.start()
-        for verb, path, body in operations(json.loads(text)):
-            print(f"{verb} {path}: {await starved.request(verb, path, body)}", flush=True)
     finally:
         board.stop()
     print(f"{starved.tries} tries: {starved.refusals} answers 503, {starved.ends} ends of the hub")
