@@ -32,6 +32,15 @@ constexpr std::chrono::milliseconds kFirstPolls{300};
 
 }  // namespace
 
+SteadyTime::duration UntilNextTable(const protocol::CardNames& names,
+                                    SteadyTime::duration since_found,
+                                    std::chrono::milliseconds cards_every) {
+  const bool has_none =
+      std::ranges::all_of(names, [](const auto& name) { return name == model::kNoCard; });
+  if (has_none && since_found < kLatestDiscovery) return kDiscovery;
+  return cards_every;
+}
+
 Survey::Survey(asio::any_io_executor executor, std::chrono::milliseconds cards_every,
                model::Bus& bus, ConsoleQueue& console, Sender& sender, Outputs& outputs,
                LogState& log, Tell tell)
@@ -160,7 +169,11 @@ asio::awaitable<bool> Survey::AskTable() {
   const auto answer = co_await console_.Ask("DISCOVER");
   if (!answer) co_return false;
   const auto names = protocol::ParseCardTable(answer->lines);
-  if (names) TakeTable(*names);
+  if (names) {
+    TakeTable(*names);
+    const SteadyTime now = Clock::now();
+    Schedule(kTable, now + UntilNextTable(*names, now - found_at_, cards_every_));
+  }
   co_return true;
 }
 

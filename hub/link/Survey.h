@@ -21,6 +21,12 @@
 
 namespace hub::link {
 
+// When the daemon is asked for its cards again, after it has named these. It may have asked its
+// adapter for none yet, and then it is asked soon.
+SteadyTime::duration UntilNextTable(const protocol::CardNames& names,
+                                    SteadyTime::duration since_found,
+                                    std::chrono::milliseconds cards_every);
+
 class Survey {
  public:
   using Tell = std::function<void(std::string kind, std::string text)>;  // to the journal
