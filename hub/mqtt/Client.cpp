@@ -77,14 +77,14 @@ void Client::Session::Connect(const Server& server) {
   const auto work = [library = library_, look_up = look_up_, self = weak_from_this(), server] {
     try {
       library->Connect(server);
+      const std::scoped_lock lock(look_up->mutex);
+      if (look_up->waiting == nullptr) return;
+      asio::post(*look_up->waiting, [self] {
+        if (const auto session = self.lock()) session->Begin();
+      });
     } catch (const std::exception& fault) {
       model::EndAtOnce(fault);
     }
-    const std::scoped_lock lock(look_up->mutex);
-    if (look_up->waiting == nullptr) return;
-    asio::post(*look_up->waiting, [self] {
-      if (const auto session = self.lock()) session->Begin();
-    });
   };
   std::thread(work).detach();
 }

@@ -8,6 +8,7 @@ whole then. A request that was answered is asked again at the next allocation, u
 is left to fail.
 """
 import asyncio
+import contextlib
 import json
 import mmap
 import os
@@ -77,7 +78,7 @@ class Starved:
         said = (self.board.folder / "hub.log").read_text()
         if self.hub.returncode != 1 or not said:
             raise Failure(f"{what}: it ended with {self.hub.returncode}: {said[-500:]}")
-        with sqlite3.connect(self.board.folder / "store/hub.db") as store:
+        with contextlib.closing(sqlite3.connect(self.board.folder / "store/hub.db")) as store:
             if store.execute("PRAGMA integrity_check").fetchone()[0] != "ok":
                 raise Failure(f"{what}: the store is not whole")
 
