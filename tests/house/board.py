@@ -19,6 +19,7 @@ CARDS = """
   <Card Address="1" Kind="digital-input"/>
   <Card Address="2" Kind="digital-input"/>
   <Card Address="3" Kind="digital-input"/>
+  <Card Address="4" Kind="motor"/>
   <Card Address="5" Kind="digital-output"/>
   <Card Address="6" Kind="digital-input"/>
   <Card Address="7" Kind="analogue-input"/>
@@ -27,6 +28,7 @@ CARDS = """
   <Card Address="A" Kind="analogue-input"/>
   <Card Address="B" Kind="analogue-input"/>
   <Card Address="C" Kind="digital-input"/>
+  <Card Address="D" Kind="digital-output"/>
   <Card Address="E" Kind="lcd"/>
   <Card Address="F" Kind="analogue-input"/>
 </QELMBus>
