@@ -165,7 +165,8 @@ TEST_F(SlowReadersTest, WhoAnswersPingsAndNeverReadsIsDroppedToo) {
   ASSERT_TRUE(is_there());
   EXPECT_TRUE(WaitUntil([&] {
     client.TrySend(FrameText(10, ""));
-    WaitUntil([&] { return AllIsRead(stand.port); }, std::chrono::seconds(2));
+    // Not where the hub has no room for the answer.
+    WaitUntil([&] { return AllIsRead(stand.port); }, std::chrono::milliseconds(200));
     stand.clock.Pass(std::chrono::seconds(1));
     return !is_there();
   }));
