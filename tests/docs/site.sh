@@ -42,8 +42,10 @@ start_site() {
 await_polls() { order_bus 'wait frame 20 within 60s'; }
 
 # One that got no turn of the processor in time has taken another answer for the adapter's.
+is_adapter_known() { [[ $(grep 'hardware found' "$log" | tail -1) == *' version: v1.2' ]]; }
+
 find_adapter() {
-  until [[ $(grep 'hardware found' "$log" | tail -1) == *' version: v1.2' ]]; do
+  until is_adapter_known; do
     order_bus 'cable pull'
     until tail -1 "$log" | grep -q "couldn't be found"; do sleep 0.05; done
     order_bus 'cable plug'
