@@ -15,6 +15,7 @@ const rate = 1000; // changes a second
 const beat = 20; // ms between two messages
 const rateTime = 10_000; // ms
 const million = 1_000_000;
+const settled = 1000; // ms after the first switch, when the rest is drawn too
 const weekSteps = 7 * 48; // of half an hour
 const half = 30 * 60_000; // ms
 
@@ -31,6 +32,7 @@ const load = loadavg()[0] ?? 0;
 async function firstLook(slowdown: number): Promise<{ usable: number; longest: number }> {
   const look = await Look.at(browser, hub.address, slowdown);
   const usable = await look.usableAfter();
+  await pause(settled);
   const longest = await look.longestTask();
   await look.close();
   return { usable, longest };

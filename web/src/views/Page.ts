@@ -6,6 +6,7 @@ import { may } from '../state/select.js';
 import { Reads, store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
+import { turn } from './turn.js';
 import { offeredTo, restOf, viewAt } from './Views.js';
 
 @customElement('qelm-page')
@@ -132,6 +133,11 @@ export class Page extends LitElement {
   override disconnectedCallback(): void {
     super.disconnectedCallback();
     window.removeEventListener('hashchange', this.onHash);
+  }
+
+  protected override async scheduleUpdate(): Promise<void> {
+    if (!this.hasUpdated) await turn();
+    await super.scheduleUpdate();
   }
 
   override render() {
