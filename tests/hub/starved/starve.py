@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Lets the hub's allocations fail one by one: in each request of the page, and in its start.
+"""Lets the hub's allocations fail one by one: in its start, its end, and each request of the page.
 
     tools/starve [STEP]       every STEP-th of them, 7 where none is given; 1 takes an hour
 
@@ -72,6 +72,9 @@ class Starved:
         status, text = await self.board.ask("GET", "/api/cards/F", locally=True)
         return status == 200 and '"known":true' in text
 
+    async def has_ended(self):
+        return self.hub.poll() is not None
+
     def check_end(self, what):
         """It has ended: by itself, with a word, and its store is whole."""
         self.ends += 1
@@ -100,6 +103,25 @@ class Starved:
                 return number
             number += self.step
 
+    async def stops(self):
+        """Its end when it is told to."""
+        number = 1
+        while True:
+            (self.board.folder / "hub.log").write_text("")
+            self.start()
+            await until("the hub is there again", self.answers, pause=0.01)
+            self.hunger.fail_at(number)
+            self.hub.terminate()
+            await until(f"stop, allocation {number}", self.has_ended, pause=0.01)
+            self.tries += 1
+            if self.hub.returncode != 0:
+                self.check_end(f"stop, allocation {number}")
+            count = self.hunger.count
+            self.hunger.fail_at(0)
+            if count < number:
+                return number
+            number += self.step
+
     async def request(self, verb, path, body):
         """One operation, until it has all that it wants."""
         number = 1
@@ -117,8 +139,8 @@ class Starved:
             what = f"{verb} {path}, allocation {number}: {status}"
             if status == 500:
                 raise Failure(what)
-            if status == 0 and self.hub.poll() is None:
-                await asyncio.sleep(0.2)
+            if status == 0:
+                await until(f"{what}, the hub has ended or answers again", self.answers)
             if self.hub.poll() is not None:
                 self.check_end(what)
             if count < number:
@@ -151,13 +173,13 @@ async def run(build, library, step):
         await board.start()
         await until("the hub serves", starved.serves)
         board.kill_hub()
+        print(f"start: {await starved.starts()} allocations", flush=True)
+        print(f"stop: {await starved.stops()} allocations", flush=True)
         starved.start()
         await until("the hub is there again", starved.serves)
         page = pathlib.Path(__file__).resolve().parents[3] / "docs/reference/qelm-hub-api.7.md"
         for verb, path, body in requests_of(page):
             print(f"{verb} {path}: {await starved.request(verb, path, body)}", flush=True)
-        board.kill_hub()
-        print(f"start: {await starved.starts()} allocations", flush=True)
     finally:
         board.stop()
     print(f"{starved.tries} tries: {starved.refusals} answers 503, {starved.ends} ends of the hub")
