@@ -7,6 +7,7 @@
 #include <boost/asio/use_awaitable.hpp>
 #include <cmath>
 
+#include "model/Fault.h"
 #include "store/Disk.h"
 #include "store/Milliseconds.h"
 #include "store/Worker.h"
@@ -111,12 +112,15 @@ Store::Parts::Parts(asio::io_context& io_context, const StoreOptions& options,
 
 Store::Parts::~Parts() {
   self.reset();
-  const auto rest = HandOver();
   const int64_t now = ToDiskTime(clock.Now());
-  worker.Post([this, rest, now] {
-    disk.Take(std::move(*rest));
-    disk.Write(Disk::Scope::kAll, now);
-  });
+  try {
+    worker.Post([this, rest = HandOver(), now] {
+      disk.Take(std::move(*rest));
+      disk.Write(Disk::Scope::kAll, now);
+    });
+  } catch (const std::exception& fault) {
+    model::EndAtOnce(fault);  // no memory even for this
+  }
 }
 
 void Store::Parts::AddEntry(model::JournalEntry entry) {
