@@ -89,6 +89,21 @@ test('the wheel zooms about the pointer', async () => {
   await anna.presses('Live');
 });
 
+test('turns of the wheel between two pictures add up', async () => {
+  const turns = 3;
+  await strip().evaluate((element, count) => {
+    const { left, width } = element.getBoundingClientRect();
+    for (let turn = 0; turn < count; ++turn)
+      element.dispatchEvent(
+        new WheelEvent('wheel', { deltaY: -100, clientX: left + width, cancelable: true }),
+      );
+  }, turns);
+  const span = 10 * minutes * 0.8 ** turns;
+  await sees('the last five minutes', end - span, end);
+  await anna.presses('10 min');
+  await anna.presses('Live');
+});
+
 test('keys move, zoom and read', async () => {
   await strip().press('PageUp');
   await sees('eight minutes earlier', end - 18 * minutes, end - 8 * minutes);

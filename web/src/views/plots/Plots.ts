@@ -89,8 +89,9 @@ export class PlotsView extends LitElement {
     hair.classList.toggle('far', x > area.left + area.width / 2);
   }
 
+  // As it is by now: what is done between two pictures adds up.
   private get window(): Span {
-    return windowOf(this.plots.value, this.now);
+    return windowOf(store.state.plots, this.now);
   }
 
   private renderTools() {
@@ -217,7 +218,7 @@ export class PlotsView extends LitElement {
   }
 
   private look(to: Partial<Plots>): void {
-    const { span, end } = { ...this.plots.value, ...to };
+    const { span, end } = { ...store.state.plots, ...to };
     want(this, { do: 'plot-look', span, end });
   }
 
