@@ -114,8 +114,10 @@ export class Person {
   }
 
   async says(name: string): Promise<string> {
-    const part = this.part(name);
-    if ((await part.count()) !== 1) return `${await part.count()} of them`;
+    const found = this.part(name);
+    const count = await found.count();
+    if (count !== 1) return `${count} of them`;
+    const part = found.first(); // others may come meanwhile
     const checked = await part.getAttribute('aria-checked');
     if (checked !== null) return checked === 'true' ? 'on' : 'off';
     const value = await part.getAttribute('aria-valuetext');

@@ -140,7 +140,8 @@ export class StandIn {
     this.asked.push(`${method} ${JSON.stringify(params)}`);
     const { snapshot, who, answers } = this.scene;
     const known: Record<string, unknown> = {
-      'live.subscribe': { ...snapshot, seq: this.seq },
+      // Who has not logged in is told nothing, and keeps no name for later.
+      ...(who.role !== null && { 'live.subscribe': { ...snapshot, seq: this.seq } }),
       'session.who': who,
       ...answers,
     };
@@ -151,7 +152,7 @@ export class StandIn {
     };
     const outcome = method in known ? { result: known[method] } : { error };
     socket.write(frame(JSON.stringify({ jsonrpc: '2.0', id, ...outcome })));
-    if (method === 'live.subscribe') this.sockets.add(socket);
+    if (method === 'live.subscribe' && who.role !== null) this.sockets.add(socket);
   }
 
   private send(message: object): void {
