@@ -107,5 +107,5 @@ end_site() {
 }
 
 order_bus() {
-  [[ $(echo "$1" | socat -t61 - UNIX:bus | tail -1) == ok ]] || fail "the bus refused \"$1\""
+  [[ $(echo "$1" | socat -t61 - UNIX:bus,retry=50,interval=0.1 | tail -1) == ok ]] || fail "the bus refused \"$1\""
 }

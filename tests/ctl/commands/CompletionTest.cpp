@@ -86,6 +86,7 @@ TEST_F(Completion, BashQuotesWhatNeedsIt) {
 
 // Both shells with a person at the keyboard: what stands behind Tab is on the line then.
 TEST_F(Completion, ZshCompletesAtTheKeyboard) {
+  if (std::system("command -v zsh >/dev/null") != 0) GTEST_SKIP() << "zsh is not installed";
   const TempDir folder;
   const std::string script = folder.Write(
       "keyboard.zsh",

@@ -47,18 +47,17 @@ TEST_F(PasswordsTest, WhoeverWaitsMayGo) {
   bool has_failed = false;
   bool is_done = false;
   asio::co_spawn(
+      context, passwords.Hash("correct horse", ""),
+      [&is_done](std::exception_ptr failure, const std::string&) { is_done = !failure; });
+  asio::co_spawn(
       context, passwords.Check("", "correct horse", ""),
       asio::bind_cancellation_slot(gone.slot(), [&has_failed](std::exception_ptr failure, bool) {
         has_failed = failure != nullptr;
       }));
-  asio::co_spawn(
-      context, passwords.Hash("correct horse", ""),
-      [&is_done](std::exception_ptr failure, const std::string&) { is_done = !failure; });
   asio::post(context, [&gone] { gone.emit(asio::cancellation_type::terminal); });
   context.run();
   EXPECT_TRUE(has_failed);
   EXPECT_TRUE(is_done);
-  EXPECT_EQ(passwords.Computed(), 2U);
 }
 
 TEST_F(PasswordsTest, AFailureIsTheCallers) {
