@@ -1,7 +1,8 @@
 #!/usr/bin/python3 -B
 """Lets the hub's allocations fail one by one: in its start, its end, and each request of the page.
 
-    tools/starve [STEP]       every STEP-th of them, 7 where none is given; 1 takes an hour
+    tools/starve [STEP]       every STEP-th of them and fewer of the late ones, 7 where none is given;
+                              1: each of them, for hours
 
 Each time the hub has to serve, to answer 503, or to end with a line that says why; and its store is
 whole then. A request that was answered is asked again at the next allocation, until none of its own
@@ -49,6 +50,10 @@ class Starved:
         self.library = library
         self.step = step
         self.ends = self.refusals = self.tries = 0
+
+    def after(self, number):
+        """The next one. What waits for the bus meets allocations of all else: wider steps there."""
+        return number + (self.step if self.step == 1 else max(self.step, number // 8))
 
     def start(self):
         self.board.start_hub(LD_PRELOAD=self.library, STARVE=self.board.folder / "hunger")
@@ -101,7 +106,7 @@ class Starved:
             self.board.kill_hub()
             if count < number:
                 return number
-            number += self.step
+            number = self.after(number)
 
     async def stops(self):
         """Its end when it is told to."""
@@ -120,7 +125,7 @@ class Starved:
             self.hunger.fail_at(0)
             if count < number:
                 return number
-            number += self.step
+            number = self.after(number)
 
     async def request(self, verb, path, body):
         """One operation, until it has all that it wants."""
@@ -145,7 +150,7 @@ class Starved:
                 self.check_end(what)
             if count < number:
                 return number
-            number += self.step
+            number = self.after(number)
 
 
 def requests_of(page):
