@@ -79,7 +79,7 @@ export const en = {
     row: (row: number) => `Row ${row + 1}`,
     text: (row: number) => `Text of row ${row + 1}`,
     write: 'Write',
-    unknown: 'Not cleared since the hub has been watching: the glass can show more than this.',
+    unknown: 'The display may still show older text; Clear makes sure.',
   },
   keys: {
     pad: 'Key pad',
@@ -183,8 +183,8 @@ export const en = {
     undo: 'Undo',
     seconds: (seconds: number) => `${seconds} s`,
     stages: {
-      going: 'Switching off. A motor card whose silent ranges nobody has asked for takes 3 s.',
-      off: 'All outputs are off.',
+      going: 'Switching off. Motors can take 3 s.',
+      off: 'Lines and motors are off. Servos and displays stay.',
       waiting: 'All outputs go off as soon as the adapter is back.',
       partly: 'Not all outputs are off.',
     },

@@ -183,7 +183,7 @@ export const settings = {
     none: 'There is no token.',
     name: 'Name',
     add: 'Make token',
-    once: (name: string) => `The token ${name}. It is shown this once; copy it now.`,
+    once: (name: string) => `The token "${name}" is shown only now; copy it.`,
     copy: 'Copy',
     copied: 'Copied',
     seen: 'I have it',

@@ -7,7 +7,7 @@ import { certainty, inOrder, isStale } from '../state/select.js';
 import { Reads, store } from '../state/Store.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
-import { formatValue, nameOf } from '../widgets/format.js';
+import { formatMoment, formatValue, nameOf } from '../widgets/format.js';
 
 @customElement('qelm-card-table')
 export class CardTable extends LitElement {
@@ -65,9 +65,7 @@ export class CardTable extends LitElement {
     if (!this.isPrinting) return nothing;
     const { card, channel, name, value, doubt, since, at } = text.table;
     const heads = [card, channel, name, value, doubt, since];
-    return html`<h1>
-        ${at(store.state.bus?.name ?? text.page, new Date().toLocaleString(text.locale))}
-      </h1>
+    return html`<h1>${at(store.state.bus?.name ?? text.page, formatMoment(Date.now()))}</h1>
       ${this.stale.value ? html`<p>${text.table.stale}</p>` : nothing}
       <table>
         <thead>
@@ -110,7 +108,7 @@ export class CardTable extends LitElement {
       <td>${nameOf(channel)}</td>
       <td>${formatValue(channel)} ${channel.unit ?? ''}</td>
       <td>${text.certainty[certainty(channel)]}</td>
-      <td>${channel.since === null ? '' : new Date(channel.since).toLocaleString(text.locale)}</td>
+      <td>${channel.since === null ? '' : formatMoment(channel.since)}</td>
     </tr>`;
   }
 

@@ -57,6 +57,9 @@ export class StateBar extends LitElement {
         @click=${() => {
           this.open = this.open === part ? null : part;
         }}
+        @keydown=${({ key }: KeyboardEvent) => {
+          if (key === 'Escape') this.open = null;
+        }}
       >
         ${said}
       </button>

@@ -1,13 +1,15 @@
 // All outputs off: held for a second, and undone for ten. What has become of it is said in a slip
 // beside it, and the keyboard goes there and back.
 import { css, html, LitElement, nothing } from 'lit';
-import { customElement, property } from 'lit/decorators.js';
+import { customElement, property, state } from 'lit/decorators.js';
 
 import { want } from '../state/Intent.js';
 import type { AllOff } from '../state/State.js';
 import { text } from '../text/text.js';
 import { base } from '../theme/base.js';
 import { secondsTill, Ticking } from './Ticking.js';
+
+const hintTime = 5000; // ms
 
 @customElement('qelm-all-off')
 export class AllOffButton extends LitElement {
@@ -79,6 +81,8 @@ export class AllOffButton extends LitElement {
   ];
 
   @property({ attribute: false }) allOff: AllOff | null = null;
+  @state() private isHinted = false; // what a press that was too short does not know
+  private timer: ReturnType<typeof setTimeout> | undefined;
   private hadUndo = false; // and the keyboard was there
 
   constructor() {
@@ -95,17 +99,40 @@ export class AllOffButton extends LitElement {
     return html`<qelm-hold
         .hint=${text.allOff.hint}
         @held=${() => {
+          this.hint(false);
           want(this, { do: 'all-off' });
+        }}
+        @short=${() => {
+          this.hint(true);
         }}
         ><svg viewBox="0 0 16 16" aria-hidden="true">
           <path d="M8 1.5v6M4.6 3.6a5.75 5.75 0 1 0 6.8 0"></path></svg
         ><span class="long">${text.allOff.hold}</span
         ><span class="short" aria-hidden="true">${text.allOff.short}</span></qelm-hold
       >
-      <div class=${allOff ? 'slip' : ''}>
-        <span role="status">${allOff ? text.allOff.stages[allOff.stage] : nothing}</span>
+      <div class=${allOff || this.isHinted ? 'slip' : ''}>
+        <span role="status">${this.said}</span>
         ${this.renderUndo()}
       </div>`;
+  }
+
+  override disconnectedCallback(): void {
+    super.disconnectedCallback();
+    clearTimeout(this.timer);
+  }
+
+  private get said() {
+    if (this.allOff) return text.allOff.stages[this.allOff.stage];
+    return this.isHinted ? text.allOff.hint : nothing;
+  }
+
+  private hint(isHinted: boolean): void {
+    this.isHinted = isHinted;
+    clearTimeout(this.timer);
+    if (isHinted)
+      this.timer = setTimeout(() => {
+        this.hint(false);
+      }, hintTime);
   }
 
   override updated(): void {

@@ -1,4 +1,5 @@
-// A button that has to be held for a second, by mouse, finger or key. Emits `held`.
+// A button that has to be held for a second, by mouse, finger or key. Emits `held`, or `short` where
+// it was let go before.
 import { css, html, LitElement } from 'lit';
 import { customElement, property, state } from 'lit/decorators.js';
 
@@ -49,11 +50,11 @@ export class HoldButton extends LitElement {
       aria-description=${this.hint}
       title=${this.hint}
       @pointerdown=${this.begin}
-      @pointerup=${this.end}
+      @pointerup=${this.letGo}
       @pointerleave=${this.end}
       @pointercancel=${this.end}
       @keydown=${this.onKey}
-      @keyup=${this.end}
+      @keyup=${this.letGo}
       @blur=${this.end}
       @contextmenu=${(event: Event) => {
         event.preventDefault();
@@ -80,6 +81,11 @@ export class HoldButton extends LitElement {
   private end(): void {
     clearTimeout(this.timer);
     this.isHolding = false;
+  }
+
+  private letGo(): void {
+    if (this.isHolding) this.dispatchEvent(new Event('short'));
+    this.end();
   }
 
   private onKey(event: KeyboardEvent): void {

@@ -1,5 +1,5 @@
 // How to read the lamps of the bench.
-import { css, html, LitElement } from 'lit';
+import { css, html, LitElement, nothing } from 'lit';
 import { customElement } from 'lit/decorators.js';
 
 import { drawLamp, lampStyle } from '../cards/lamp.js';
@@ -45,7 +45,7 @@ export class Legend extends LitElement {
     return html`<ul aria-label=${text.legend.label}>
       ${rows.map(
         ([isOn, certainty, label]) =>
-          html`<li>
+          html`<li title=${text.certainty[certainty] || nothing}>
             <svg viewBox="-12 -12 24 24" aria-hidden="true">${drawLamp(isOn, certainty)}</svg
             >${label}
           </li>`,

@@ -19,6 +19,15 @@ export function formatValue(channel: Channel): string {
   return typeof value === 'number' ? formatLevel(value, channel) : value;
 }
 
+export function formatDate(time: Date): string {
+  return time.toLocaleDateString(text.locale, { day: 'numeric', month: 'short', year: 'numeric' });
+}
+
+export function formatMoment(time: number | string): string {
+  const at = new Date(time);
+  return `${formatDate(at)}, ${at.toLocaleTimeString(text.locale)}`;
+}
+
 export function formatTime(time: number): string {
   return new Date(time).toLocaleTimeString(text.locale);
 }

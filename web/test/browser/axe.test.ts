@@ -144,7 +144,7 @@ const settings: Sight[] = [
       await person.page.getByRole('textbox', { name: 'Name' }).fill('script');
       await person.presses('Make token');
     },
-    shows: /It is shown this once/,
+    shows: /is shown only now/,
   },
   { name: 'backup', does: press('Backup'), shows: 'Put a backup back' },
   { name: 'a backup that is to come back', does: file('{"names":{}}'), shows: 'Replace all' },

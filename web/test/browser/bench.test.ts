@@ -125,10 +125,15 @@ test('a motor whose silent range nobody has asked for stands still, not backward
   await site.api('PUT', '/api/channels/4.0', { value: 200 });
   await anna.sees('Belt, drive', '200');
   await site.frame('10 04 04 80 00 00', () => anna.holds('All outputs off'));
-  await anna.reads('All outputs are off.');
+  await anna.reads('Lines and motors are off. Servos and displays stay.');
   await anna.sees('Belt, drive', '128');
   await anna.presses('Undo');
   await anna.sees('Belt, drive', '200');
+});
+
+test('a press of all outputs off that is too short says what it needs', async () => {
+  await anna.presses('All outputs off');
+  await anna.reads(/^Hold for a second\. Lines go off/);
 });
 
 test('all outputs off needs a second, and is undone', async () => {

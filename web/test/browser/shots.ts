@@ -104,7 +104,7 @@ export const shots: Shot[] = [
   { name: 'journal', shown: eight, view: 'journal', shows: 'started', sizes },
   { name: 'settings', shown: eight, view: 'settings', shows: 'Cards and channels', sizes },
   section('accounts', 'Accounts', '8 characters or more'),
-  { ...section('tokens', 'Tokens', /shown this once/), does: makesToken },
+  { ...section('tokens', 'Tokens', /is shown only now/), does: makesToken },
   section('backup', 'Backup', 'Put a backup back'),
   { ...section('boards-settings', 'Other boards', 'Shed (shed)'), shown: twoBoards },
   section('appearance', 'Appearance', 'This browser only.'),

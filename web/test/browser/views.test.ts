@@ -73,8 +73,8 @@ test('a new token is shown once', async () => {
   await anna.presses('Tokens');
   await anna.page.getByRole('textbox', { name: 'Name' }).fill('script');
   await anna.presses('Make token');
-  await anna.reads(/shown this once/);
+  await anna.reads(/is shown only now/);
   await anna.presses('I have it');
-  await anna.doesNotRead(/shown this once/);
+  await anna.doesNotRead(/is shown only now/);
   await anna.leaves();
 });

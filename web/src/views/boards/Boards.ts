@@ -9,6 +9,7 @@ import { type FarIntent, type IntentEvent, want } from '../../state/Intent.js';
 import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
+import { formatMoment } from '../../widgets/format.js';
 import { arrange, type Slot } from '../arrange.js';
 import { renderEmptySlot, renderRails } from '../rails.js';
 import { railStyle } from '../railStyle.js';
@@ -45,7 +46,7 @@ export class BoardsView extends LitElement {
       </div>
       ${row.state === 'online'
         ? nothing
-        : html`<p class="lost">${words.stale(new Date(row.since).toLocaleString(text.locale))}</p>`}
+        : html`<p class="lost">${words.stale(formatMoment(row.since))}</p>`}
       ${this.renderCards(row)}`;
   }
 

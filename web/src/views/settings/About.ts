@@ -5,6 +5,7 @@ import { customElement } from 'lit/decorators.js';
 import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
+import { formatMoment } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import { sectionStyle } from './settingsStyle.js';
 
@@ -45,9 +46,7 @@ export class About extends LitElement {
     const words = text.state.words;
     const joined = (...parts: (string | null)[]) =>
       parts.filter((part) => part !== null).join(', ');
-    const since = bus.daemon.since
-      ? `${facts.since} ${new Date(bus.daemon.since).toLocaleString(text.locale)}`
-      : null;
+    const since = bus.daemon.since ? `${facts.since} ${formatMoment(bus.daemon.since)}` : null;
     const broker = bus.broker;
     const yes = (flag: boolean | null) =>
       flag === null ? facts.unknown : flag ? facts.yes : facts.no;

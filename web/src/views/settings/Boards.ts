@@ -6,6 +6,7 @@ import type { BoardRow } from '../../api/Shapes.js';
 import { Reads } from '../../state/Store.js';
 import { text } from '../../text/text.js';
 import { base } from '../../theme/base.js';
+import { formatMoment } from '../../widgets/format.js';
 import { viewStyle } from '../viewStyle.js';
 import { sectionStyle } from './settingsStyle.js';
 
@@ -66,7 +67,7 @@ export class Boards extends LitElement {
           : nothing}
       </td>
       <td>${boards.states[row.state]}</td>
-      <td>${new Date(row.since).toLocaleString(text.locale)}</td>
+      <td>${formatMoment(row.since)}</td>
     </tr>`;
   }
 }

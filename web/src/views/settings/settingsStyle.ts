@@ -144,6 +144,14 @@ export const sectionStyle = css`
     td.name .field {
       width: 9rem;
     }
+    td select.field {
+      min-width: 0;
+    }
+    td.end:has(button + button) {
+      display: grid;
+      gap: 0.25rem;
+      padding-right: 0;
+    }
   }
   td.end {
     text-align: right;
