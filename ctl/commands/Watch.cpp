@@ -3,8 +3,10 @@
 #include <boost/json/array.hpp>
 #include <chrono>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "base/Failure.h"
 #include "base/Json.h"
@@ -125,16 +127,21 @@ class Watcher {
     for (const json::value& channel : ItemsAt(card, "channels")) AddChannel(channel);
   }
 
+  // Once: a card of another board, or one that comes back, is told with all its channels.
   void AddChannel(const json::value& channel) {
-    if (!selection_.HasChannel(TextAt(channel, "id"))) return;
+    const std::string id = TextAt(channel, "id");
+    if (!selection_.HasChannel(id)) return;
     const std::string since = TextAt(channel, "since");
-    Add(since.empty() ? Clock({}) : Clock(since), ChannelText(channel, session_.paint));
+    const std::string text = ChannelText(channel, session_.paint);
+    if (std::exchange(shown_[id], since + text) == since + text) return;
+    Add(since.empty() ? Clock({}) : Clock(since), text);
   }
 
   const Session& session_;
   Selection selection_;
   std::optional<int64_t> told_;
-  std::string lines_;  // of the message at hand
+  std::map<std::string, std::string> shown_;  // of each channel, the last one
+  std::string lines_;                         // of the message at hand
 };
 
 std::string FindSelection(Hub& hub, const std::string& word) {

@@ -42,6 +42,18 @@ TEST_F(Watch, SubscribesAndPrintsWhatIsAndWhatChanges) {
   EXPECT_EQ(hub.LastBody("subscription"), R"({"jsonrpc":"2.0","id":1,"method":"live.subscribe"})");
 }
 
+TEST_F(Watch, AChannelThatIsToldAgainAsItWasIsNoLine) {
+  constexpr char kCardAgain[] =
+      R"({"jsonrpc":"2.0","method":"changes","params":{"after":11,"seq":12,"bus":null,"cards":[)"
+      R"({"address":"5","kind":"digital-output","name":"Relays","state":"present","channels":[)"
+      R"({"id":"5.0","name":"Lamp","value":true,"since":"2026-11-21T12:00:01.250Z"}],)"
+      R"("glass":null}],"channels":[],"events":[],"lost":0}})";
+  hub.Feed({kState, kLampOn, kCardAgain});
+  EXPECT_EQ(Run({"watch", "5.0"}).out,
+            "12:00:00.000  5.0  Lamp  off\n"
+            "12:00:01.250  5.0  Lamp  on\n");
+}
+
 TEST_F(Watch, ByNameIsTheSame) {
   hub.Answer(
       "GET /api/cards",
