@@ -32,15 +32,20 @@ export const store = new Store();
 
 // A component's view of the store: it updates when what `select` picks has become another.
 export class Reads<Part> implements ReactiveController {
-  value: Part;
+  private seen: Part; // when the component was told last
   private end: Listener | undefined;
 
   constructor(
     private readonly host: ReactiveControllerHost,
     private readonly select: (state: State) => Part,
   ) {
-    this.value = select(store.state);
+    this.seen = this.value;
     host.addController(this);
+  }
+
+  // As it is by now: what is done between two frames meets what was done before it.
+  get value(): Part {
+    return this.select(store.state);
   }
 
   hostConnected(): void {
@@ -55,9 +60,9 @@ export class Reads<Part> implements ReactiveController {
   }
 
   private look(): void {
-    const value = this.select(store.state);
-    if (Object.is(value, this.value)) return;
-    this.value = value;
+    const { value } = this;
+    if (Object.is(value, this.seen)) return;
+    this.seen = value;
     this.host.requestUpdate();
   }
 }

@@ -1,7 +1,7 @@
 // A person who has only keys: where the focus is, and the way it takes.
 import assert from 'node:assert/strict';
 
-import type { Person } from './Person.js';
+import { eventually, type Person } from './Person.js';
 
 export interface Place {
   name: string; // as it is said
@@ -90,6 +90,16 @@ export class Keys {
         isCovered: !seen,
       };
     });
+  }
+
+  isAt(name: string): Promise<void> {
+    return eventually(`"${name}" has the focus`, async () => (await this.place())?.name === name);
+  }
+
+  // In the one line of the view.
+  hasTyped(line: string): Promise<void> {
+    const field = this.person.page.getByRole('textbox');
+    return eventually(`the line is "${line}"`, async () => (await field.inputValue()) === line);
   }
 
   // On to the next thing of that name.

@@ -55,7 +55,7 @@ test('all there is stands in About, with its version', async () => {
   const version = /project\(qelm VERSION ([\d.]+)/.exec(project)?.[1] ?? 'no version';
   const facts: [string, RegExp][] = [
     ['Page', new RegExp(`^${version}$`)],
-    ['Daemon', /^1\.20, up, up since \d\d\/\d\d\/\d{4}, \d\d:\d\d:\d\d$/],
+    ['Daemon', /^1\.20, up, up since \d+ [A-Z][a-z]+ \d{4}, \d\d:\d\d:\d\d$/],
     ['Adapter', /up, \/dev\/ttyUSB0$/],
     ['Broker', /^none is set up$/],
     ['Bus', /^bench, a virtual bus$/],

@@ -89,9 +89,8 @@ export class PlotsView extends LitElement {
     hair.classList.toggle('far', x > area.left + area.width / 2);
   }
 
-  // As it is by now: what is done between two pictures adds up.
   private get window(): Span {
-    return windowOf(store.state.plots, this.now);
+    return windowOf(this.plots.value, this.now);
   }
 
   private renderTools() {
@@ -218,7 +217,7 @@ export class PlotsView extends LitElement {
   }
 
   private look(to: Partial<Plots>): void {
-    const { span, end } = { ...store.state.plots, ...to };
+    const { span, end } = { ...this.plots.value, ...to };
     want(this, { do: 'plot-look', span, end });
   }
 
