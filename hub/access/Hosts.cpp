@@ -16,6 +16,13 @@ std::string LowerCase(std::string_view text) {
   return lower;
 }
 
+// No machine's own, and yet it leads to one: unspecified, or IPv4 that is written as IPv6. Browsers
+// do not take it for loopback, and do not say there which site's page asks.
+bool StandsForAnother(std::string_view address, bool is_v6) {
+  const bool is_mapped = is_v6 && address.find(':') == std::string_view::npos;
+  return is_mapped || address == "0.0.0.0" || address == "::";
+}
+
 }  // namespace
 
 Hosts::Hosts(const std::vector<std::string>& names) : names_{"localhost"} {
@@ -26,7 +33,8 @@ bool Hosts::Allow(std::string_view header) const {
   const auto parts = SplitHostAndPort(header);
   if (!parts) return false;
   const bool is_v6 = parts->host.find(':') != std::string_view::npos;
-  if (ParseAddress(parts->host)) return parts->in_brackets == is_v6;
+  if (const auto address = ParseAddress(parts->host))
+    return parts->in_brackets == is_v6 && !StandsForAnother(*address, is_v6);
   return !parts->in_brackets && std::ranges::count(names_, LowerCase(parts->host)) > 0;
 }
 

@@ -15,7 +15,8 @@ class Hosts {
   explicit Hosts(const std::vector<std::string>& names);
 
   // The value of the Host header: a host, or a host and any port. Whatever is written in an
-  // unusual way (a dot at the end, a zone, an octal address) is not allowed.
+  // unusual way (a dot at the end, a zone, an octal address) is not allowed, nor is an address that
+  // only stands for another.
   bool Allow(std::string_view header) const;
 
  private:

@@ -10,9 +10,8 @@ const Hosts kHosts({"bench.local", "Panel.Example", "xn--bnch-loa.example"});
 TEST(Hosts, LocalhostLiteralAddressesAndListedNamesAreAllowed) {
   for (const char* host :
        {"localhost", "localhost:5080", "LOCALHOST", "LocalHost:80", "127.0.0.1", "127.0.0.1:5080",
-        "192.168.1.20:65535", "0.0.0.0", "[::1]", "[::1]:5080", "[2001:DB8::1]", "[fe80::1]:1",
-        "[::ffff:127.0.0.1]:5080", "bench.local", "bench.local:8443", "BENCH.Local",
-        "panel.example", "xn--bnch-loa.example"})
+        "192.168.1.20:65535", "[::1]", "[::1]:5080", "[2001:DB8::1]", "[fe80::1]:1", "bench.local",
+        "bench.local:8443", "BENCH.Local", "panel.example", "xn--bnch-loa.example"})
     EXPECT_TRUE(kHosts.Allow(host)) << host;
 }
 
@@ -52,6 +51,14 @@ TEST(Hosts, UnusualWaysToWriteAnAddressAreNot) {
                            "1::1.1.1.1:80",
                            "1:2:3:4:5:6:7:8:9",
                            "[1:2:3:4:5:6:7:8:9]"})
+    EXPECT_FALSE(kHosts.Allow(host)) << host;
+}
+
+// Browsers do not say which site's page asks there.
+TEST(Hosts, AnAddressThatOnlyStandsForAnotherIsNot) {
+  for (const char* host : {"0.0.0.0", "0.0.0.0:5080", "[::]", "[::]:5080", "[0:0:0:0:0:0:0:0]",
+                           "[::ffff:127.0.0.1]", "[::ffff:127.0.0.1]:5080", "[::FFFF:7F00:1]:5080",
+                           "[::ffff:192.168.1.20]", "[::ffff:0.0.0.0]"})
     EXPECT_FALSE(kHosts.Allow(host)) << host;
 }
 
