@@ -6,6 +6,8 @@
 #include <boost/json/serialize.hpp>
 #include <charconv>
 
+#include "base/Text.h"
+
 namespace ctl {
 
 namespace json = boost::json;
@@ -49,9 +51,9 @@ const json::array& ItemsAt(const json::value& object, std::string_view key) {
 std::string ValueText(const json::value& value) {
   if (value.is_null()) return "unknown";
   if (value.is_bool()) return value.get_bool() ? "on" : "off";
-  if (value.is_string()) return std::string(value.get_string());
+  if (value.is_string()) return Printable(value.get_string());
   const auto number = AsNumber(value);
-  if (!number) return json::serialize(value);
+  if (!number) return Printable(json::serialize(value));
   // The shortest text that reads back as the same number.
   std::array<char, 32> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), *number).ptr;

@@ -19,7 +19,7 @@ std::optional<double> NumberAt(const boost::json::value& object, std::string_vie
 // The items of an array; none where it is none.
 const boost::json::array& ItemsAt(const boost::json::value& object, std::string_view key);
 
-// A value for people: "on", "off", "2.5", "unknown" for null, a text as it is.
+// A value for people: "on", "off", "2.5", "unknown" for null, a printable text.
 std::string ValueText(const boost::json::value& value);
 
 }  // namespace ctl

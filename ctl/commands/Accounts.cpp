@@ -73,7 +73,7 @@ int ChangeRole(Session& session, const Words& words) {
 int AddToken(Session& session, const Words& words) {
   const json::object body{{"name", words["NAME"]}, {"role", RoleOf(words)}};
   const Reply reply = session.hub.Ask("POST", "/api/tokens", json::serialize(body));
-  if (!session.PrintedJson(reply)) session.Print(TextAt(reply.data, "token") + "\n");
+  if (!session.PrintedJson(reply)) session.Print(Printable(TextAt(reply.data, "token")) + "\n");
   return kDone;
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/Failure.h"
 #include "base/Json.h"
+#include "base/Text.h"
 #include "base/Values.h"
 #include "commands/All.h"
 #include "commands/Show.h"
@@ -30,7 +31,7 @@ std::string SettingsText(const json::value& settings) {
   std::string text;
   if (!settings.is_object()) return text;
   for (const auto& [key, value] : settings.get_object())
-    text += std::string(key) + "=" + SettingText(value) + "\n";
+    text += Printable(key) + "=" + SettingText(value) + "\n";
   return text;
 }
 

@@ -2,6 +2,7 @@
 #include <boost/json/array.hpp>
 
 #include "base/Json.h"
+#include "base/Text.h"
 #include "base/Times.h"
 #include "commands/All.h"
 #include "commands/Show.h"
@@ -76,7 +77,7 @@ int GetChannel(Session& session, const Words& words) {
   const Reply reply = session.hub.Get("/api/channels/" + id);
   if (session.PrintedJson(reply)) return kDone;
   const Cell cell = ValueCell(reply.data);
-  session.Print(session.paint(cell.colour, cell.text) + "\n");
+  session.Print(session.paint(cell.colour, Printable(cell.text)) + "\n");
   return kDone;
 }
 

@@ -87,8 +87,9 @@ std::string EntryText(const json::value& entry, const Paint& paint) {
   const auto time = ParseRfc3339(TextAt(entry, "time"));
   std::string by = TextAt(entry, "by");
   if (!by.empty()) by = " (" + by + ")";
-  return paint(Colour::kFaint, time ? FormatLocal(*time) : TextAt(entry, "time")) + "  " +
-         Printable(TextAt(entry, "kind")) + "  " + Printable(TextAt(entry, "text") + by) + "\n";
+  return paint(Colour::kFaint, time ? FormatLocal(*time) : Printable(TextAt(entry, "time"))) +
+         "  " + Printable(TextAt(entry, "kind")) + "  " + Printable(TextAt(entry, "text") + by) +
+         "\n";
 }
 
 // Prints a page of the journal, the entries behind `after`; gives the number of its last one, or

@@ -49,13 +49,13 @@ std::string Clock(const std::string& utc) {
 
 std::string BusText(const json::value& bus) {
   return "daemon " + TextAt(At(bus, "daemon"), "state") + ", adapter " +
-         TextAt(At(bus, "adapter"), "state") + "\n";
+         TextAt(At(bus, "adapter"), "state");
 }
 
 std::string EventText(const json::value& event) {
   const json::value& code = At(event, "code");
   return TextAt(event, "card") + "  " + TextAt(event, "event_type") +
-         (code.is_null() ? "" : " " + ValueText(code)) + "\n";
+         (code.is_null() ? "" : " " + ValueText(code));
 }
 
 // What a message tells of the board that is watched: its part of the changes, or all its cards in
@@ -91,7 +91,12 @@ class Watcher {
 
  private:
   void Add(const std::string& time, const std::string& text) {
-    lines_ += session_.paint(Colour::kFaint, time) + "  " + text;
+    AddLine(time, Printable(text) + "\n");
+  }
+
+  // As it goes to the terminal.
+  void AddLine(const std::string& time, const std::string& line) {
+    lines_ += session_.paint(Colour::kFaint, time) + "  " + line;
   }
 
   void AddAll(const json::value& change) {
@@ -103,13 +108,13 @@ class Watcher {
       if (selection_.HasCard(TextAt(event, "card")))
         Add(Clock(TextAt(event, "time")), EventText(event));
     const double lost = NumberAt(change, "lost").value_or(0);
-    if (lost > 0) Add(Clock({}), "events that were lost: " + ValueText(lost) + "\n");
+    if (lost > 0) Add(Clock({}), "events that were lost: " + ValueText(lost));
   }
 
   // Of another board.
   void AddRow(const json::value& row) {
     if (row.is_null() || !selection_.HasBus()) return;
-    Add(Clock({}), "board " + TextAt(row, "board") + " is " + TextAt(row, "state") + "\n");
+    Add(Clock({}), "board " + TextAt(row, "board") + " is " + TextAt(row, "state"));
   }
 
   void AddBus(const json::value& bus) {
@@ -121,7 +126,7 @@ class Watcher {
     const std::string address = TextAt(card, "address");
     if (selection_.HasCard(address)) {
       const json::value& glass = At(card, "glass");
-      Add(Clock({}), address + "  " + TextAt(card, "kind") + "  " + TextAt(card, "state") + "\n");
+      Add(Clock({}), address + "  " + TextAt(card, "kind") + "  " + TextAt(card, "state"));
       if (glass.is_object()) lines_ += GlassText(glass);
     }
     for (const json::value& channel : ItemsAt(card, "channels")) AddChannel(channel);
@@ -134,7 +139,7 @@ class Watcher {
     const std::string since = TextAt(channel, "since");
     const std::string text = ChannelText(channel, session_.paint);
     if (std::exchange(shown_[id], since + text) == since + text) return;
-    Add(since.empty() ? Clock({}) : Clock(since), text);
+    AddLine(since.empty() ? Clock({}) : Clock(since), text);
   }
 
   const Session& session_;

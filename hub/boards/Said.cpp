@@ -62,11 +62,15 @@ std::optional<unsigned> NumberOf(std::string_view digits) {
   return number;
 }
 
+// No C0, DEL or C1 (as UTF-8 has them: C2 80 to C2 9F).
 bool IsPlain(std::string_view text) {
-  return std::ranges::none_of(text, [](char letter) {
+  unsigned char last = 0;
+  for (const char letter : text) {
     const auto byte = static_cast<unsigned char>(letter);
-    return byte < ' ' || byte == 0x7F;
-  });
+    if (byte < ' ' || byte == 0x7F || (last == 0xC2 && byte < 0xA0)) return false;
+    last = byte;
+  }
+  return true;
 }
 
 // What is of another form is thrown, and caught by whoever reads a whole payload.

@@ -298,6 +298,25 @@ TEST_F(Commands, TheConsoleTakesLinesFromStandardInput) {
   EXPECT_EQ(hub.LastBody("POST /api/console"), R"({"line":"DRVVER"})");
 }
 
+// Names and units may be another board's, and tokens another hub's.
+TEST_F(Commands, NothingThatCameSteersTheTerminal) {
+  hub.Answer("GET /api/channels/F.3", R"({"id":"F.3","value":1,"unit":"\u001b[2J"})");
+  Expect({"get", "F.3"}, "1 ?[2J\n");
+  hub.Answer("GET /api/cards/0/settings", R"({"\u001bc":"\u009bH","end_a":["\u0007"]})");
+  Expect({"settings", "0"}, "?c=?H\nend_a=?\n");
+  hub.Answer("POST /api/tokens", R"({"token":"\u001bc"})");
+  Expect({"token", "add", "script"}, "?c\n");
+  hub.Answer("GET /api/bus", R"({"pace":"\u001bc"})");
+  Expect({"pace"}, "?c\n");
+  hub.Answer("GET /api/journal", R"({"entries":[{"seq":1,"time":"\u001bc","text":"x"}]})");
+  Expect({"journal"}, "?c    x\n");
+  const std::string since = "2026-11-21 12:00";
+  hub.Answer("GET /api/history?channel=F.3&from=1795262400000&to=1795262400000",
+             R"({"points":[[1795262400000,"\u001bc"]]})");
+  Expect({"history", "F.3", "--csv", "--since", since, "--until", since},
+         "time,mean,min,max\n2026-11-21T12:00:00.000Z,?c\n");
+}
+
 TEST_F(Commands, JsonIsPrintedAsItCame) {
   hub.Answer("GET /api/channels/5.0", "{\"id\" : \"5.0\", \"new\":1.50}");
   Expect({"get", "5.0", "--json"}, "{\"id\" : \"5.0\", \"new\":1.50}\n");

@@ -127,6 +127,20 @@ TEST_F(Watch, OfAnotherBoardOnlyWhatItSays) {
   EXPECT_EQ(out.find("  1.0"), std::string::npos) << out;
 }
 
+TEST_F(Watch, NothingThatCameSteersTheTerminal) {
+  hub.Feed({R"({"jsonrpc":"2.0","id":1,"result":{"seq":10,"bus":{"daemon":{"state":"\u001bA"},)"
+            R"("adapter":{"state":"\u001bB"}},"cards":[{"address":"\u001bC","kind":"\u001bD",)"
+            R"("state":"\u001bE"}]}})",
+            R"({"jsonrpc":"2.0","method":"changes","params":{"after":10,"seq":11,"bus":null,)"
+            R"("cards":[],"channels":[],"events":[{"card":"\u001bF","event_type":"\u001bG",)"
+            R"("code":"\u001bH"}],"row":{"board":"\u001bI","state":"\u001bJ"}}})"});
+  const std::string out = Run({"watch"}).out;
+  EXPECT_EQ(out.find('\033'), std::string::npos) << out;
+  for (const char* const said :
+       {"daemon ?A, adapter ?B\n", "?C  ?D  ?E\n", "?F  ?G ?H\n", "board ?I is ?J\n"})
+    EXPECT_NE(out.find(said), std::string::npos) << out;
+}
+
 TEST_F(Watch, ARefusedSubscriptionIsStatusOne) {
   hub.Feed({kRefused});
   const Outcome outcome = Run({"watch"});

@@ -137,6 +137,7 @@ TEST(ReadBus, BelievesNothingElse) {
   EXPECT_FALSE(ReadBus(with(R"("Shed")", "7")));
   EXPECT_FALSE(ReadBus(with("Shed", std::string(257, 'x'))));
   EXPECT_FALSE(ReadBus(with("Shed", R"(a\u001b[2J)")));
+  EXPECT_FALSE(ReadBus(with("Shed", R"(a\u009b2J)")));
   EXPECT_FALSE(ReadBus(with("\"up\"", "\"flying\"")));
   EXPECT_FALSE(ReadBus(with(R"("address":"F")", R"("address":"5")")));
   EXPECT_FALSE(ReadBus(with(R"("address":"F")", R"("address":"G")")));
