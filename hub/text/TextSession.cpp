@@ -2,6 +2,7 @@
 
 #include <netinet/tcp.h>
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/redirect_error.hpp>
@@ -53,8 +54,12 @@ constexpr size_t kPiece = 16 * 1024;
 
 // Any page can have its reader's browser send a request to this port, with lines of the page's own
 // as its body; the line before them is the browser's. One that is too long to be told may be, too.
+// The hello of TLS, where a page's own bytes can stand as well, begins with a control byte.
 bool IsOfABrowser(std::string_view first_line) {
-  return first_line.ends_with(" HTTP/1.1") || first_line.ends_with(" HTTP/1.0");
+  constexpr std::string_view kVersions[] = {" HTTP/1.0", " HTTP/1.1", " HTTP/2.0"};
+  if (!first_line.empty() && static_cast<unsigned char>(first_line.front()) < ' ') return true;
+  return std::ranges::any_of(
+      kVersions, [first_line](std::string_view version) { return first_line.ends_with(version); });
 }
 
 std::string Item(std::string_view text) { return std::string(text) + std::string(kItemEnd); }

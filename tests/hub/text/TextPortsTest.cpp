@@ -175,7 +175,7 @@ TEST_F(TextPortsTest, ATokenOfALowerRoleIsRefusedByRoleAndNothingGoesOn) {
 }
 
 TEST_F(TextPortsTest, TheBodyOfARequestOfABrowserIsNoCommand) {
-  for (const char* const version : {"HTTP/1.0", "HTTP/1.1"}) {
+  for (const char* const version : {"HTTP/1.0", "HTTP/1.1", "HTTP/2.0"}) {
     Client client(io);
     client.Send(std::string("POST / ") + version + "\r\nHost: 127.0.0.1\r\n\r\na5b0d00\r\n");
     client.ExpectClosed();
@@ -188,6 +188,22 @@ TEST_F(TextPortsTest, NorIsThatOfARequestWhoseFirstLineIsTooLong) {
   client.Send("POST /" + std::string(2000, 'x') + " HTTP/1.1\r\n\r\na5b0d00\r\n");
   client.ExpectClosed();
   EXPECT_EQ(Sent(), std::vector<std::string>{});
+}
+
+// A page can have a session ticket of its own in the hello.
+TEST_F(TextPortsTest, NorIsWhatStandsInAHelloOfTls) {
+  Client client(io);
+  client.Send(std::string("\x16\x03\x01\x02\x00\x01\x00", 7) + "ticket\r\na5b0d00\r\n");
+  client.ExpectClosed();
+  EXPECT_EQ(Sent(), std::vector<std::string>{});
+}
+
+TEST_F(TextPortsTest, AFirstLineMayHaveTheLettersOfADisplay) {
+  Client client(io);
+  client.ExpectBytes(kGreeting);
+  client.Send("aElPAp0000t21 \xDF\r\n");
+  EXPECT_TRUE(
+      WaitUntil([this] { return Sent() == std::vector<std::string>{"aElPAp0000t21 \xDF"}; }));
 }
 
 TEST_F(TextPortsTest, ALaterLineMayLookLikeARequest) {
