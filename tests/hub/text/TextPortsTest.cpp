@@ -128,6 +128,18 @@ TEST_F(TextPortsTest, WhoGaveATokenStaysForEver) {
   client.ExpectBytes("COE:Illegal command -> nonsense\r\n\r");
 }
 
+// A script that has a token works before there are accounts, too.
+TEST_F(TextPortsTest, ATokenThatNobodyAsksForIsForNobodyElse) {
+  for (const uint16_t port : {cae, io}) {
+    Client client(port);
+    client.ExpectBytes(port == cae ? kConsoleGreeting : kGreeting);
+    client.Send("TOKEN s3cret\r\nEXIT\r\n");
+    client.ExpectBytes("QELM: Bye Bye...\r\n\r");
+    client.ExpectClosed();
+  }
+  EXPECT_EQ(Run([this] { return fake_link.asked; }), std::vector<std::string>{});
+}
+
 TEST_F(TextPortsTest, ASilentClientIsAskedWhetherItIsThere) {
   Client client(io);
   client.ExpectBytes(kGreeting);
