@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -74,7 +75,10 @@ Platforms PlatformsOf(const std::map<std::string, json::object>& components) {
   return platforms;
 }
 
-Platforms ComponentsOf(std::string_view payload) {
+// Others may tell as many topics of entities as they like, but no further device.
+Platforms ComponentsOf(std::string_view topic, std::string_view payload) {
+  constexpr auto kSlashesOfADevice = 3;
+  if (std::ranges::count(topic, '/') != kSlashesOfADevice) return {};
   const auto parsed = api::ParseJson(payload);
   const auto* const message = std::get_if<json::value>(&parsed);
   if (message == nullptr || !message->is_object()) return {};

@@ -44,8 +44,9 @@ std::string ToPayload(const Announcement& announcement, const Platforms& removed
 
 Platforms PlatformsOf(const std::map<std::string, boost::json::object>& components);
 
-// The components that a message has, but for those that it removes. Whatever the text is.
-Platforms ComponentsOf(std::string_view payload);
+// The components that a message has, but for those that it removes: one at the topic of a device.
+// Whatever the text is.
+Platforms ComponentsOf(std::string_view topic, std::string_view payload);
 
 // Where messages of this bus arrive, of either form: filters to subscribe to.
 std::vector<std::string> AnnouncementFilters(std::string_view bus_id);

@@ -41,7 +41,7 @@ void Announcer::Hear(const std::string& name, std::string_view payload, model::S
     topics_.erase(name);
     return;
   }
-  topic.held = is_ours ? topic.told_components : ComponentsOf(payload);
+  topic.held = is_ours ? topic.told_components : ComponentsOf(name, payload);
   if (is_ours && topic.removes) return ActAt(now + kRest);
   // Emptied: somebody has deleted an entity in Home Assistant. But where another message has come
   // in place of ours nothing is done until something changes: two hubs would never end.

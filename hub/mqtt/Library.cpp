@@ -24,7 +24,8 @@ constexpr int kQos = 1;
 // The broker keeps longer ones to itself, so that none has to be taken in whole to be refused: room
 // for a payload that is just too long, so that whoever sent it hears of it.
 constexpr uint32_t kLargestPacket = 128 * 1024;
-constexpr int kRefused = 0x80;  // from here on the answers of version 5 are refusals
+constexpr size_t kLongestTopic = 256;  // bytes; no hub has one, and what is heard is kept by topics
+constexpr int kRefused = 0x80;         // from here on the answers of version 5 are refusals
 
 struct Words {
   int code;
@@ -92,6 +93,7 @@ struct Library::Callbacks {
                       const mosquitto_property*) {
     Arrived arrived;
     arrived.message.topic = message->topic;
+    if (arrived.message.topic.size() > kLongestTopic) return;
     arrived.message.is_retained = message->retain;
     arrived.size = static_cast<size_t>(message->payloadlen);
     if (arrived.size > 0 && arrived.size <= Arrived::kMostPayload)

@@ -181,6 +181,17 @@ TEST_F(BrokerTest, WhatAnEarlierHubHasLeftGoesOnceTheCardsAreKnown) {
   ExpectHeard("0 qelm/bench/7/status ");
 }
 
+// What others have left is kept in mind until it is taken back. No hub tells topics of that length.
+TEST_F(BrokerTest, ATopicThatIsTooLongIsPassedOver) {
+  StartBroker();
+  const std::string longer = "qelm/bench/" + std::string(246, '0');
+  TellAll({{longer, "ON"}, {"qelm/bench/7/0", "ON"}});
+  Listen();
+  StartAllWith();
+  ExpectHeard("0 qelm/bench/7/0 ");
+  EXPECT_FALSE(HasHeard("0 " + longer));
+}
+
 // A lower id than any hub has, which nobody stands behind.
 TEST_F(BrokerTest, ALieInItsPlaceIsPutRight) {
   Ready();

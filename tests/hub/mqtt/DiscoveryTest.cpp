@@ -73,7 +73,8 @@ TEST_F(DiscoveryTest, OutputsAreSwitches) {
                        R"("out0":{"platform":"switch","unique_id":"qelm_3f9a21c0_5_0",
                             "default_entity_id":"switch.bench_5_0","name":"Lamp",
                             "state_topic":"qelm/bench/5/0","command_topic":"qelm/bench/5/0/set"},)" +
-                       Each(1, 15, R"("out#":{"platform":"switch","unique_id":"qelm_3f9a21c0_5_#",
+                       Each(1, 15,
+                            R"("out#":{"platform":"switch","unique_id":"qelm_3f9a21c0_5_#",
                             "default_entity_id":"switch.bench_5_#","name":"Line #",
                             "state_topic":"qelm/bench/5/#","command_topic":"qelm/bench/5/#/set"})") +
                        "}}");
@@ -303,12 +304,17 @@ TEST_F(DiscoveryTest, WhatIsRemovedIsNamedByItsPlatformAlone) {
 }
 
 TEST_F(DiscoveryTest, WhatAMessageHasIsReadFromAnyText) {
-  EXPECT_EQ(ComponentsOf(R"({"components":{"out0":{"platform":"switch","unique_id":"x"},
-                              "out1":{"p":"switch"},"out2":7}})"),
-            (Platforms{{"out0", "switch"}}));
+  constexpr char kDevice[] = "homeassistant/device/qelm_3f9a21c0_5/config";
+  constexpr char kComponents[] =
+      R"({"components":{"out0":{"platform":"switch","unique_id":"x"},
+                                     "out1":{"p":"switch"},"out2":7}})";
+  EXPECT_EQ(ComponentsOf(kDevice, kComponents), (Platforms{{"out0", "switch"}}));
   for (const char* text :
        {"", "{", "[]", "7", R"({"components":[]})", R"({"components":{"a":[]}})"})
-    EXPECT_TRUE(ComponentsOf(text).empty()) << text;
+    EXPECT_TRUE(ComponentsOf(kDevice, text).empty()) << text;
+  for (const char* topic : {"homeassistant/switch/qelm_3f9a21c0/5_out0/config",
+                            "homeassistant/device/qelm_3f9a21c0/5_out0/config"})
+    EXPECT_TRUE(ComponentsOf(topic, kComponents).empty()) << topic;
 }
 
 TEST_F(DiscoveryTest, ATopicSaysWhichCardItIsAbout) {
