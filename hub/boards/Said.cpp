@@ -174,10 +174,7 @@ void ReadCard(const json::value& value, BusSaid& said) {
 Identity ReadIdentity(const json::object& object) {
   Identity identity;
   identity.id = TextAt(object, "id");
-  const bool is_id = identity.id.size() == 8 && std::ranges::all_of(identity.id, [](char digit) {
-                       return (digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f');
-                     });
-  Require(is_id);
+  Require(IsId(identity.id));
   identity.name = TextAt(object, "name");
   identity.version = TextAt(object, "version");
   const json::object& daemon = ObjectAt(object, "daemon");
@@ -201,6 +198,12 @@ auto OrNothing(Read read) -> std::optional<decltype(read())> {
 }
 
 }  // namespace
+
+bool IsId(std::string_view text) {
+  constexpr size_t kDigits = 8;
+  return text.size() == kDigits &&
+         text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
 
 std::optional<std::string_view> BoardIn(std::string_view topic) {
   if (TakeLevel(topic) != "qelm") return std::nullopt;

@@ -28,6 +28,8 @@ std::variant<Place, std::string> ReadTopic(std::string_view topic);
 // The name in it, where it is one: 1 to 32 letters, digits, "-", "_".
 std::optional<std::string_view> BoardIn(std::string_view topic);
 
+bool IsId(std::string_view text);  // of a hub: 8 hexadecimal digits in lower case
+
 std::optional<bool> ReadStatus(std::string_view payload);  // "online", "offline"
 
 // "ON", "OFF", a number, "None".

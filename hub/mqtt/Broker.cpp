@@ -26,6 +26,7 @@ constexpr std::chrono::milliseconds kLongestAwayPause{600};
 constexpr std::chrono::seconds kSteady{10};  // a connection that has held so long was a good one
 constexpr std::chrono::seconds kGoodBye{1};
 constexpr std::chrono::seconds kRatesEvery{30};
+constexpr int kMostEntries = 12;  // in the journal, a minute
 
 }  // namespace
 
@@ -337,7 +338,13 @@ void Broker::Say(BrokerState state, std::string detail) {
   house_.bus.Publish();
 }
 
+// Whoever may write to the broker has the state change as often as he likes.
 void Broker::Journal(std::string text) {
+  if (house_.clock.Steady() - minute_ >= std::chrono::minutes(1)) {
+    minute_ = house_.clock.Steady();
+    entries_ = 0;
+  }
+  if (++entries_ > kMostEntries) return;
   model::JournalEntry entry;
   entry.time = house_.clock.Now();
   entry.kind = "broker";

@@ -99,6 +99,8 @@ class Broker {
   bool is_stopping_ = false;
   std::set<std::string> leftovers_;  // of an earlier time, below the name
   std::optional<api::Guest> guest_;
+  model::SteadyTime minute_{};  // of the entries in the journal
+  int entries_ = 0;             // in it
 };
 
 }  // namespace hub::mqtt

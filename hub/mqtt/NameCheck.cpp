@@ -1,6 +1,7 @@
 #include "mqtt/NameCheck.h"
 
 #include "api/Json.h"
+#include "boards/Said.h"
 #include "mqtt/Payloads.h"
 
 namespace hub::mqtt {
@@ -10,7 +11,8 @@ std::string IdIn(const std::string& bus_payload) {
   const auto* const value = std::get_if<boost::json::value>(&parsed);
   const auto* const object = value == nullptr ? nullptr : value->if_object();
   const auto* const id = object == nullptr ? nullptr : object->if_contains("id");
-  return id != nullptr && id->is_string() ? std::string(id->get_string()) : "";
+  const std::string text = id != nullptr && id->is_string() ? std::string(id->get_string()) : "";
+  return boards::IsId(text) ? text : "";
 }
 
 void NameCheck::Take(const Arrived& arrived) {

@@ -192,6 +192,24 @@ TEST_F(BrokerTest, ATopicThatIsTooLongIsPassedOver) {
   EXPECT_FALSE(HasHeard("0 " + longer));
 }
 
+// Whoever may write there can have the hub wait, but not fill the journal.
+TEST_F(BrokerTest, HubsThatComeAndGoAreNotAllToldInTheJournal) {
+  StartBroker();
+  Tell("qelm/bench/bus", R"({"id":"fffffff0"})", {"-r"});
+  Tell("qelm/bench/status", "online", {"-r"});
+  StartAllWith();
+  ExpectBroker("(fffffff0)");
+  Kept others;
+  for (int i = 10; i < 60; ++i)
+    others.emplace_back("qelm/bench/bus", R"({"id":"ffffff)" + std::to_string(i) + R"("})");
+  TellAll(others);
+  ExpectBroker("(ffffff59)");
+  const std::string journal = AskLocally("GET", "/api/journal?limit=1000");
+  size_t count = 0;
+  for (size_t at = 0; (at = journal.find("another hub", at)) != std::string::npos; ++at) ++count;
+  EXPECT_EQ(count, 12U) << journal;
+}
+
 // A lower id than any hub has, which nobody stands behind.
 TEST_F(BrokerTest, ALieInItsPlaceIsPutRight) {
   Ready();

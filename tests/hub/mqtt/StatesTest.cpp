@@ -212,7 +212,10 @@ TEST_F(NameCheckTest, ItIsOursWhereWeWereOnline) {
 
 TEST_F(NameCheckTest, WhatIsNoHubHasNoName) {
   Has("qelm/bench/status", "online");
-  for (const char* payload : {"", "{", "[]", "{\"id\":5}", "{\"id\":\"\"}"}) {
+  for (const char* payload :
+       {"", "{", "[]", R"({"id":5})", R"({"id":""})", R"({"id":"2222222"})",
+        R"({"id":"222222222"})", R"({"id":"2222222A"})", R"({"id":"2222222g"})",
+        R"({"id":"22\n22222"})", R"({"id":"another hub, or none"})"}) {
     Has("qelm/bench/bus", payload);
     EXPECT_EQ(check.Owner(), std::nullopt) << payload;
   }
