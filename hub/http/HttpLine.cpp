@@ -52,7 +52,8 @@ bool TakeTarget(std::string target, Request& request) {
   return true;
 }
 
-Incoming ToRequest(Parser::value_type message, const Peer& peer) {
+// All but the body. What a client sends behind that is no header: no proxy has looked at it.
+Incoming ToRequest(const Parser::value_type& message, const Peer& peer) {
   Request request;
   request.method = ToText(message.method_string());
   if (!TakeTarget(ToText(message.target()), request)) return Malformed{400};
@@ -61,7 +62,6 @@ Incoming ToRequest(Parser::value_type message, const Peer& peer) {
   request.keep_alive = message.keep_alive();
   const auto upgrade = request.Find("Upgrade");
   request.is_upgrade = upgrade && IsSameName(*upgrade, "websocket");
-  request.body = std::move(message.body());
   request.peer = peer;
   return request;
 }
@@ -122,6 +122,9 @@ asio::awaitable<Incoming> HttpLine::Read() {
   co_await beast::http::async_read_header(stream, parts_->buffer, parser,
                                           asio::redirect_error(asio::use_awaitable, error));
   if (error) co_return FailureOf(error);
+  Incoming incoming = ToRequest(parser.get(), stream.OtherEnd());
+  auto* const request = std::get_if<Request>(&incoming);
+  if (request == nullptr) co_return incoming;
   if (!parser.is_done()) {
     stream.AllowFor(kBodyTime);
     const bool agreed = co_await parts_->AgreeToBody(parser);
@@ -130,7 +133,8 @@ asio::awaitable<Incoming> HttpLine::Read() {
                                      asio::redirect_error(asio::use_awaitable, error));
     if (error) co_return FailureOf(error);
   }
-  co_return ToRequest(parser.release(), stream.OtherEnd());
+  request->body = std::move(parser.get().body());
+  co_return incoming;
 }
 
 asio::awaitable<bool> HttpLine::Write(const Response& response, bool keep_alive,

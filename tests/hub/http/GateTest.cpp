@@ -160,6 +160,19 @@ TEST(GateBehindAProxyTest, TheAddressIsTheOneThatTheProxyHasSeen) {
   EXPECT_EQ(who(""), kAdminOnLoopback);
 }
 
+// Behind the body a client says what it likes, and no proxy looks at it.
+TEST(GateBehindAProxyTest, WhatComesBehindTheBodyIsNoHeader) {
+  Stand stand([](ServerOptions& options) { options.proxies = {"127.0.0.1"}; });
+  for (const std::string field :
+       {"X-Forwarded-For: ::1", "Host: evil.example", "Origin: http://evil.example",
+        "Authorization: Bearer no", "Sec-Fetch-Site: cross-site"}) {
+    const Reply reply = stand.Connect().Ask(
+        RequestText("GET", kWho, "X-Forwarded-For: 10.1.2.3\r\nTransfer-Encoding: chunked\r\n") +
+        "0\r\n" + field + "\r\n\r\n");
+    EXPECT_EQ(reply.body, R"({"account":"","role":"none","address":"10.1.2.3"})") << field;
+  }
+}
+
 TEST(GateBehindAProxyTest, TheSchemeIsTheOneThatTheProxySpeaks) {
   Stand stand([](ServerOptions& options) { options.proxies = {"127.0.0.1"}; });
   const std::string origin = "Origin: https://localhost\r\n";
