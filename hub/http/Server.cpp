@@ -182,6 +182,8 @@ asio::awaitable<void> Server::Parts::Accept(Listener& listener) {
 
 void Server::Parts::Take(Stream::Socket socket, const Listener& listener) {
   Peer peer = PeerOf(socket);
+  // It was reset before it was taken: its bytes could be anybody's.
+  if (peer.address.empty() && !peer.is_local) return;
   peer.is_tls = listener.is_tls;
   const Place place = streams->PlaceFor(peer);
   const bool is_over = place != Place::kFree;

@@ -219,6 +219,18 @@ TEST_F(RequestsTest, AFaultIsAnAnswer) {
   EXPECT_EQ(client.Get("/healthz").status, 200);
 }
 
+// Nobody could say whose it was. The server is busy until the other end has gone.
+TEST_F(RequestsTest, AConnectionThatWasResetIsNotServed) {
+  stand.Run([&] {
+    WebClient other = stand.Connect();
+    other.Send(RequestText("GET", "/api/nothing"));
+    other.Reset();
+  });
+  EXPECT_EQ(client.Get("/api/things/lamp").status, 200);
+  EXPECT_EQ(client.Get("/metrics").body.find("qelm_http_requests_total{status=\"404\"}"),
+            std::string::npos);
+}
+
 TEST_F(RequestsTest, WhatIsNoHttpIsRefusedAndClosed) {
   for (const std::string bytes :
        {"hello\r\n\r\n", "GET / HTTP/9.9\r\n\r\n", "GET  /  HTTP/1.1\r\n\r\n",

@@ -106,6 +106,12 @@ void WebClient::Send(std::string_view bytes) {
   if (!TrySend(bytes)) throw std::runtime_error("the server has gone");
 }
 
+void WebClient::Reset() {
+  const linger at_once{1, 0};
+  setsockopt(fd_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+  close(std::exchange(fd_, -1));
+}
+
 size_t WebClient::SendWhatFits(std::string_view bytes) {
   const ssize_t sent = send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   return sent > 0 ? static_cast<size_t>(sent) : 0;

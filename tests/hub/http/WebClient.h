@@ -37,6 +37,7 @@ class WebClient {
   // Without waiting; how many bytes went.
   size_t SendWhatFits(std::string_view bytes);
   void HalfClose();
+  void Reset();           // ends at once, without a good-bye
   void KeepInputSmall();  // the kernel holds little that is not read
 
   // An answer; without a body for HEAD.
