@@ -23,7 +23,12 @@ boost::asio::awaitable<void> Live::Talk(std::shared_ptr<Stream> stream, Request 
   const auto client = std::make_shared<LiveClient>(*this, std::move(stream), std::move(caller));
   clients_.insert(client.get());
   auto running = client->Run(std::move(request));
-  co_await std::move(running);
+  try {
+    co_await std::move(running);
+  } catch (...) {
+    clients_.erase(client.get());
+    throw;
+  }
   clients_.erase(client.get());
 }
 

@@ -1,5 +1,9 @@
 // What is told to those who hear the bus live.
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/use_future.hpp>
+
 #include "Stand.h"
+#include "http/LiveClient.h"
 
 namespace hub::http {
 namespace {
@@ -207,6 +211,26 @@ TEST_F(LiveTest, WhoCameWithoutALoginEndsWithTheFirstAccount) {
   ExpectClosedWith(client, kNotAllowed);
   local.SendText(R"({"jsonrpc":"2.0","id":1,"method":"session.who"})");
   EXPECT_TRUE(Has(local.ReadText(), R"("role":"admin")"));
+}
+
+// Whoever has gone is told nothing: its memory is somebody else's.
+TEST_F(LiveTest, AConversationThatFailsIsForgotten) {
+  Counters counters;
+  Live live(stand.house, counters);
+  auto talk = stand.Run([&] {
+    const auto streams = std::make_shared<Streams>(stand.clock, Places(1, {}));
+    auto stream = std::make_shared<Stream>(streams, Stream::Socket(stand.context), Peer{}, nullptr);
+    Request longer_than_a_field;
+    longer_than_a_field.fields = {{"Cookie", std::string(70'000, 'x')}};
+    return boost::asio::co_spawn(stand.context,
+                                 live.Talk(std::move(stream), std::move(longer_than_a_field), {}),
+                                 boost::asio::use_future);
+  });
+  EXPECT_THROW(talk.get(), std::length_error);
+  const auto others = stand.Run(
+      [] { return std::vector<std::string>(8, std::string(sizeof(LiveClient) + 15, '\xA5')); });
+  stand.Move(7);
+  stand.Stop();
 }
 
 }  // namespace
