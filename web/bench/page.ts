@@ -46,10 +46,11 @@ async function loads(): Promise<Row[]> {
     longest.push((await firstLook(1)).longest);
   }
   const usable = median(slow);
+  const most = median(longest); // of those that the browser tells of
   return [
     ['first load, compressed', '80 KB', `${(firstBytes() / 1024).toFixed(1)} KB`],
     ['usable, the processor slowed four times', '1,200 ms', `${usable.toFixed(0)} ms`],
-    ['longest task while it loads', '100 ms', `${median(longest).toFixed(0)} ms`],
+    ['longest task while it loads', '100 ms', most > 0 ? `${most.toFixed(0)} ms` : 'below 50 ms'],
   ];
 }
 
