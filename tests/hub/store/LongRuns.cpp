@@ -3,6 +3,7 @@
 
 #include "PowerCuts.h"
 #include "StoreTest.h"
+#include "Year.h"
 #include "kit/Proc.h"
 
 namespace hub::store {
@@ -10,17 +11,6 @@ namespace {
 
 class StoreLongRuns : public StoreTest {
  protected:
-  // Ten channels, a change each of so many seconds. The first of a minute finds that it is time to
-  // write the minute before.
-  void AddMinute(int every, uint64_t may_wait = 10) {
-    for (int second = 0; second < 60; second += every) {
-      for (unsigned channel = 0; channel < 10; ++channel)
-        Add(static_cast<double>((level_ += channel * 7 + 1) % 256), {channel, channel});
-      if (second == 0) Written(may_wait);
-      clock.Pass(std::chrono::seconds(every));
-    }
-  }
-
   void TellQuery(const char* name, std::chrono::milliseconds span) {
     const auto start = std::chrono::steady_clock::now();
     const History history = Read({4, 4}, clock.Now() - span, clock.Now(), 500);
@@ -30,16 +20,16 @@ class StoreLongRuns : public StoreTest {
     EXPECT_LE(history.points.size(), 500u);
     EXPECT_GE(history.points.size(), 100u);
   }
-
-  unsigned level_ = 0;
 };
 
 TEST_F(StoreLongRuns, TwoHundredPowerCuts) { CutPower(options.folder, 200); }
 
 TEST_F(StoreLongRuns, ADayOfTenChannelsAChangeASecondIsTwentyFiveMegabytes) {
   Start();
+  TenChannels channels(clock);
   const long before = StatusNumber("/proc/self/io", "write_bytes:");
-  for (int minute = 0; minute < 24 * 60; ++minute) AddMinute(1);
+  for (int minute = 0; minute < 24 * 60; ++minute)
+    channels.AddMinute(*store, 1, [this] { Written(10); });
   const long bytes = StatusNumber("/proc/self/io", "write_bytes:") - before;
   std::printf("written in a day: %.1f MB, told %.1f MB; the file: %.1f MB\n",
               static_cast<double>(bytes) / 1e6,
@@ -49,12 +39,9 @@ TEST_F(StoreLongRuns, ADayOfTenChannelsAChangeASecondIsTwentyFiveMegabytes) {
 }
 
 TEST_F(StoreLongRuns, AYearIsAskedForEachSpan) {
-  options.folder = "/run/year";  // of the sandbox, in memory: a disk takes hours to write so often
+  options.folder = "/run/year";  // of the sandbox, in memory
+  AddYear(options, clock);
   Start();
-  // Of what is older than a week, nobody can see any more in which pieces it was written.
-  for (int minute = 0; minute < 351 * 24 * 60; ++minute) AddMinute(30, 40'000);
-  Restart();  // all is written, and a minute begins
-  for (int minute = 0; minute < 14 * 24 * 60; ++minute) AddMinute(5);
   std::printf("the file: %.1f MB\n", static_cast<double>(std::filesystem::file_size(File())) / 1e6);
   TellQuery("10 minutes", 10min);
   TellQuery("hour", 1h);
