@@ -1,7 +1,7 @@
 #!/usr/bin/python3 -B
 """Many boards on one broker that is started again: how soon a hub that shows them knows all anew.
 
-    tools/storm [BOARDS [TIMES]]       200 boards and 3 times without them
+    tools/storm [BOARDS [TIMES [BUILD]]]       200 boards, 3 times and build-release without them
 
 One board is a real one, whose hub shows the others. They are alike: each has a connection of its own
 and tells the broker what a real hub does, with a value that is another one after each restart.
@@ -71,10 +71,10 @@ class Pretended:
 
 
 class Storm:
-    def __init__(self, boards, folder):
+    def __init__(self, boards, build, folder):
         self.folder = folder
         self.boards = boards
-        self.board = Board("board1", 5, folder, "build-release", 100, True)
+        self.board = Board("board1", 5, folder, build, 100, True)
         self.broker = None
         self.chance = random.Random(1)
 
@@ -148,10 +148,10 @@ class Storm:
 
 
 def main():
-    boards, times = (int(word) for word in (sys.argv[1:] + ["200", "3"][len(sys.argv) - 1 :]))
-    storm = Storm(boards, pathlib.Path(tempfile.mkdtemp(prefix="storm-")))
+    boards, times, build = sys.argv[1:] + ["200", "3", "build-release"][len(sys.argv) - 1 :]
+    storm = Storm(int(boards), build, pathlib.Path(tempfile.mkdtemp(prefix="storm-")))
     try:
-        asyncio.run(storm.run(times))
+        asyncio.run(storm.run(int(times)))
     except Failure as failure:
         sys.exit(str(failure))
     finally:
