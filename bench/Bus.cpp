@@ -17,7 +17,7 @@ constexpr int kWriteBytes = 6;  // length, command, address, count and two block
 std::vector<std::string> Command(const BusSetup& setup, const std::string& control) {
   std::vector<std::string> words{
       BUILD_FOLDER "/qelm-bus", "--plain", "--link", setup.device, "--control", control};
-  for (int address = 0; address < kCards; ++address) {
+  for (int address = 0; address < setup.cards; ++address) {
     const char* kind = address < setup.outputs ? "=digital-output" : "=digital-input";
     words.insert(words.end(), {"--card", Hex(address, 1) + kind});
   }

@@ -1,4 +1,4 @@
-// A virtual bus of the bench's own: sixteen cards, a device for one program to open,
+// A virtual bus of the bench's own: its cards, a device for one program to open,
 // and the moments at which something happened on it.
 //
 // The bus prints an event as a line, one datagram each, and the kernel writes beside it
@@ -24,6 +24,7 @@ inline constexpr double kByteMicroseconds = 1e7 / 460800;
 struct BusSetup {
   std::string device;  // the link to it
   bool wired = false;  // each byte takes its time
+  int cards = kCards;
   int outputs = kOutputs;
   bool tells_events = true;
 };

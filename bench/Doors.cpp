@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int kHubIoPort = 5111;
+constexpr int kPing = 9;  // kinds of frames
+constexpr int kPong = 10;
 
 using hub::http::WebClient;
 
@@ -49,7 +51,7 @@ class WebSocket final : public Door {
   WebSocket() : client_(WebClient::ToPort(kHubPort)) {
     client_.Upgrade();
     client_.SendText(R"({"jsonrpc":"2.0","id":0,"method":"live.subscribe"})");
-    client_.ReadText();
+    ReadText();
   }
 
   void Switch(int card, int line, bool on) override {
@@ -60,14 +62,14 @@ class WebSocket final : public Door {
 
   void AwaitAnswers() override {
     while (unanswered_ > 0)
-      if (client_.ReadText().find(R"("result")") != std::string::npos) --unanswered_;
+      if (ReadText().find(R"("result")") != std::string::npos) --unanswered_;
   }
 
   Time AwaitContact(int card, bool on) override {
     const std::string id = R"("id":")" + Channel(card, 0) + '"';
     const std::string value = on ? R"("value":true)" : R"("value":false)";
     while (true) {
-      const std::string text = client_.ReadText();
+      const std::string text = ReadText();
       const auto at = text.find(id);
       if (at != std::string::npos && text.substr(at, 200).find(value) != std::string::npos)
         return Clock::now();
@@ -75,6 +77,16 @@ class WebSocket final : public Door {
   }
 
  private:
+  // The hub drops a client that answers no ping for a while.
+  std::string ReadText() {
+    hub::http::Frame frame = client_.ReadFrame();
+    while (frame.opcode == kPing) {
+      client_.SendFrame(kPong, frame.payload);
+      frame = client_.ReadFrame();
+    }
+    return frame.payload;
+  }
+
   WebClient client_;
   int unanswered_ = 0;
 };
@@ -148,3 +160,13 @@ std::unique_ptr<Door> OpenText() { return std::make_unique<Text>(); }
 std::unique_ptr<Door> OpenWebSocket() { return std::make_unique<WebSocket>(); }
 std::unique_ptr<Door> OpenHttp() { return std::make_unique<Http>(); }
 std::unique_ptr<Door> OpenBroker() { return std::make_unique<Broker>(); }
+
+void Crowd::GrowTo(size_t count) {
+  while (doors_.size() < count) doors_.push_back(OpenWebSocket());
+}
+
+Time Crowd::AwaitContact(int card, bool on) {
+  Time last;
+  for (const auto& door : doors_) last = door->AwaitContact(card, on);
+  return last;
+}

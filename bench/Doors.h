@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "Qelm.h"
 
@@ -25,3 +26,15 @@ std::unique_ptr<Door> OpenText();              // the hub's own IO port
 std::unique_ptr<Door> OpenWebSocket();
 std::unique_ptr<Door> OpenHttp();    // hears of nothing
 std::unique_ptr<Door> OpenBroker();  // where the hub is called "bench"
+
+// Clients of the WebSocket, of which the last to read a change counts.
+class Crowd final : public Door {
+ public:
+  void GrowTo(size_t count);
+
+  void Switch(int card, int line, bool on) override { doors_.front()->Switch(card, line, on); }
+  Time AwaitContact(int card, bool on) override;
+
+ private:
+  std::vector<std::unique_ptr<Door>> doors_;
+};

@@ -1,44 +1,14 @@
 #include "Growth.h"
 
-#include <cstdio>
-#include <fstream>
-
 #include "Measurer.h"
 #include "Qelm.h"
 #include "Results.h"
+#include "Table.h"
 
 namespace {
 
 constexpr int kSamples = 300;
 constexpr int kRepeats = 5;
-
-double Percentile(std::vector<double> values, double percent) {
-  Results results("");
-  results.Add("", "", "", std::move(values));
-  return results.Percentile("", "", percent);
-}
-
-// A line of numbers, on the screen and in the file.
-class Table {
- public:
-  Table(const std::string& path, const std::string& head) : file_(path) {
-    std::printf("\n%s\n", head.c_str());
-    file_ << "# " << head << '\n';
-  }
-  void Add(const std::vector<double>& numbers) {
-    std::string line;
-    for (const double number : numbers) {
-      char text[32];
-      std::snprintf(text, sizeof text, "%12.1f", number);
-      line += text;
-    }
-    std::printf("%s\n", line.c_str());
-    file_ << line << std::endl;
-  }
-
- private:
-  std::ofstream file_;
-};
 
 void GrowCards(const std::string& folder) {
   Qelm qelm({.device = "/dev/ttyUSB0", .wired = true, .outputs = 0});
@@ -50,7 +20,7 @@ void GrowCards(const std::string& folder) {
     qelm.Poll(cards);
     const auto latencies = measurer.InputLatencies(kSamples);
     const Activity busy = measurer.Watch(std::chrono::seconds(2));
-    table.Add({static_cast<double>(cards), Percentile(latencies, 50), Percentile(latencies, 99),
+    table.Add({static_cast<double>(cards), PercentileOf(latencies, 50), PercentileOf(latencies, 99),
                busy.exchanges, busy.percent});
   }
 }
@@ -65,8 +35,8 @@ void GrowClients(const std::string& folder) {
     if (clients == 3) qelm.ConnectMonitor();
     const auto latencies = measurer.CommandLatencies(kSamples, milliseconds(1));
     const Activity idle = measurer.Watch(std::chrono::seconds(2));
-    table.Add({static_cast<double>(clients), Percentile(latencies, 50), Percentile(latencies, 99),
-               idle.percent, idle.wakeups});
+    table.Add({static_cast<double>(clients), PercentileOf(latencies, 50),
+               PercentileOf(latencies, 99), idle.percent, idle.wakeups});
   }
 }
 
@@ -78,7 +48,7 @@ void GrowQueue(const std::string& folder) {
   for (const int count : {1, 10, 100, 1000, 10'000}) {
     std::vector<double> times;
     for (int i = 0; i < kRepeats; ++i) times.push_back(measurer.QueueSeconds(1, count));
-    const double seconds = Percentile(times, 50);
+    const double seconds = PercentileOf(times, 50);
     table.Add({static_cast<double>(count), seconds * 1e3, seconds * 1e6 / count,
                static_cast<double>(qelm.process.ResidentKilobytes())});
   }

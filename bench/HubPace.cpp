@@ -1,152 +1,33 @@
 #include "HubPace.h"
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <random>
+#include <thread>
 
 #include "Doors.h"
-#include "hub/http/WebClient.h"
+#include "Hub.h"
+#include "Qelm.h"
+#include "Visit.h"
 
 namespace {
 
-using hub::http::WebClient;
-
 constexpr int kRounds = 5;
-constexpr int kSamples = 100;
-constexpr int kBurst = 120;  // commands; few enough of a card that the hub merges none
 constexpr int kListeners = 10;
 constexpr int kChangesEach = 8;  // lines of a block that change together
 constexpr int kChanges = 3000;   // of lines, a second
 constexpr std::chrono::seconds kFloodTime{4};
 constexpr std::chrono::seconds kIdleTime{10};
-constexpr char kSettings[] = "/run/bench/hub.toml";
-constexpr char kBrokerSettings[] = "/run/bench/mosquitto.conf";
-constexpr char kStore[] = "/run/bench/store";
 
-void WriteSettings() {
-  std::ofstream(kSettings)
-      << "[http]\nmax-connections = 1200\n[daemon]\nlog = \"/run/qelm/qelm.log\"\n"
-      << "[store]\nfolder = \"" << kStore << "\"\n"
-      << "[broker]\nhost = \"127.0.0.1\"\nname = \"bench\"\n";
-  std::ofstream(kBrokerSettings) << "user root\npersistence false\nlistener " << kBrokerPort
-                                 << " 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\n";
-  std::filesystem::remove_all(kStore);
-  std::filesystem::create_directory(kStore);
+void AddAll(Results& results, const std::string& name, Bus& bus, Door& door) {
+  Visit visit(bus, door);
+  results.Add("command latency", "us", name, visit.Commands());
+  results.Add("six-card burst", "/s", name, {visit.Burst()});
+  results.Add("input latency", "us", name, visit.Changes());
 }
 
-bool Says(const std::string& path, const std::string& part) {
-  return WebClient::ToPort(kHubPort).Get(path).body.find(part) != std::string::npos;
-}
-
-// Bus, daemon, broker and hub, with ten input cards polled.
-class Hub {
- public:
-  Hub() : bus({.device = "/dev/ttyUSB0", .wired = true}), daemon_(StartDaemon(100)) {
-    WriteSettings();
-    broker_ = Process({"/usr/sbin/mosquitto", "-c", kBrokerSettings});
-    Await("the broker", [] { return IsListening(kBrokerPort); });
-    Start();
-    Await("the cards", [] { return Says("/api/cards/F", R"("state":"present")"); });
-    WebClient::ToPort(kHubPort).Write("PUT", "/api/bus/polling", R"({"polling":true})");
-    Await("the inputs", [] { return Says("/api/channels/F.0", R"("known":true)"); });
-  }
-
-  void Start() {
-    process = {};
-    const Time began = Clock::now();
-    process = Process(
-        {BUILD_FOLDER "/qelm-hub", "--config", kSettings, "--socket", "/run/bench/hub.sock"});
-    Await(
-        "the hub", [] { return IsListening(kHubPort); }, microseconds(100));
-    Says("/api/bus", "");
-    start_time = Clock::now() - began;
-  }
-
-  Bus bus;
-  Process process;
-  Clock::duration start_time{};
-
- private:
-  Process daemon_;
-  Process broker_;
-};
-
-// One lamp on and off, one contact up and down, all through one door.
-class Visit {
- public:
-  Visit(Results& results, Bus& bus, std::string name, Door& door)
-      : results_(results), bus_(bus), name_(std::move(name)), door_(door) {}
-
-  void Commands() {
-    std::vector<double> times;
-    for (int i = 0; i < kSamples; ++i) {
-      Pause();
-      const Time sent = Clock::now();
-      door_.Switch(0, 0, i % 2 == 0);
-      times.push_back(Microseconds(bus_.AwaitCommand(0, i % 2 == 0 ? 0xFE : 0xFF) - sent));
-      door_.AwaitAnswers();
-    }
-    results_.Add("command latency", "us", name_, times);
-  }
-
-  void Burst() {
-    bus_.Order("mark");
-    const Time began = Clock::now();
-    for (int i = 0; i + 1 < kBurst; ++i) door_.Switch(i % kOutputs, 0, i / kOutputs % 2 == 1);
-    door_.Switch(kOutputs - 1, 1, true);  // a frame like no other: the line before it is off
-    door_.AwaitAnswers();
-    bus_.Order("wait frame 10 05 02 FD within 60s");
-    results_.Add("six-card burst", "/s", name_, {kBurst / Seconds(Clock::now() - began)});
-    for (int card = 0; card < kOutputs; ++card) door_.Switch(card, card == 5 ? 1 : 0, false);
-    door_.AwaitAnswers();
-    bus_.ForgetEvents(milliseconds(50));
-  }
-
-  void Changes() {
-    std::vector<double> times;
-    for (int i = 0; i < kSamples; ++i) {
-      Pause();
-      const bool on = i % 2 == 0;
-      const Time changed = Set(on);
-      times.push_back(Microseconds(door_.AwaitContact(bus_.first_input, on) - changed));
-    }
-    results_.Add("input latency", "us", name_, times);
-  }
-
- private:
-  Time Set(bool on) {
-    const std::string card = Hex(bus_.first_input, 1);
-    const std::string value = on ? "01" : "00";
-    bus_.Order("set " + card + " 0 " + value);
-    return bus_.AwaitEvent("card " + card + " set to " + value);
-  }
-  // So that any point of a round of the daemon is met.
-  void Pause() {
-    std::this_thread::sleep_for(microseconds(std::uniform_int_distribution<>(0, 6000)(engine_)));
-  }
-
-  Results& results_;
-  Bus& bus_;
-  std::string name_;
-  Door& door_;
-  std::mt19937 engine_{1};
-};
-
-// The last of so many clients of the WebSocket to read a change.
-void MeasureCrowd(Results& results, Hub& hub, int count) {
-  std::vector<std::unique_ptr<Door>> crowd;
-  for (int i = 0; i < count; ++i) crowd.push_back(OpenWebSocket());
-  std::vector<double> times;
-  for (int i = 0; i < kSamples / 2; ++i) {
-    const bool on = i % 2 == 0;
-    hub.bus.Order("set 6 0 " + std::string(on ? "01" : "00"));
-    const Time changed = hub.bus.AwaitEvent("card 6 set to");
-    Time last;
-    for (const auto& door : crowd) last = door->AwaitContact(hub.bus.first_input, on);
-    times.push_back(Microseconds(last - changed));
-  }
-  results.Add("input latency", "us", "the last of " + std::to_string(count) + " WebSockets", times);
+void MeasureCrowd(Results& results, Hub& hub) {
+  Crowd crowd;
+  crowd.GrowTo(100);
+  results.Add("input latency", "us", "the last of 100 WebSockets", Visit(hub.bus, crowd).Changes());
 }
 
 void AddMemory(Results& results, Hub& hub, const std::string& system) {
@@ -155,9 +36,9 @@ void AddMemory(Results& results, Hub& hub, const std::string& system) {
 }
 
 void MeasureMemory(Results& results, Hub& hub) {
-  std::vector<std::unique_ptr<Door>> crowd;
+  Crowd crowd;
   for (const size_t count : {50U, 1000U}) {
-    while (crowd.size() < count) crowd.push_back(OpenWebSocket());
+    crowd.GrowTo(count);
     AddMemory(results, hub, std::to_string(count) + " WebSockets");
   }
 }
@@ -207,34 +88,24 @@ void VisitDirect(Results& results) {
   Qelm qelm({.device = "/dev/ttyUSB0", .wired = true});
   qelm.ConnectConsole();
   qelm.Poll(kInputs);
-  const auto door = OpenDirect(qelm);
-  Visit visit(results, qelm.bus, "direct", *door);
-  visit.Commands();
-  visit.Burst();
-  visit.Changes();
+  AddAll(results, "direct", qelm.bus, *OpenDirect(qelm));
 }
 
 void VisitHub(Results& results) {
-  Hub hub;
+  Hub hub({.device = "/dev/ttyUSB0", .wired = true});
   results.Add("start to serving", "ms", "hub", {Seconds(hub.start_time) * 1000});
   AddMemory(results, hub, "at start");
   {
     const auto door = OpenHttp();
-    Visit(results, hub.bus, "HTTP", *door).Commands();
+    results.Add("command latency", "us", "HTTP", Visit(hub.bus, *door).Commands());
   }
   const struct {
     const char* name;
     std::unique_ptr<Door> (*open)();
   } doors[] = {{"WebSocket", OpenWebSocket}, {"text port", OpenText}, {"broker", OpenBroker}};
-  for (const auto& [name, open] : doors) {
-    const auto door = open();
-    Visit visit(results, hub.bus, name, *door);
-    visit.Commands();
-    visit.Burst();
-    visit.Changes();
-  }
+  for (const auto& [name, open] : doors) AddAll(results, name, hub.bus, *open());
   MeasureIdle(results, hub);
-  MeasureCrowd(results, hub, 100);
+  MeasureCrowd(results, hub);
   MeasureFlood(results, hub);
   MeasureMemory(results, hub);
 }

@@ -10,12 +10,6 @@ namespace {
 constexpr char kOurs[] = "qelm";
 constexpr std::size_t kManyValues = 20;  // fewer have no 95th percentile
 
-double PercentileOf(std::vector<double> values, double percent) {
-  if (values.empty()) return NAN;
-  std::sort(values.begin(), values.end());
-  return values[static_cast<std::size_t>(static_cast<double>(values.size() - 1) * percent / 100)];
-}
-
 std::vector<double> Together(const Rounds& rounds) {
   std::vector<double> all;
   for (const auto& round : rounds) all.insert(all.end(), round.begin(), round.end());
@@ -39,6 +33,12 @@ bool IsCompared(const Measure& m) { return m.unit == "us" || m.unit == "/s"; }
 std::string Json(double value) { return Number(value, "%.3f", "null"); }
 
 }  // namespace
+
+double PercentileOf(std::vector<double> values, double percent) {
+  if (values.empty()) return NAN;
+  std::sort(values.begin(), values.end());
+  return values[static_cast<std::size_t>(static_cast<double>(values.size() - 1) * percent / 100)];
+}
 
 void Results::Add(const std::string& measure, const std::string& unit, const std::string& system,
                   std::vector<double> round) {

@@ -24,6 +24,8 @@ struct Bar {
   bool IsMet() const { return at_least ? value >= limit : value <= limit; }
 };
 
+double PercentileOf(std::vector<double> values, double percent);  // 50 is the median
+
 class Results {
  public:
   // The system beside which the others are seen.
@@ -32,7 +34,7 @@ class Results {
   void Add(const std::string& measure, const std::string& unit, const std::string& system,
            std::vector<double> round);
 
-  // Of all rounds together; percent 50 is the median.
+  // Of all rounds together.
   double Percentile(const std::string& measure, const std::string& system, double percent) const;
   // The median, over the rounds, of the ratios of the two medians.
   double Ratio(const std::string& measure, const std::string& system,
