@@ -1,4 +1,4 @@
-// How cost grows: a table for people, and a file a curve for the plots.
+// How the cost of the daemon grows: a table for people, and a file a curve for the plots.
 #pragma once
 
 #include <string>

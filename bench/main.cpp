@@ -1,8 +1,9 @@
 // What the bench runs inside its sandbox, as the first process of a namespace: whatever
 // it has started ends with it.
-//   bench-pace pace FILE       measures the daemon beside the others; FILE gets it as JSON
-//   bench-pace hub FILE        measures the hub beside the daemon's own ports
-//   bench-pace growth FOLDER   measures how cost grows; FOLDER gets the curves
+//   bench-pace pace FILE           measures the daemon beside the others; FILE gets it as JSON
+//   bench-pace hub FILE            measures the hub beside the daemon's own ports
+//   bench-pace growth FOLDER       measures how the daemon's cost grows; FOLDER gets the curves
+//   bench-pace hub-growth FOLDER   measures how the hub's cost grows
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <string_view>
 
 #include "Growth.h"
+#include "HubGrowth.h"
 #include "HubPace.h"
 #include "Pace.h"
 #include "Process.h"
@@ -29,32 +31,48 @@ void PrepareSandbox() {
   std::ofstream("/proc/sys/net/unix/max_dgram_qlen") << "10000";
 }
 
-int Run(std::string_view mode, const std::string& place) {
-  PrepareSandbox();
-  if (mode == "growth") {
-    MeasureGrowth(place);
-    return 0;
-  }
-  const bool is_hub = mode == "hub";
-  const Results results = is_hub ? MeasureHub() : MeasurePace();
-  const std::vector<Bar> bars = is_hub ? HubBars(results) : PaceBars(results);
+void Report(const Results& results, const std::vector<Bar>& bars, const std::string& file) {
   results.PrintTable();
   PrintBars(bars);
-  results.WriteJson(place, bars);
-  return 0;
+  results.WriteJson(file, bars);
 }
+
+void RunPace(const std::string& file) {
+  const Results results = MeasurePace();
+  Report(results, PaceBars(results), file);
+}
+
+void RunHub(const std::string& file) {
+  const Results results = MeasureHub();
+  Report(results, HubBars(results), file);
+}
+
+struct Mode {
+  std::string_view name;
+  void (*run)(const std::string& place);
+};
+
+constexpr std::array<Mode, 4> kModes{{
+    {"pace", RunPace},
+    {"hub", RunHub},
+    {"growth", MeasureGrowth},
+    {"hub-growth", MeasureHubGrowth},
+}};
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  constexpr std::array<std::string_view, 3> kModes{"pace", "hub", "growth"};
-  if (argc != 3 || std::ranges::find(kModes, std::string_view(argv[1])) == kModes.end()) {
-    std::fprintf(stderr, "usage: bench-pace pace FILE | hub FILE | growth FOLDER\n");
+  const auto* const mode =
+      std::ranges::find(kModes, std::string_view(argc == 3 ? argv[1] : ""), &Mode::name);
+  if (mode == kModes.end()) {
+    std::fprintf(stderr, "usage: bench-pace pace|hub FILE | growth|hub-growth FOLDER\n");
     return 2;
   }
   for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, [](int) { _exit(1); });
   try {
-    return Run(argv[1], argv[2]);
+    PrepareSandbox();
+    mode->run(argv[2]);
+    return 0;
   } catch (const std::exception& problem) {
     std::fprintf(stderr, "bench: %s\n", problem.what());
     return 1;
