@@ -9,11 +9,28 @@ using protocol::IoCommand;
 
 namespace {
 
-// The bus may be slower than the hub thinks. What only merges loses nothing by a longer round, and
-// what has gathered in the daemon gets out.
-std::chrono::microseconds RoundOfFlood(std::chrono::microseconds round) { return 2 * round; }
+// The bus may be slower than the hub thinks. What a burst leaves of that in the daemon is little;
+// what goes on longer would gather there for ever, and gets a margin. What only merges loses nothing
+// by a longer round still, in which what has gathered gets out.
+constexpr size_t kLongestBurst = Outbox::kMostWaiting;
+
+std::chrono::microseconds WithMargin(std::chrono::microseconds round) { return round + round / 5; }
+
+std::chrono::microseconds RoundOfFlood(std::chrono::microseconds round) {
+  return 2 * WithMargin(round);
+}
 
 }  // namespace
+
+std::chrono::microseconds Outbox::RoundOf(const CardQueue& queue) const {
+  if (queue.is_flooded) return RoundOfFlood(round_);
+  return queue.in_a_row < kLongestBurst ? round_ : WithMargin(round_);
+}
+
+// Whoever waited for this round, and got it a little late, does not wait longer for the next.
+SteadyTime Outbox::BeginOfRound(const CardQueue& queue, SteadyTime now) const {
+  return queue.in_a_row == 0 ? now : std::max(queue.free_at, now - round_ / 2);
+}
 
 bool Outbox::HasPlace(unsigned address, size_t count) const {
   const CardQueue& queue = queues_[address];
@@ -22,7 +39,10 @@ bool Outbox::HasPlace(unsigned address, size_t count) const {
 
 std::optional<Ticket> Outbox::Offer(const IoCommand& command, SteadyTime now) {
   CardQueue& queue = queues_[protocol::AddressOf(command)];
-  if (queue.IsEmpty() && queue.free_at <= now) queue.is_flooded = false;
+  if (queue.IsEmpty() && queue.free_at <= now) {
+    queue.is_flooded = false;
+    queue.in_a_row = 0;
+  }
   const auto* block = std::get_if<protocol::WriteBlock>(&command);
   if (HasPlace(protocol::AddressOf(command), 1) && !(block != nullptr && queue.is_flooded)) {
     queue.waiting.push_back({command, {++last_ticket_}});
@@ -71,7 +91,8 @@ std::string Outbox::TakeDue(SteadyTime now) {
     lines += under_way_.back().line;
     lines += protocol::kLineEnd;
     bytes_under_way_ += size;
-    queue.free_at = now + (queue.is_flooded ? RoundOfFlood(round_) : round_);
+    queue.free_at = BeginOfRound(queue, now) + RoundOf(queue);
+    ++queue.in_a_row;
   }
   return lines;
 }

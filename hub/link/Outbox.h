@@ -81,11 +81,14 @@ class Outbox {
     std::deque<Entry> levels;   // behind them, one a block; the one that waits longest first
     bool is_flooded = false;    // blocks are merged even where nothing waits before them
     SteadyTime free_at{};       // the card's next round
+    size_t in_a_row = 0;        // commands, since nothing waited for a round
     bool IsEmpty() const { return waiting.empty() && levels.empty(); }
   };
 
   static std::deque<Entry>& NextIn(CardQueue& queue);
   static size_t SizeOfNext(const CardQueue& queue);
+  std::chrono::microseconds RoundOf(const CardQueue& queue) const;
+  SteadyTime BeginOfRound(const CardQueue& queue, SteadyTime now) const;
   Ticket Merge(CardQueue& queue, const protocol::WriteBlock& block);
 
   std::chrono::microseconds round_{5000};
