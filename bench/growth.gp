@@ -48,6 +48,7 @@ plot folder."/hub-cards.dat" using 1:($2/1000) with linespoints lw 2 pt 7 lc 1 t
      "" using 1:($5/1000) with linespoints lw 2 pt 5 lc 2 dt 2 title "input, direct"
 
 set output folder."/hub-history.svg"
+set key right top
 set title "The API's answer for a span of a year of ten channels"
 set xlabel "days asked for"
 set ylabel "ms"
@@ -64,6 +65,7 @@ set y2tics
 set y2range [0:*]
 
 set output folder."/hub-clients.svg"
+set key left top
 set title "An input's change on its way to the last client"
 set xlabel "clients of the WebSocket"
 set xrange [0.7:1500]
