@@ -39,7 +39,7 @@ void JournalTable::DropPastLimit() {
 bool JournalTable::DropOldest() {
   const int64_t first = database_.Number("SELECT min(number) FROM journal");
   const int64_t last = database_.Number("SELECT max(number) FROM journal");
-  if (last == 0) return false;
+  if (first == last) return false;  // the numbers go on from it
   Statement(database_, "DELETE FROM journal WHERE number <= ?")
       .Bind(first + (last - first) / 10)
       .Run();

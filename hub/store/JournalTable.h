@@ -22,7 +22,7 @@ class JournalTable {
   // Inside a transaction.
   void Write(const std::deque<model::JournalEntry>& entries);
   void DropPastLimit();
-  bool DropOldest();  // a part of it; false when nothing is left
+  bool DropOldest();  // a part of it, never the last one; false when no other is left
 
   // `waiting` comes behind what is in the file; `last` is the number given last.
   JournalPage Read(const JournalSpan& span, uint64_t last,

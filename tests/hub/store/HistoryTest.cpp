@@ -221,6 +221,24 @@ TEST_F(StoreLimits, TheFileKeepsWithinItsMegabytes) {
   EXPECT_EQ(all.points.front().time, Noon());
 }
 
+TEST_F(StoreLimits, DocumentsMayTakeAllTheRoom) {
+  options.max_mb = 1;
+  Start();
+  AddDays(3);
+  Restart();
+  const auto last = Journal().entries.back().sequence;
+  EXPECT_EQ(Journal().entries.size(), 72u);
+  EXPECT_EQ(Read(kKnob, Noon(), clock.Now(), 500).points.size(), 72u);
+  store->PutDocument("names", std::string(1'000'000, 'x'));
+  Add(1);
+  WriteAfterMinute();
+  Restart();
+  EXPECT_EQ(store->Document("names").value().size(), 1'000'000u);
+  EXPECT_TRUE(Read(kKnob, Noon(), clock.Now(), 500).points.empty());
+  ASSERT_EQ(Journal().entries.size(), 1u);
+  EXPECT_EQ(Journal().entries.back().sequence, last + 1);  // the numbers go on from it
+}
+
 TEST_F(StoreLimits, ALowerLimitMakesTheFileSmaller) {
   Start();
   for (int i = 0; i < 250'000; ++i) {
