@@ -68,6 +68,7 @@ struct ApiTest::Parts {
   store::Store store;
   access::Access access;
   virtualbus::Control control;
+  std::vector<std::string> told;  // other boards
   House house;
 };
 
@@ -131,6 +132,7 @@ std::string ApiTest::Rpc(std::string text) {
 
 std::string ApiTest::TakeSet() { return Joined(link.set); }
 std::string ApiTest::TakeSent() { return Joined(link.sent); }
+std::string ApiTest::TakeTold() { return Joined(parts_->told); }
 std::string ApiTest::TakeAsked() { return Joined(link.asked); }
 
 void ApiTest::DaemonIs(model::DaemonState state) {
@@ -160,7 +162,13 @@ void ApiTest::Pull(unsigned address) {
 
 void ApiTest::ShedSays(const std::string& topic, std::string_view payload) {
   boards::Boards& boards = parts_->house.boards;
-  if (!boards.IsOn()) boards.Use(true);
+  if (!boards.IsOn()) {
+    boards.Use(true);
+    boards.SendBy([this](std::string to, std::string what) {
+      parts_->told.push_back(std::move(to) + ' ' + std::move(what));
+      if (shed_then) shed_then();
+    });
+  }
   boards.Take("qelm/shed/" + topic, payload, payload.size(), now);
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -60,6 +61,8 @@ class ApiTest : public testing::Test {
 
   // Another board says this, below its name; from the first time on, others are listened to.
   void ShedSays(const std::string& topic, std::string_view payload);
+  std::string TakeTold();           // what it was told since the last time: topic, blank, payload
+  std::function<void()> shed_then;  // done when it is told something
 
   // Settings of the file, in effect.
   void FileHas(const model::Settings& settings);
