@@ -16,6 +16,13 @@ TEST(KeptOutputs, ADocumentIsReadAsItWasWritten) {
   EXPECT_EQ(Again(R"({"5.0":254,"E.1":7})"), R"({"5.0":254,"E.1":7})");
 }
 
+TEST(KeptOutputs, WhatIsForgottenIsKeptNoMore) {
+  KeptOutputs outputs(R"({"5.0":254,"E.1":7})");
+  EXPECT_TRUE(outputs.Forget(0x5, 0));
+  EXPECT_FALSE(outputs.Forget(0x5, 0));
+  EXPECT_EQ(outputs.Document(), R"({"E.1":7})");
+}
+
 TEST(KeptOutputs, WhatIsBrokenIsPassedOverAndTheRestIsKept) {
   for (const char* all_of_it : {"", "[", "[]", "7", "null", R"({"5.0":254)", "\xFF"})
     EXPECT_EQ(Again(all_of_it), "{}") << all_of_it;
