@@ -17,6 +17,10 @@ struct Changed {
   std::string value;
 };
 
+void PrintTo(const Changed& changed, std::ostream* out) {
+  *out << changed.section << '.' << changed.key;
+}
+
 class RestartKeysTest : public testing::TestWithParam<Changed> {};
 
 TEST_P(RestartKeysTest, NamesTheKeyThatHasChanged) {
