@@ -45,6 +45,14 @@ TEST(PaceKeeper, SlowReceiptsStretchTheRound) {
   EXPECT_GE(pace.Round(1), 3 * quiet);
 }
 
+TEST(PaceKeeper, AReceiptThatIsALittleLateDoesNot) {
+  PaceKeeper pace;
+  pace.SetPause(1us);
+  const auto quiet = pace.Round(16);
+  for (int i = 0; i < 100; ++i) pace.TakeReceipt(450us);
+  EXPECT_EQ(pace.Round(16), quiet);
+}
+
 TEST(PaceKeeper, AReceiptThatWaitedForACardSaysNothing) {
   PaceKeeper pace;
   for (int i = 0; i < 100; ++i) pace.TakeReceipt(300us);
