@@ -69,7 +69,7 @@ std::pair<std::string, json::value> ParseSetting(const std::string& text) {
   return {text.substr(0, sign), std::move(items)};
 }
 
-long ParseNumber(const std::string& text, const std::string& what, long least, long most) {
+int64_t ParseNumber(const std::string& text, const std::string& what, int64_t least, int64_t most) {
   const auto number = ReadWhole(text);
   if (number && *number >= least && *number <= most) return *number;
   throw Failure(kUsage, "\"" + text + "\" is no " + what + ": write a number from " +

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <boost/json/value.hpp>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,7 +20,7 @@ boost::json::value ParseValue(const std::string& text);
 // "mask=0x20", "end_a=16,16,16,16,16,16" (an array), "self_test=on"
 std::pair<std::string, boost::json::value> ParseSetting(const std::string& text);
 
-long ParseNumber(const std::string& text, const std::string& what, long least, long most);
+int64_t ParseNumber(const std::string& text, const std::string& what, int64_t least, int64_t most);
 
 // Upper-case digits without what people put between bytes: "43 4f", "43:4F". Nothing where there
 // is anything else.

@@ -16,7 +16,7 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr long kMostPace = 100;
+constexpr int64_t kMostPace = 100;
 
 // As it may be given again: "16,16,16".
 std::string SettingText(const json::value& value) {

@@ -19,8 +19,8 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr long kMostPoints = 5000;
-constexpr long kMostEntries = 1000;
+constexpr int64_t kMostPoints = 5000;
+constexpr int64_t kMostEntries = 1000;
 constexpr char kDefaultSince[] = "1h";
 constexpr std::chrono::seconds kJournalPause{1};
 
