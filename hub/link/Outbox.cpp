@@ -10,8 +10,8 @@ using protocol::IoCommand;
 namespace {
 
 // The bus may be slower than the hub thinks. What a burst leaves of that in the daemon is little;
-// what goes on longer would gather there for ever, and gets a margin. What only merges loses nothing
-// by a longer round still, in which what has gathered gets out.
+// what goes on longer would gather there for ever, and gets a margin. What only merges loses
+// nothing by a longer round still, in which what has gathered gets out.
 constexpr size_t kLongestBurst = Outbox::kMostWaiting;
 
 std::chrono::microseconds WithMargin(std::chrono::microseconds round) { return round + round / 5; }
