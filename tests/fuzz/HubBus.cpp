@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +27,7 @@ void CheckNumber(const ChannelForm& form, const Channel& channel) {
   Require(number != nullptr && std::isfinite(*number), "a level is no number");
   const auto raw = ToRaw(form, channel.value);
   Require(raw.has_value(), "a value that is shown cannot be set");
-  const bool is_plain = form.settings.unit.empty() && !form.is_signed;
+  const bool is_plain = !form.is_signed && form.settings.min == 0 && form.settings.max == UINT8_MAX;
   Require(!is_plain || raw == channel.raw, "a byte does not read back");
 }
 
