@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "api/Times.h"
+#include "model/Text.h"
 
 namespace hub::api {
 
@@ -133,17 +134,6 @@ size_t CountCharacters(std::string_view text) {
       text, [](char c) { return (static_cast<uint8_t>(c) & 0xC0U) != 0x80; }));
 }
 
-// C0, DEL and C1 (as UTF-8 has them: C2 80 to C2 9F).
-bool HasControls(std::string_view text) {
-  uint8_t last = 0;
-  for (const char c : text) {
-    const auto byte = static_cast<uint8_t>(c);
-    if (byte < 0x20 || byte == 0x7F || (last == 0xC2 && byte < 0xA0)) return true;
-    last = byte;
-  }
-  return false;
-}
-
 }  // namespace
 
 Problem UnknownField(std::string_view holder, std::string_view way, std::string_view name,
@@ -172,7 +162,7 @@ std::string Listed(std::span<const std::string_view> words, std::string_view las
 }
 
 void CheckText(std::string_view where, std::string_view text, size_t least, size_t most) {
-  if (HasControls(text))
+  if (model::HasControls(text))
     throw DoesNotFit(std::string(where), fmt::format("{} holds a control character; only "
                                                      "characters that can be seen go through",
                                                      where));

@@ -4,6 +4,7 @@
 
 #include "access/Network.h"
 #include "model/DeviceClasses.h"
+#include "model/Text.h"
 
 namespace hub::settings {
 
@@ -19,12 +20,7 @@ bool IsLetterOrDigit(char letter) {
          (letter >= '0' && letter <= '9');
 }
 
-bool IsPrintable(std::string_view text) {
-  return std::ranges::none_of(text, [](char letter) {
-    const auto byte = static_cast<unsigned char>(letter);
-    return byte < 0x20 || byte == 0x7F;
-  });
-}
+bool IsPrintable(std::string_view text) { return !model::HasControls(text); }
 
 bool IsHostName(std::string_view text) {
   const auto fits = [](char letter) {

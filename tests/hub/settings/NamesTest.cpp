@@ -109,6 +109,8 @@ TEST(NameSettings, WhatDoesNotFitIsAnError) {
        "f:2:7: `5` is \"\"; it takes 1 to 64 bytes of text without control characters"},
       {"[names]\nbus = \"a\\nb\"\n",
        "f:2:7: `bus` is \"a\\nb\"; it takes 1 to 64 bytes of text without control characters"},
+      {"[names]\nbus = \"a\\u008Eb\"\n",
+       "f:2:7: `bus` is \"a\\u008Eb\"; it takes 1 to 64 bytes of text without control characters"},
       {"[card.G]\n", "f:1:1: `G` is no card; it takes \"0\" to \"F\""},
       {"[card.E]\nrows = 9\n", "f:2:8: `rows` is 9; it takes a whole number from 1 to 8"},
       {"[card.E]\ncolumns = 81\n", "f:2:11: `columns` is 81; it takes a whole number from 1 to 80"},
