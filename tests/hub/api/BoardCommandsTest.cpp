@@ -38,6 +38,9 @@ TEST_F(BoardCommandsTest, APulseAndARampGoAlong) {
   shed_then = [this] { ShedSays("5/0", "ON"); };
   Result("boards.channels.set", R"({"board":"shed","id":"5.0","value":true,"pulse":500})");
   EXPECT_EQ(TakeTold(), R"(qelm/shed/5/0/set {"value":true,"pulse":500})");
+  shed_then = [this] { ShedSays("0/1", "10"); };
+  Result("boards.channels.set", R"({"board":"shed","id":"0.1","value":10,"ramp":500})");
+  EXPECT_EQ(TakeTold(), R"(qelm/shed/0/1/set {"value":10,"ramp":500})");
 }
 
 TEST_F(BoardCommandsTest, WhatIsNotThereIsSaid) {
